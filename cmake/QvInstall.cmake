@@ -1,0 +1,22 @@
+# Headers, the library, a CMake package (find_package(qv) gives qv::qv) and qv.pc.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS qv EXPORT qvTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY qv/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qv
+  FILES_MATCHING PATTERN "*.h" PATTERN "platform" EXCLUDE)
+install(EXPORT qvTargets NAMESPACE qv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qv)
+
+configure_package_config_file(cmake/qvConfig.cmake.in
+  ${CMAKE_CURRENT_BINARY_DIR}/qvConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qv)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/qvConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/qvConfigVersion.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qv)
+
+configure_file(cmake/qv.pc.in ${CMAKE_CURRENT_BINARY_DIR}/qv.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,44 @@
+// The wide (UTF-16, char16_t) C runtime helpers the library is written
+// against, with the semantics of the runtime it was designed on: lengths and
+// compares by unsigned code unit, case-insensitive compares that fold to lower
+// case first (sort orders that reach files depend on it), and number parsers
+// that never look at the process locale.
+// All functions are pure and thread-safe; a null pointer is never accepted
+// unless stated.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "qv/core/Export.h"
+
+namespace qv {
+
+QV_API size_t wcslen(char16_t const *s);
+QV_API int wcscmp(char16_t const *a, char16_t const *b);
+QV_API int wcsncmp(char16_t const *a, char16_t const *b, size_t n);
+QV_API int _wcsicmp(char16_t const *a, char16_t const *b);
+QV_API int _wcsnicmp(char16_t const *a, char16_t const *b, size_t n);
+QV_API char16_t towlower(char16_t c);
+QV_API char16_t towupper(char16_t c);
+QV_API bool iswspace(char16_t c);
+QV_API bool iswdigit(char16_t c);
+
+// Narrow twins used on file text: fold ASCII only, locale-free.
+QV_API int _stricmp(char const *a, char const *b);
+QV_API int _strnicmp(char const *a, char const *b, size_t n);
+
+// _wtol saturates to 32 bits (LONG_MIN/LONG_MAX of the designed runtime);
+// _wtoi64 saturates to 64 bits; _wtof reads like strtod in the "C" locale.
+// Leading white space is skipped; parsing stops at the first unusable unit.
+QV_API int32_t _wtol(char16_t const *s);
+QV_API int64_t _wtoi64(char16_t const *s);
+QV_API double _wtof(char16_t const *s);
+// Wide strtod in the "C" locale; *end (if given) receives the first unused unit.
+QV_API double wcstod(char16_t const *s, char16_t const **end);
+
+// Locale-free narrow number parsers for file readers ('.' is always the point).
+QV_API double c_strtod(char const *s, char const **end);
+QV_API double c_atof(char const *s);
+
+} // namespace qv

@@ -1,0 +1,7 @@
+#include "qv/filesystems/IFileSystem.h"
+
+namespace qv {
+
+IFileSystem::~IFileSystem() = default;
+
+} // namespace qv

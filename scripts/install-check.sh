@@ -1,0 +1,22 @@
+#!/bin/sh
+# Installs a release build of qv into a scratch prefix and builds two programs
+# against it: one with find_package(qv), one with pkg-config.
+set -eu
+cd "$(dirname "$0")/.."
+build=${QV_BUILD_DIR:-build/release}
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DQV_TESTS=OFF
+cmake --build "$build" -j2 --target qv
+cmake --install "$build" --prefix "$prefix" >/dev/null
+
+cmake -S cmake/install-check -B "$prefix/check" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$prefix/check" >/dev/null
+LD_LIBRARY_PATH="$prefix/lib" "$prefix/check/consumer"
+
+flags=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs qv)
+# shellcheck disable=SC2086
+c++ cmake/install-check/main.cpp $flags -o "$prefix/consumer-pc"
+LD_LIBRARY_PATH="$prefix/lib" "$prefix/consumer-pc"
+echo "install check passed"

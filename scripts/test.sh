@@ -1,0 +1,12 @@
+#!/bin/sh
+# Builds qv with AddressSanitizer and UndefinedBehaviorSanitizer, warnings as
+# errors, and runs every test. Benchmarks are compiled too, so they keep building.
+set -eu
+cd "$(dirname "$0")/.."
+if [ "$(id -u)" = 0 ]; then ./scripts/setup.sh; fi
+
+build=${QV_BUILD_DIR:-build/test}
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+  -DQV_SANITIZE=address,undefined -DQV_WERROR=ON -DQV_BENCH=ON
+cmake --build "$build" -j2
+ctest --test-dir "$build" -j2 --output-on-failure
