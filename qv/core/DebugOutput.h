@@ -1,5 +1,8 @@
 // The debug text sink. Text goes as UTF-8 to standard error when the
-// environment variable QV_DEBUG is set, and to the hook a program installed.
+// environment variable QV_DEBUG is set (looked at once, on first use), and to
+// the hook a program installed. Null text is ignored. Thread-safe: the hook is
+// called outside any lock, so it may write debug text itself; a call already
+// under way may still reach a hook that was just replaced.
 #pragma once
 
 #include "qv/core/Export.h"

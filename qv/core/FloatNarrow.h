@@ -1,0 +1,21 @@
+// NarrowToFloat: double to float as IEEE arithmetic rounds it (to nearest,
+// beyond the float range to an infinity, NaN stays NaN), without the
+// conversion C++ leaves undefined for values outside the float range.
+// Pure and thread-safe.
+#pragma once
+
+#include <limits>
+
+namespace qv {
+
+constexpr float NarrowToFloat(double v) {
+    // Halfway between the largest float and 2^128: from here on, rounding to
+    // nearest (ties to even) gives an infinity.
+    constexpr double kOverflow = 0x1.ffffffp127;
+    constexpr float kInf = std::numeric_limits<float>::infinity();
+    if (v >= kOverflow) return kInf;
+    if (v <= -kOverflow) return -kInf;
+    return static_cast<float>(v);
+}
+
+} // namespace qv

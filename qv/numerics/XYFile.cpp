@@ -1,0 +1,35 @@
+// ReadXYFile: two columns of numbers, one pair a line.
+#include "qv/core/WideChar.h"
+#include "qv/files/File.h"
+#include "qv/numerics/CurveFiles.h"
+#include "qv/numerics/CurveText.h"
+
+namespace qv {
+
+using namespace numerics_detail;
+
+bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFile *file) {
+    x.Empty();
+    y.Empty();
+    if (!file) return false;
+    CBulkGrowth growX(x), growY(y);
+    char line[kCurveLineBytes];
+    while (file->GetLine(line, kCurveLineBytes)) {
+        if (line[0] == '\0' || line[0] == '#') continue;
+        char *cursor = TrimLine(line);
+        char *first = NextToken(&cursor, ", \t");
+        char *second = NextToken(&cursor, ", \t");
+        if (!second) break;
+        x.Add(c_atof(first));
+        y.Add(c_atof(second));
+    }
+    return true;
+}
+
+bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *, char16_t const *path) {
+    CFile file;
+    if (!OpenCurveFile(file, path)) return false;
+    return ReadXYFile(x, y, &file);
+}
+
+} // namespace qv

@@ -1,0 +1,139 @@
+// OS side: regular disk files opened with Windows dispositions and sharing, and their I/O.
+//
+// How a request is carried over:
+// - The descriptor always can read (the share locks need that): O_RDWR for
+//   write access or create-or-truncate, otherwise O_RDONLY. So a write-only
+//   open needs read permission too, and can read.
+// - Dispositions: open-or-create and create-or-truncate add O_CREAT,
+//   must-not-exist O_CREAT | O_EXCL. Truncation happens with ftruncate only
+//   after the share check passed, so a refused open never destroys a file.
+// - Only regular files open: the path opens with O_NONBLOCK (a FIFO must not
+//   block us), is checked with fstat, and O_NONBLOCK is cleared again.
+// - Attributes of a created file: read-only gives permission 0444, anything
+//   else 0666, both less the umask. The descriptor that creates a read-only
+//   file may still write it, as on Windows. Hidden, system and temporary are
+//   not carried here. Nothing changes the permissions of an existing file.
+// - Delete-on-close unlinks the name right after the open succeeded, so a
+//   crash leaves nothing behind; the data lives until the last descriptor
+//   closes.
+// - Write-through is O_DSYNC.
+#include "qv/platform/DiskFile.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "qv/platform/ShareLocks.h"
+#include "qv/platform/Syscalls.h"
+
+namespace qv {
+
+static_assert(sizeof(off_t) == 8, "disk files need 64-bit offsets");
+
+namespace {
+
+int AccessMode(OpenRequest const &request) {
+    return request.write || request.disposition == Disposition::CreateAlways ? O_RDWR : O_RDONLY;
+}
+
+int CreationFlags(Disposition disposition) {
+    switch (disposition) {
+    case Disposition::OpenAlways:
+    case Disposition::CreateAlways:
+        return O_CREAT;
+    case Disposition::CreateNew:
+        return O_CREAT | O_EXCL;
+    case Disposition::OpenExisting:
+        break;
+    }
+    return 0;
+}
+
+bool IsRegular(int fd) {
+    struct stat st;
+    return SysFstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool ClearNonBlocking(int fd) {
+    int flags = SysGetFlags(fd);
+    return flags != -1 && SysSetFlags(fd, flags & ~O_NONBLOCK) == 0;
+}
+
+// The steps that change the file, taken once the open is known to be allowed.
+bool Commit(int fd, char const *path, OpenRequest const &request) {
+    if (request.deleteOnClose && SysUnlink(path) != 0) return false;
+    return request.disposition != Disposition::CreateAlways || SysFtruncate(fd, 0) == 0;
+}
+
+int Descriptor(intptr_t handle) {
+    return int(handle);
+}
+
+// Repeats call(done, left) until n bytes passed, the end, or an error.
+template <class Call> uint32_t TransferAll(uint32_t n, Call call) {
+    uint32_t done = 0;
+    while (done < n) {
+        ssize_t moved = call(done, n - done);
+        if (moved <= 0) break;
+        done += uint32_t(moved);
+    }
+    return done;
+}
+
+} // namespace
+
+intptr_t OpenDiskFile(char const *path, OpenRequest const &request) {
+    int flags = AccessMode(request) | CreationFlags(request.disposition) | O_NONBLOCK | O_NOCTTY;
+    if (request.writeThrough) flags |= O_DSYNC;
+    int fd = SysOpen(path, flags, request.readOnly ? 0444 : 0666);
+    if (fd == -1) return kNoDiskFile;
+    if (IsRegular(fd) && ClearNonBlocking(fd) && ClaimShareAccess(fd, request) && Commit(fd, path, request)) return fd;
+    int reason = errno;
+    SysClose(fd);
+    errno = reason;
+    return kNoDiskFile;
+}
+
+intptr_t DuplicateDiskFile(intptr_t handle) {
+    return handle == kNoDiskFile ? kNoDiskFile : SysDup(Descriptor(handle));
+}
+
+void CloseDiskFile(intptr_t handle) {
+    if (handle != kNoDiskFile) SysClose(Descriptor(handle));
+}
+
+uint32_t ReadDiskFile(intptr_t handle, void *p, uint32_t n) {
+    auto bytes = static_cast<char *>(p);
+    return TransferAll(n,
+                       [&](uint32_t done, uint32_t left) { return SysRead(Descriptor(handle), bytes + done, left); });
+}
+
+uint32_t WriteDiskFile(intptr_t handle, void const *p, uint32_t n) {
+    auto bytes = static_cast<char const *>(p);
+    return TransferAll(n,
+                       [&](uint32_t done, uint32_t left) { return SysWrite(Descriptor(handle), bytes + done, left); });
+}
+
+int64_t SeekDiskFile(intptr_t handle, int64_t offset, SeekOrigin origin) {
+    int whence = origin == SeekOrigin::Begin ? SEEK_SET : origin == SeekOrigin::Current ? SEEK_CUR : SEEK_END;
+    return SysLseek(Descriptor(handle), offset, whence);
+}
+
+int64_t GetDiskFileSize(intptr_t handle) {
+    struct stat st;
+    return SysFstat(Descriptor(handle), &st) == 0 ? st.st_size : -1;
+}
+
+bool SetDiskFileSize(intptr_t handle, int64_t size) {
+    return SysFtruncate(Descriptor(handle), size) == 0;
+}
+
+bool FlushDiskFile(intptr_t handle) {
+    return SysFsync(Descriptor(handle)) == 0;
+}
+
+bool RemoveDiskFile(char const *path) {
+    return SysUnlink(path) == 0;
+}
+
+} // namespace qv

@@ -1,0 +1,88 @@
+// OS side: the replaceable table of file system calls and their EINTR-safe wrappers.
+#include "qv/platform/Syscalls.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace qv {
+
+namespace {
+
+int OpenDefault(char const *path, int flags, mode_t mode) {
+    return ::open(path, flags, mode);
+}
+int LockDefault(int fd, int cmd, struct flock *lock) {
+    return ::fcntl(fd, cmd, lock);
+}
+int FlagsDefault(int fd, int cmd, int arg) {
+    return ::fcntl(fd, cmd, arg);
+}
+int DupDefault(int fd) {
+    return ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+}
+
+constexpr SyscallTable kSystem{
+    &OpenDefault, &::close,     &::read,       &::write, &::lseek,  &::ftruncate,
+    &::fsync,     &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault,
+};
+
+SyscallTable table = kSystem;
+
+// Calls f until it is not interrupted by a signal.
+template <class F> auto Retry(F f) {
+    for (;;) {
+        auto result = f();
+        if (result != -1 || errno != EINTR) return result;
+    }
+}
+
+} // namespace
+
+SyscallTable &Syscalls() {
+    return table;
+}
+void ResetSyscalls() {
+    table = kSystem;
+}
+
+int SysOpen(char const *path, int flags, mode_t mode) {
+    return Retry([&] { return table.open(path, flags | O_CLOEXEC, mode); });
+}
+int SysClose(int fd) {
+    return table.close(fd);
+}
+ssize_t SysRead(int fd, void *buf, size_t n) {
+    return Retry([&] { return table.read(fd, buf, n); });
+}
+ssize_t SysWrite(int fd, void const *buf, size_t n) {
+    return Retry([&] { return table.write(fd, buf, n); });
+}
+off_t SysLseek(int fd, off_t offset, int whence) {
+    return table.lseek(fd, offset, whence);
+}
+int SysFtruncate(int fd, off_t length) {
+    return Retry([&] { return table.ftruncate(fd, length); });
+}
+int SysFsync(int fd) {
+    return Retry([&] { return table.fsync(fd); });
+}
+int SysLock(int fd, int cmd, struct flock *lock) {
+    return Retry([&] { return table.fcntlLock(fd, cmd, lock); });
+}
+int SysGetFlags(int fd) {
+    return Retry([&] { return table.fcntlFlags(fd, F_GETFL, 0); });
+}
+int SysSetFlags(int fd, int flags) {
+    return Retry([&] { return table.fcntlFlags(fd, F_SETFL, flags); });
+}
+int SysFstat(int fd, struct stat *st) {
+    return Retry([&] { return table.fstat(fd, st); });
+}
+int SysUnlink(char const *path) {
+    return Retry([&] { return table.unlink(path); });
+}
+int SysDup(int fd) {
+    return Retry([&] { return table.dup(fd); });
+}
+
+} // namespace qv

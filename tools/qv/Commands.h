@@ -1,0 +1,50 @@
+// The sub-commands of the qv tool. A new sub-command is one source file with
+// its Run function and one row in the table of main.cpp.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "qv/files/File.h"
+#include "qv/formats/tagged/SAFFile.h"
+
+namespace qvtool {
+
+// Exit codes: 0 done, 1 the work failed, 2 the command line was wrong.
+constexpr int kExitFailed = 1;
+constexpr int kExitUsage = 2;
+
+// A handler gets exactly the arguments its row names, as UTF-8 text.
+using Handler = int (*)(char *const *args);
+
+struct Command {
+    char const *words;     // what selects it, e.g. "saf show"
+    char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument
+    char const *summary;   // one line for the help
+    Handler run;
+};
+
+// The table, in the order the help lists it.
+struct CommandTable {
+    Command const *rows;
+    int count;
+};
+CommandTable Commands();
+
+// "qv: " and the message on standard error; returns kExitFailed.
+int Fail(char const *format, ...) __attribute__((format(printf, 1, 2)));
+
+// Opens path with the CFile flags and loads its SAF header; on failure the
+// message is printed and false returned.
+bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf);
+
+// The list of sub-commands; qv help prints it to standard output, a wrong
+// command line to standard error.
+void PrintUsage(std::FILE *out);
+
+int RunHelp(char *const *args);
+int RunSafShow(char *const *args);
+int RunSafSet(char *const *args);
+int RunBand(char *const *args);
+
+} // namespace qvtool

@@ -1,0 +1,32 @@
+// What the SAF sub-commands share: messages and opening a file's header.
+#include <cstdarg>
+#include <cstdio>
+
+#include "Commands.h"
+#include "qv/core/String.h"
+
+namespace qvtool {
+
+int Fail(char const *format, ...) {
+    va_list args;
+    va_start(args, format);
+    std::fputs("qv: ", stderr);
+    std::vfprintf(stderr, format, args);
+    std::fputc('\n', stderr);
+    va_end(args);
+    return kExitFailed;
+}
+
+bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf) {
+    if (!file.Open(qv::CString(path).GetUTF16(), flags)) {
+        Fail("cannot open %s (missing, not a regular file, no permission, or in use)", path);
+        return false;
+    }
+    if (!saf.Load(&file)) {
+        Fail("%s is not a SAF file (it must begin with an HdSize line)", path);
+        return false;
+    }
+    return true;
+}
+
+} // namespace qvtool
