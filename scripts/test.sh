@@ -10,3 +10,9 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DQV_SANITIZE=address,undefined -DQV_WERROR=ON -DQV_BENCH=ON
 cmake --build "$build" -j2
 ctest --test-dir "$build" -j2 --output-on-failure
+
+# Thread code runs once more under ThreadSanitizer.
+tsan=${QV_TSAN_BUILD_DIR:-build/tsan}
+cmake -S . -B "$tsan" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQV_SANITIZE=thread -DQV_WERROR=ON
+cmake --build "$tsan" -j2 --target test_threads
+"$tsan/tests/test_threads"

@@ -10,7 +10,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <type_traits>
 
 #include "qv/core/Export.h"
 #include "qv/core/FloatNarrow.h"
@@ -25,16 +24,9 @@ QV_API CString FormatGeneral(double v);          // "%g"
 } // namespace detail
 
 template <class T> class TFloatConversion {
-    static T Narrow(double v) {
-        if constexpr (std::is_same_v<T, float>)
-            return NarrowToFloat(v);
-        else
-            return v;
-    }
-
 public:
-    static T Parse(char16_t const *s) { return Narrow(detail::ParseFloatText(s)); }
-    static T ParseHex(char16_t const *s) { return Narrow(std::bit_cast<double>(CUInt64::ParseHex(s))); }
+    static T Parse(char16_t const *s) { return FloatFromDouble<T>(detail::ParseFloatText(s)); }
+    static T ParseHex(char16_t const *s) { return FloatFromDouble<T>(std::bit_cast<double>(CUInt64::ParseHex(s))); }
     static CString ToString(T v) { return detail::FormatGeneral(v); }
     static CString ToStringHex(T v) { return CUInt64::ToStringHex(std::bit_cast<uint64_t>(static_cast<double>(v))); }
 };

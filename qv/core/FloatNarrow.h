@@ -1,10 +1,12 @@
 // NarrowToFloat: double to float as IEEE arithmetic rounds it (to nearest,
 // beyond the float range to an infinity, NaN stays NaN), without the
 // conversion C++ leaves undefined for values outside the float range.
-// Pure and thread-safe.
+// FloatFromDouble<F> is the same for either floating type (double: as it
+// stands). Pure and thread-safe.
 #pragma once
 
 #include <limits>
+#include <type_traits>
 
 namespace qv {
 
@@ -16,6 +18,14 @@ constexpr float NarrowToFloat(double v) {
     if (v >= kOverflow) return kInf;
     if (v <= -kOverflow) return -kInf;
     return static_cast<float>(v);
+}
+
+template <class F> constexpr F FloatFromDouble(double v) {
+    static_assert(std::is_same_v<F, float> || std::is_same_v<F, double>, "float or double");
+    if constexpr (std::is_same_v<F, float>)
+        return NarrowToFloat(v);
+    else
+        return v;
 }
 
 } // namespace qv

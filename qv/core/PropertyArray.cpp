@@ -1,15 +1,9 @@
 #include "qv/core/PropertyArray.h"
 
+#include "qv/core/TextOrEmpty.h"
 #include "qv/core/WideChar.h"
 
 namespace qv {
-
-namespace {
-char16_t const *TextOf(CString const &s) {
-    char16_t const *p = s.GetTChar();
-    return p ? p : u"";
-}
-} // namespace
 
 int CPropertyArray::nValues() const {
     return int(nItems());
@@ -22,13 +16,13 @@ void CPropertyArray::Clear() {
 int CPropertyArray::FindValue(char16_t const *name) const {
     if (!name) name = u"";
     for (uint32_t i = 0; i < nItems(); ++i)
-        if (_wcsicmp(TextOf(ConstGetItem(i).name), name) == 0) return int(i);
+        if (_wcsicmp(detail::TextOrEmpty(ConstGetItem(i).name), name) == 0) return int(i);
     return -1;
 }
 
 char16_t const *CPropertyArray::GetValue(char16_t const *name) const {
     int i = FindValue(name);
-    return i < 0 ? u"" : TextOf(ConstGetItem(uint32_t(i)).value);
+    return i < 0 ? u"" : detail::TextOrEmpty(ConstGetItem(uint32_t(i)).value);
 }
 
 void CPropertyArray::SetValue(char16_t const *name, char16_t const *value) {
@@ -45,7 +39,7 @@ CPropertyArray::CEntry CPropertyArray::operator[](char16_t const *name) {
 }
 
 CPropertyArray::CEntry CPropertyArray::operator[](int i) {
-    return CEntry(this, TextOf(ConstGetItem(uint32_t(i)).name));
+    return CEntry(this, detail::TextOrEmpty(ConstGetItem(uint32_t(i)).name));
 }
 
 } // namespace qv

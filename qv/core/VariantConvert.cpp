@@ -5,6 +5,7 @@
 #include "qv/core/FloatNarrow.h"
 #include "qv/core/FloatToInt.h"
 #include "qv/core/HexDigit.h"
+#include "qv/core/TextOrEmpty.h"
 #include "qv/core/Variant.h"
 #include "qv/core/VariantStorage.h"
 #include "qv/core/WideChar.h"
@@ -12,18 +13,6 @@
 namespace qv {
 
 namespace {
-
-char16_t const *TextOf(CString const &s) {
-    char16_t const *p = s.GetTChar();
-    return p ? p : u"";
-}
-
-template <class F> F FromDouble(double v) {
-    if constexpr (std::is_same_v<F, float>)
-        return NarrowToFloat(v);
-    else
-        return v;
-}
 
 // The longest blob whose text a CString can hold.
 constexpr uint32_t kMaxHexBytes = (INT_MAX - 1) / 2;
@@ -81,7 +70,7 @@ int64_t CVariant::IntegerBits(bool sixtyFourBit) const {
         return TruncateToInt64(Stored<double>());
     // _wtol saturates at 32 bits; callers depend on it.
     case String:
-        return sixtyFourBit ? _wtoi64(TextOf(text)) : _wtol(TextOf(text));
+        return sixtyFourBit ? _wtoi64(detail::TextOrEmpty(text)) : _wtol(detail::TextOrEmpty(text));
     case Blob:
     case Undefined:
         break;
@@ -123,11 +112,11 @@ void CVariant::StoreInteger(int64_t bits) {
 template <class F> F CVariant::ToFloating() const {
     switch (type) {
     case Flt32:
-        return FromDouble<F>(Stored<float>());
+        return FloatFromDouble<F>(Stored<float>());
     case Flt64:
-        return FromDouble<F>(Stored<double>());
+        return FloatFromDouble<F>(Stored<double>());
     case String:
-        return FromDouble<F>(_wtof(TextOf(text)));
+        return FloatFromDouble<F>(_wtof(detail::TextOrEmpty(text)));
     case Blob:
     case Undefined:
         return 0;
@@ -144,7 +133,7 @@ bool CVariant::ToBool() const {
         return !(Stored<double>() == 0);
     // Only the words: a string "1" is false, as callers expect.
     case String:
-        return _wcsicmp(TextOf(text), u"true") == 0 || _wcsicmp(TextOf(text), u"yes") == 0;
+        return _wcsicmp(detail::TextOrEmpty(text), u"true") == 0 || _wcsicmp(detail::TextOrEmpty(text), u"yes") == 0;
     case Blob:
     case Undefined:
         return false;

@@ -1,5 +1,6 @@
 // CVariant: the enum value and its name table.
 #include "qv/core/IntegerConversions.h"
+#include "qv/core/TextOrEmpty.h"
 #include "qv/core/Variant.h"
 #include "qv/core/VariantStorage.h"
 #include "qv/core/WideChar.h"
@@ -18,16 +19,9 @@ int CVariant::GetEnumCount() const {
     return int(enumValues.nItems());
 }
 
-namespace {
-char16_t const *TextOf(CString const &s) {
-    char16_t const *p = s.GetTChar();
-    return p ? p : u"";
-}
-} // namespace
-
 // A negative index wraps past the count and so reads the default entry.
 char16_t const *CVariant::GetEnumName(int i) const {
-    return TextOf(enumValues.ConstGetItem(uint32_t(i)).name);
+    return detail::TextOrEmpty(enumValues.ConstGetItem(uint32_t(i)).name);
 }
 
 int64_t CVariant::GetEnumValue(int i) const {
@@ -41,15 +35,19 @@ void CVariant::GetEnumNames(TArray<CString> &out) const {
 }
 
 char16_t const *CVariant::GetEnumNameFromValue(int64_t v) const {
-    for (uint32_t i = 0; i < enumValues.nItems(); ++i)
-        if (enumValues.ConstGetItem(i).value == v) return TextOf(enumValues.ConstGetItem(i).name);
+    for (uint32_t i = 0; i < enumValues.nItems(); ++i) {
+        SEnumValue const &entry = enumValues.ConstGetItem(i);
+        if (entry.value == v) return detail::TextOrEmpty(entry.name);
+    }
     return u"";
 }
 
 int64_t CVariant::GetEnumValueFromName(char16_t const *name) const {
     if (!name) return 0;
-    for (uint32_t i = 0; i < enumValues.nItems(); ++i)
-        if (wcscmp(TextOf(enumValues.ConstGetItem(i).name), name) == 0) return enumValues.ConstGetItem(i).value;
+    for (uint32_t i = 0; i < enumValues.nItems(); ++i) {
+        SEnumValue const &entry = enumValues.ConstGetItem(i);
+        if (wcscmp(detail::TextOrEmpty(entry.name), name) == 0) return entry.value;
+    }
     return CInt64::Parse(name);
 }
 

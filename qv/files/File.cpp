@@ -13,7 +13,7 @@ namespace {
 
 // The full path of path, or false when there is none or it is too long.
 bool DiskPath(char16_t const *path, CString &fullPath) {
-    return GetFullPath(path, fullPath) && fullPath.GetLength() <= kMaxFullPathLength;
+    return FullDiskPath(path, fullPath) && fullPath.GetLength() <= kMaxFullPathLength;
 }
 
 } // namespace
@@ -40,9 +40,10 @@ CFile::~CFile() {
 bool CFile::Open(char16_t const *path, uint32_t flags) {
     if (!path) return false;
     CString fullPath;
-    bool named = DiskPath(path, fullPath);
+    bool named = FullDiskPath(path, fullPath);
+    bool fits = named && fullPath.GetLength() <= kMaxFullPathLength;
     OpenRequest request = DecodeOpenFlags(flags);
-    FileHandle opened = named ? OpenDiskFile(fullPath.GetUTF8(), request) : kInvalidFileHandle;
+    FileHandle opened = fits ? OpenDiskFile(fullPath.GetUTF8(), request) : kInvalidFileHandle;
     if (opened == kInvalidFileHandle) {
         qvLogWriteLineW(u"CFile::Open(%s) FAILED.", named ? fullPath.GetUTF16() : path);
         return false;

@@ -6,8 +6,7 @@ namespace qv {
 namespace {
 
 char16_t const *const kMessages[] = {
-    u"Improper input: no free parameter, fewer samples than free parameters, a call limit below 1, or no "
-    u"memory for the work arrays.",
+    u"Improper input: nothing free, fewer samples than free parameters, a call limit below 1, or no memory.",
     u"Converged: the sum of squares cannot be reduced by more than the relative tolerance.",
     u"Converged: the parameters cannot change by more than the relative tolerance.",
     u"Converged: both the sum of squares and the parameters are within the relative tolerance.",

@@ -31,8 +31,9 @@ namespace qv {
 // dst[i] = src[i] in dst's type. Equal types copy the bytes (overlap allowed).
 QV_API void ConvertArray(STypedData dst, STypedData src, uint32_t n);
 
-// a[i] = the smaller of a[i] and b[i]: a[i] stays only when b[i] is greater
-// (equal values, and NaN on either side, give b[i]).
+// a[i] = the smaller of a[i] and b[i], compared in the common type: a[i]
+// stays, unchanged, only when b[i] is greater (equal values, and NaN on
+// either side, give b[i] converted to a's type).
 QV_API void TypedMin(STypedData a, STypedData b, uint32_t n);
 // a[i] = the greater: a[i] stays only when b[i] is smaller.
 QV_API void TypedMax(STypedData a, STypedData b, uint32_t n);

@@ -43,7 +43,7 @@ CString CompletePath(char16_t const *base, char16_t const *path) {
     return out;
 }
 
-bool GetFullPath(char16_t const *path, CString &out) {
+bool FullDiskPath(char16_t const *path, CString &out) {
     if (!path) return false;
     CString base;
     if (!IsSeparator(path[0]) && !GetWorkingDirectory(base)) return false;

@@ -21,6 +21,6 @@ QV_API CString CompletePath(char16_t const *base, char16_t const *path);
 
 // CompletePath against the working directory. False if path is null or the
 // working directory is unknown.
-bool GetFullPath(char16_t const *path, CString &out);
+bool FullDiskPath(char16_t const *path, CString &out);
 
 } // namespace qv

@@ -27,7 +27,8 @@ TEST(ConvertArray, EveryPairMatchesElementRuleAtOddAddressesAndLengths) {
                     ASSERT_TRUE(Same(got[i], ReferenceCast<D>(source[i])))
                         << "from " << kCode<S> << " to " << kCode<D> << " element " << i;
                 ASSERT_TRUE(out.GuardsIntact() && in.GuardsIntact());
-                ASSERT_EQ(in.Read<S>(n), source);
+                std::vector<S> after = in.Read<S>(n);
+                ASSERT_TRUE(n == 0 || std::memcmp(after.data(), source.data(), n * sizeof(S)) == 0);
             }
         });
     });

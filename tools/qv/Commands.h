@@ -46,5 +46,6 @@ int RunHelp(char *const *args);
 int RunSafShow(char *const *args);
 int RunSafSet(char *const *args);
 int RunBand(char *const *args);
+int RunDate(char *const *args);
 
 } // namespace qvtool
