@@ -1,6 +1,7 @@
 #!/bin/sh
 # Builds the qv tool and runs it on the sample data shipped in data/:
-# shows a SAF file's header and data offset, then changes a tag in place.
+# shows a SAF file's header and data offset, changes a tag in place, reads a
+# date text, and integrates a blackbody over a sensor response and an atmosphere.
 set -eu
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" = 0 ]; then ./scripts/setup.sh; fi
@@ -22,3 +23,13 @@ echo "== qv saf set sample.saf Operator \"Night shift\""
 echo
 echo "== qv saf show sample.saf (after the change)"
 "$qv" saf show "$work/sample.saf"
+
+echo
+echo "== qv date \"2024-02-29 13:45:10\""
+"$qv" date "2024-02-29 13:45:10"
+echo
+echo "== qv band data/NelisW__pyradi__pyradi__data__MWIRsensor.txt 35"
+"$qv" band data/NelisW__pyradi__pyradi__data__MWIRsensor.txt 35
+echo
+echo "== qv band data/NelisW__pyradi__pyradi__data__tape7-02.table 35"
+"$qv" band data/NelisW__pyradi__pyradi__data__tape7-02.table 35

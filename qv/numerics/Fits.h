@@ -30,7 +30,8 @@ QV_API bool PowLeastSquareFit(TArray<double> &x, TArray<double> &y, double &a, d
 
 // Squared correlation of y with the polynomial c evaluated at x (Horner's
 // rule), over n = count of x samples (y grows to n). -1.0 if c is below order
-// 1. A zero denominator is not guarded: constant data gives NaN or inf.
+// 1 (or y cannot grow). A zero denominator is not guarded: constant data gives
+// NaN or inf.
 QV_API double CalcR2(TArray<double> &x, TArray<double> &y, TArray<double> &c);
 // The same formula for two arrays, over the count of a (b grows to it).
 QV_API double CalcR2(TArray<double> &a, TArray<double> &b);
