@@ -1,37 +1,133 @@
-// The log entry point until the log itself arrives: one formatted line to the
-// debug text sink.
 #include "qv/core/Log.h"
 
-#include <cstdarg>
-#include <memory>
-#include <new>
+#include <string>
 
 #include "qv/core/DebugOutput.h"
-#include "qv/core/WideFormat.h"
+#include "qv/core/LogText.h"
+#include "qv/files/File.h"
+#include "qv/filesystems/FileSystem.h"
+#include "qv/platform/ConsoleOutput.h"
+#include "qv/platform/SharedAppend.h"
+#include "qv/threads/AutoLock.h"
 
 namespace qv {
 
-void qvLogWriteLineW(char16_t const *fmt, ...) {
-    va_list args, counting;
+namespace {
+
+constexpr uint32_t kLogOpenFlags = 0x361; // open or create, write, at the end, share read and write
+constexpr uint16_t kMemoryGrowth = 4096;  // bytes: kept text grows in whole lines, not by 5
+
+CString FormatText(char16_t const *fmt, va_list args) {
+    CString text;
+    text.FormatV(fmt, args);
+    return text;
+}
+
+} // namespace
+
+CLog::CLog() {
+    memory.SetGrowthRate(kMemoryGrowth);
+}
+
+CLog::CLog(CLog const &other) : CLog() {
+    *this = other;
+}
+
+CLog &CLog::operator=(CLog const &other) {
+    if (this == &other) return *this;
+    CAutoCriticalSection mine(&lock);
+    CAutoCriticalSection theirs(&const_cast<CLog &>(other).lock);
+    memory = other.memory;
+    verbose = other.verbose;
+    printConsole = other.printConsole;
+    return *this;
+}
+
+CLog::~CLog() {
+    delete file;
+}
+
+bool CLog::SetFile(IFileSystem *fs, CString path) {
+    if (fs && fs != &GetFileSystem()) return false; // only the disk opens files so far
+    CAutoCriticalSection guard(&lock);
+    if (file) return false;
+    CFile *opened = new CFile();
+    if (!opened->Open(path.GetUTF16(), kLogOpenFlags)) {
+        delete opened;
+        return false;
+    }
+    platform::SetAppendOnly(opened->GetHandle()); // without it, still a good log for one process
+    file = opened;
+    if (memory.GetSize()) file->Write(memory.GetData(), memory.GetSize());
+    memory.Reset();
+    memory.Destroy();
+    return true;
+}
+
+bool CLog::SetFile(CString path) {
+    return SetFile(&GetFileSystem(), path);
+}
+
+bool CLog::Write(char16_t const *fmt, ...) {
+    va_list args;
     va_start(args, fmt);
-    va_copy(counting, args);
-    int length = _vscwprintf(fmt, counting);
-    va_end(counting);
-    char16_t small[256];
-    std::unique_ptr<char16_t[]> large;
-    char16_t *line = small;
-    size_t size = length < 0 ? 0 : size_t(length) + 2; // the text, "\n", the terminator
-    if (size > sizeof small / sizeof small[0]) {
-        large.reset(new (std::nothrow) char16_t[size]);
-        line = large.get();
-    }
-    if (line && size) {
-        vswprintf(line, size, fmt, args);
-        line[size - 2] = u'\n';
-        line[size - 1] = 0;
-        OutputDebugStringW(line);
-    }
+    CString text = FormatText(fmt, args);
     va_end(args);
+    return Put(text);
+}
+
+bool CLog::WriteLine(char16_t const *fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    CString text = LogTimePrefixNow() + FormatText(fmt, args) + u"\n";
+    va_end(args);
+    return Put(text);
+}
+
+CLogEntry CLog::StartEntry() {
+    return CLogEntry(this, LogTimePrefixNow(), getVerbose());
+}
+
+bool CLog::Put(CString const &text) {
+    std::string bytes = ToLogBytes(text);
+    uint32_t size = uint32_t(bytes.size());
+    bool toFile;
+    {
+        CAutoCriticalSection guard(&lock);
+        toFile = file != nullptr;
+        (toFile ? static_cast<IFile *>(file) : &memory)->Write(bytes.data(), size); // one write: one whole entry
+        if (printConsole) platform::WriteStandardOutput(bytes.data(), bytes.size());
+    }
+    if (!toFile) OutputDebugStringA(bytes.c_str()); // outside the lock: a hook may log
+    return true;
+}
+
+bool CLog::ReplaceFlag(bool CLog::*flag, bool value) {
+    CAutoCriticalSection guard(&lock);
+    bool previous = this->*flag;
+    this->*flag = value;
+    return previous;
+}
+
+bool CLog::ReadFlag(bool CLog::*flag) {
+    CAutoCriticalSection guard(&lock);
+    return this->*flag;
+}
+
+bool CLog::getVerbose() {
+    return ReadFlag(&CLog::verbose);
+}
+
+bool CLog::setVerbose(bool value) {
+    return ReplaceFlag(&CLog::verbose, value);
+}
+
+bool CLog::getPrintConsole() {
+    return ReadFlag(&CLog::printConsole);
+}
+
+bool CLog::setPrintConsole(bool print) {
+    return ReplaceFlag(&CLog::printConsole, print);
 }
 
 } // namespace qv

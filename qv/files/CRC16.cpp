@@ -15,7 +15,8 @@ constexpr Crc16Tables MakeCrc16Tables() {
     Crc16Tables t{};
     for (uint32_t i = 0; i < 256; ++i) {
         uint32_t crc = i << 8;
-        for (int bit = 0; bit < 8; ++bit) crc = (crc & 0x8000) ? (crc << 1) ^ 0x1021 : crc << 1;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 0x8000) ? (crc << 1) ^ 0x1021 : crc << 1;
         t[0][i] = uint16_t(crc);
     }
     for (size_t k = 1; k < t.size(); ++k)
@@ -45,10 +46,11 @@ uint16_t CalcMultBlockCRC16(uint8_t const *p, uint32_t n, uint16_t crc) {
     if (!p) return crc;
     for (; n >= 8; n -= 8, p += 8) {
         // The register folds into the next two message bytes.
-        crc = kCrc16[7][p[0] ^ (crc >> 8)] ^ kCrc16[6][p[1] ^ (crc & 0xFF)] ^ kCrc16[5][p[2]] ^
-              kCrc16[4][p[3]] ^ kCrc16[3][p[4]] ^ kCrc16[2][p[5]] ^ kCrc16[1][p[6]] ^ kCrc16[0][p[7]];
+        crc = kCrc16[7][p[0] ^ (crc >> 8)] ^ kCrc16[6][p[1] ^ (crc & 0xFF)] ^ kCrc16[5][p[2]] ^ kCrc16[4][p[3]] ^
+              kCrc16[3][p[4]] ^ kCrc16[2][p[5]] ^ kCrc16[1][p[6]] ^ kCrc16[0][p[7]];
     }
-    for (; n; --n) crc = StepByte(crc, *p++);
+    for (; n; --n)
+        crc = StepByte(crc, *p++);
     return crc;
 }
 

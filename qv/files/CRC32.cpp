@@ -22,7 +22,8 @@ Crc32Tables gTables;
 
 uint32_t ReverseBits(uint32_t v, int width) {
     uint32_t r = 0;
-    for (int i = 0; i < width; ++i, v >>= 1) r = (r << 1) | (v & 1);
+    for (int i = 0; i < width; ++i, v >>= 1)
+        r = (r << 1) | (v & 1);
     return r;
 }
 
@@ -32,11 +33,13 @@ uint32_t ReverseBits(uint32_t v, int width) {
 void BuildTables(uint32_t polynomial) {
     for (uint32_t i = 0; i < 256; ++i) {
         uint32_t crc = ReverseBits(i, 8) << 24;
-        for (int bit = 0; bit < 8; ++bit) crc = (crc & 0x80000000u) ? (crc << 1) ^ polynomial : crc << 1;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 0x80000000u) ? (crc << 1) ^ polynomial : crc << 1;
         gTables[0][i] = ReverseBits(crc, 32);
     }
     for (size_t k = 1; k < gTables.size(); ++k)
-        for (size_t i = 0; i < 256; ++i) gTables[k][i] = (gTables[k - 1][i] >> 8) ^ gTables[0][gTables[k - 1][i] & 0xFF];
+        for (size_t i = 0; i < 256; ++i)
+            gTables[k][i] = (gTables[k - 1][i] >> 8) ^ gTables[0][gTables[k - 1][i] & 0xFF];
 }
 
 uint32_t LoadLE32(uint8_t const *p) {
@@ -48,10 +51,11 @@ uint32_t TableCRC32(uint8_t const *p, uint32_t n, uint32_t crc) {
     for (; n >= 8; n -= 8, p += 8) {
         uint32_t lo = LoadLE32(p) ^ crc;
         uint32_t hi = LoadLE32(p + 4);
-        crc = t[7][lo & 0xFF] ^ t[6][(lo >> 8) & 0xFF] ^ t[5][(lo >> 16) & 0xFF] ^ t[4][lo >> 24] ^
-              t[3][hi & 0xFF] ^ t[2][(hi >> 8) & 0xFF] ^ t[1][(hi >> 16) & 0xFF] ^ t[0][hi >> 24];
+        crc = t[7][lo & 0xFF] ^ t[6][(lo >> 8) & 0xFF] ^ t[5][(lo >> 16) & 0xFF] ^ t[4][lo >> 24] ^ t[3][hi & 0xFF] ^
+              t[2][(hi >> 8) & 0xFF] ^ t[1][(hi >> 16) & 0xFF] ^ t[0][hi >> 24];
     }
-    for (; n; --n) crc = (crc >> 8) ^ t[0][(crc & 0xFF) ^ *p++];
+    for (; n; --n)
+        crc = (crc >> 8) ^ t[0][(crc & 0xFF) ^ *p++];
     return crc;
 }
 
@@ -75,7 +79,7 @@ uint32_t CalcMultBlockCRC32(uint8_t const *p, uint32_t n, uint32_t crc) {
     if (!p || !n) return crc;
     if (gPolynomial.load(std::memory_order_acquire) != kIeeePolynomial) return TableCRC32(p, n, crc);
     // zlib's crc32 takes and gives finished values.
-    return ~uint32_t(crc32(~crc & 0xFFFFFFFFu, p, n));
+    return ~uint32_t(crc32(~crc, p, n));
 }
 
 uint32_t CalcBlockCRC32(uint8_t const *p, uint32_t n) {

@@ -18,7 +18,8 @@ template <class Step> bool ScanFileToEnd(IFile *f, Step step) {
     if (!f) return false;
     std::unique_ptr<uint8_t[]> block(new (std::nothrow) uint8_t[kFileScanBlock]);
     if (!block) return false;
-    while (uint32_t got = f->Read(block.get(), kFileScanBlock)) step(block.get(), got);
+    while (uint32_t got = f->Read(block.get(), kFileScanBlock))
+        step(block.get(), got);
     return true;
 }
 

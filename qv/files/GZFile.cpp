@@ -24,7 +24,8 @@ constexpr int kMemoryLevel = 8;
 
 int64_t SaturatingAdd(int64_t a, int64_t b) {
     int64_t sum;
-    if (__builtin_add_overflow(a, b, &sum)) return b < 0 ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
+    if (__builtin_add_overflow(a, b, &sum))
+        return b < 0 ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
     return sum;
 }
 
@@ -40,8 +41,7 @@ CGZFile::CGZFile(CGZFile const &other) : IFile(other) {
 
 CGZFile &CGZFile::operator=(CGZFile const &other) {
     if (&other == this) return *this;
-    Close();
-    ReleaseStream();
+    Clear();
     IFile::operator=(other);
     CopyFrom(other);
     return *this;
@@ -72,7 +72,8 @@ void CGZFile::Open(IFile *f, uint32_t mode, bool own) {
 
 bool CGZFile::StartWriting() {
     if (!WriteTGZFHeader(*file) || !AllocateStream(1)) return false;
-    if (deflateInit2(stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
+    if (deflateInit2(stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY) !=
+        Z_OK) {
         ReleaseStream();
         return false;
     }
@@ -115,14 +116,28 @@ bool CGZFile::AllocateStream(uint32_t bufferBlocks) {
 // Only a stream that was set up exists (raw is then false).
 void CGZFile::ReleaseStream() {
     if (stream && !raw) {
-        if (flags == kWriteFlag) deflateEnd(stream);
-        else inflateEnd(stream);
+        if (flags == kWriteFlag)
+            deflateEnd(stream);
+        else
+            inflateEnd(stream);
     }
     delete stream;
     delete[] buffer;
     stream = nullptr;
     buffer = nullptr;
     raw = true;
+}
+
+void CGZFile::Clear() {
+    Close();
+    ReleaseStream();
+    bufferSize = 0;
+    position = 0;
+    size = 0;
+    flags = 0;
+    dataStart = 0;
+    inputOffset = 0;
+    writeFailed = false;
 }
 
 void CGZFile::CopyFrom(CGZFile const &other) {
@@ -208,10 +223,17 @@ int64_t CGZFile::Seek(int64_t offset, uint32_t origin) {
     if (!Reading()) return position;
     int64_t base;
     switch (origin) {
-    case 1: base = 0; break;
-    case 2: base = position; break;
-    case 3: base = size; break;
-    default: return position;
+    case 1:
+        base = 0;
+        break;
+    case 2:
+        base = position;
+        break;
+    case 3:
+        base = size;
+        break;
+    default:
+        return position;
     }
     int64_t target = std::clamp<int64_t>(SaturatingAdd(base, offset), 0, size);
     if (target < position) Restart();

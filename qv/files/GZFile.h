@@ -86,6 +86,7 @@ private:
     bool StartReading();
     bool AllocateStream(uint32_t bufferBlocks);
     void ReleaseStream();
+    void Clear(); // closes and returns to the state of an unusable object
     void CopyFrom(CGZFile const &other);
     bool Reading() const;
     bool Writing() const;

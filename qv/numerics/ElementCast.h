@@ -27,36 +27,48 @@ namespace qv::numerics_detail {
 // The scalar statement of the rule, for code outside vector loops.
 using qv::TruncateToInt64;
 
-// floor(v) of 0 <= v < 2^31, through the hardware's 32-bit truncation, which
-// SSE2 has in vector form.
-constexpr uint64_t FloorOfSmall(double v) { return static_cast<uint32_t>(static_cast<int32_t>(v)); }
+// trunc(x) = high * 2^32 + middle * 2^16 + low, every part truncated toward
+// zero and so of x's sign, each step exact in double arithmetic. The parts
+// fit 32 bits, so the hardware's 32-bit truncation (which SSE2 has in vector
+// form) makes them. All three are 0 when x is NaN or outside (-2^63, 2^63):
+// x is masked to zero first, with integer arithmetic on its bits.
+struct STruncatedParts {
+    int32_t high, middle, low;
+    uint64_t valid; // all ones when x was in range
+};
 
-// x truncated toward zero, as the 64-bit lanes of a vector loop can do it
-// on any x86-64: the magnitude is cut into parts below 2^31 (high * 2^32 +
-// middle * 2^16 + low, each step exact), each part truncated in 32 bits.
-// Every selection is a mask made from integer arithmetic on the bits, never
-// a branch or a compare the vector unit lacks.
-constexpr int64_t TruncateToInt64Branchless(double x) {
+constexpr STruncatedParts SplitTruncated(double x) {
     constexpr uint64_t twoTo63Bits = std::bit_cast<uint64_t>(0x1p63);
-    uint64_t magnitudeBits = std::bit_cast<uint64_t>(x) & ~(uint64_t(1) << 63);
-    // Below 2^63 (NaN and infinities are above): the subtraction borrows.
-    uint64_t valid = uint64_t(0) - ((magnitudeBits - twoTo63Bits) >> 63);
-    double magnitude = std::bit_cast<double>(magnitudeBits & valid); // 0 when invalid
-    uint64_t high = FloorOfSmall(magnitude * 0x1p-32);
-    double rest = magnitude - static_cast<double>(static_cast<int32_t>(high)) * 0x1p32;
-    uint64_t middle = FloorOfSmall(rest * 0x1p-16);
-    uint64_t low = FloorOfSmall(rest - static_cast<double>(static_cast<int32_t>(middle)) * 0x1p16);
-    uint64_t truncated = (high << 32) + (middle << 16) + low;
-    uint64_t negative = uint64_t(0) - (std::bit_cast<uint64_t>(x) >> 63);
-    uint64_t signedBits = (truncated ^ negative) - negative;
-    uint64_t bits = (signedBits & valid) | (uint64_t(1) << 63 & ~valid);
-    return static_cast<int64_t>(bits);
+    uint64_t bits = std::bit_cast<uint64_t>(x);
+    // |x| below 2^63 (NaN and infinities are above): the subtraction borrows.
+    uint64_t valid = uint64_t(0) - (((bits & ~(uint64_t(1) << 63)) - twoTo63Bits) >> 63);
+    double v = std::bit_cast<double>(bits & valid);
+    int32_t high = static_cast<int32_t>(v * 0x1p-32);
+    double rest = v - static_cast<double>(high) * 0x1p32;
+    int32_t middle = static_cast<int32_t>(rest * 0x1p-16);
+    int32_t low = static_cast<int32_t>(rest - static_cast<double>(middle) * 0x1p16);
+    return {high, middle, low, valid};
+}
+
+constexpr int64_t TruncateToInt64Branchless(double x) {
+    STruncatedParts p = SplitTruncated(x);
+    uint64_t sum = (uint64_t(int64_t(p.high)) << 32) + (uint64_t(int64_t(p.middle)) << 16) + uint64_t(int64_t(p.low));
+    return static_cast<int64_t>(sum | (uint64_t(1) << 63 & ~p.valid));
+}
+
+// The low 32 bits of TruncateToInt64Branchless(x), all that a target of 32
+// bits or less keeps; computed in 32-bit lanes, twice as many per vector.
+constexpr uint32_t TruncateToLow32Branchless(double x) {
+    STruncatedParts p = SplitTruncated(x);
+    return (uint32_t(p.middle) << 16) + uint32_t(p.low);
 }
 
 template <class T> constexpr bool kIsFloat = std::is_floating_point_v<T>;
 
 template <class To, class From> constexpr To ElementCast(From v) {
-    if constexpr (kIsFloat<From> && !kIsFloat<To>)
+    if constexpr (kIsFloat<From> && !kIsFloat<To> && sizeof(To) <= 4)
+        return static_cast<To>(TruncateToLow32Branchless(static_cast<double>(v)));
+    else if constexpr (kIsFloat<From> && !kIsFloat<To>)
         return static_cast<To>(TruncateToInt64Branchless(static_cast<double>(v)));
     else
         return static_cast<To>(v);

@@ -14,7 +14,8 @@ using test::Bytes;
 
 Bytes Counting(size_t n) {
     Bytes b(n);
-    for (size_t i = 0; i < n; ++i) b[i] = uint8_t(i);
+    for (size_t i = 0; i < n; ++i)
+        b[i] = uint8_t(i);
     return b;
 }
 

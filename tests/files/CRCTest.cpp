@@ -20,14 +20,16 @@ uint16_t BitwiseCRC16(uint8_t const *p, size_t n) {
     uint16_t crc = 0;
     for (size_t i = 0; i < n; ++i) {
         crc ^= uint16_t(p[i] << 8);
-        for (int b = 0; b < 8; ++b) crc = (crc & 0x8000) ? uint16_t((crc << 1) ^ 0x1021) : uint16_t(crc << 1);
+        for (int b = 0; b < 8; ++b)
+            crc = (crc & 0x8000) ? uint16_t((crc << 1) ^ 0x1021) : uint16_t(crc << 1);
     }
     return crc;
 }
 
 uint32_t Reflect32(uint32_t v) {
     uint32_t r = 0;
-    for (int i = 0; i < 32; ++i, v >>= 1) r = (r << 1) | (v & 1);
+    for (int i = 0; i < 32; ++i, v >>= 1)
+        r = (r << 1) | (v & 1);
     return r;
 }
 
@@ -36,7 +38,8 @@ uint32_t BitwiseCRC32(uint32_t polynomial, uint8_t const *p, size_t n) {
     uint32_t crc = 0xFFFFFFFFu;
     for (size_t i = 0; i < n; ++i) {
         crc ^= p[i];
-        for (int b = 0; b < 8; ++b) crc = (crc & 1) ? (crc >> 1) ^ reflected : crc >> 1;
+        for (int b = 0; b < 8; ++b)
+            crc = (crc & 1) ? (crc >> 1) ^ reflected : crc >> 1;
     }
     return ~crc;
 }
@@ -44,7 +47,8 @@ uint32_t BitwiseCRC32(uint32_t polynomial, uint8_t const *p, size_t n) {
 std::vector<uint8_t> RandomBytes(size_t n, unsigned seed) {
     std::mt19937 rng(seed);
     std::vector<uint8_t> v(n);
-    for (auto &b : v) b = uint8_t(rng());
+    for (auto &b : v)
+        b = uint8_t(rng());
     return v;
 }
 

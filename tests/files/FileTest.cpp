@@ -16,7 +16,9 @@ namespace {
 constexpr uint32_t kOpenAlways = 0x01, kOpenExisting = 0x02, kCreateNew = 0x04, kCreateAlways = 0x08;
 constexpr uint32_t kRead = 0x10, kWrite = 0x20, kAtEnd = 0x40, kShareAll = 0x300;
 
-// Collects what reaches the debug text sink (the log's way out) meanwhile.
+// Collects the log lines that reach the debug text sink meanwhile (the log
+// echoes there while it has no file), without their time prefix and with LF
+// line ends.
 class LogCapture {
 public:
     LogCapture() { previous = SetDebugTextHook(&Collect, this); }
@@ -24,7 +26,12 @@ public:
     std::string text;
 
 private:
-    static void Collect(char const *utf8, void *self) { static_cast<LogCapture *>(self)->text += utf8; }
+    static void Collect(char const *utf8, void *self) {
+        std::string line = utf8;
+        if (line.starts_with("[")) line.erase(0, line.find("]: ") + 3);
+        if (line.ends_with("\r\n")) line.erase(line.size() - 2, 1);
+        static_cast<LogCapture *>(self)->text += line;
+    }
     DebugTextHook previous;
 };
 

@@ -1,0 +1,28 @@
+// CException: a message with an optional inner exception, for callers that
+// want to report a chain of causes. The library never constructs or throws it.
+//
+// Ownership: the message is a shared CString; inner is not owned and must
+// outlive the exception (a copy points to the same inner one).
+// Threads: a plain value; one object belongs to one thread at a time.
+#pragma once
+
+#include "qv/core/Export.h"
+#include "qv/core/String.h"
+
+namespace qv {
+
+class QV_API CException {
+public:
+    CException(CString message, CException const *inner);
+    CException(CException const &other);
+    ~CException();
+
+    CString message() const;
+    CException const *innerException() const;
+
+private:
+    CString messageText;
+    CException const *inner;
+};
+
+} // namespace qv

@@ -1,0 +1,51 @@
+// Every public header of libqv, for programs that want the whole library.
+#pragma once
+
+// Core types: text runtime, strings, containers, values, time, log.
+#include "qv/core/Export.h"
+#include "qv/core/WideChar.h"
+#include "qv/core/WideFormat.h"
+#include "qv/core/WideScan.h"
+#include "qv/core/CodePage.h"
+#include "qv/core/DebugOutput.h"
+#include "qv/core/String.h"
+#include "qv/core/StringFunctions.h"
+#include "qv/core/Array.h"
+#include "qv/core/Stack.h"
+#include "qv/core/Queue.h"
+#include "qv/core/Nullable.h"
+#include "qv/core/Guid.h"
+#include "qv/core/FloatToInt.h"
+#include "qv/core/Conversions.h"
+#include "qv/core/Variant.h"
+#include "qv/core/PropertyArray.h"
+#include "qv/core/FileTime.h"
+#include "qv/core/DateTime.h"
+#include "qv/core/Log.h"
+
+// Files.
+#include "qv/files/IFile.h"
+#include "qv/files/File.h"
+#include "qv/files/MemFile.h"
+#include "qv/files/BoundedFile.h"
+#include "qv/files/GZFile.h"
+#include "qv/files/CRC.h"
+#include "qv/files/CRCFile.h"
+
+// File systems.
+#include "qv/filesystems/IFileSystem.h"
+#include "qv/filesystems/FileSystem.h"
+
+// Tagged formats.
+#include "qv/formats/tagged/SAFFile.h"
+
+// Numerics.
+#include "qv/numerics/TypedData.h"
+#include "qv/numerics/TypedArray.h"
+#include "qv/numerics/PixelType.h"
+#include "qv/numerics/Math.h"
+#include "qv/numerics/Curve.h"
+#include "qv/numerics/CurveFiles.h"
+#include "qv/numerics/Planck.h"
+#include "qv/numerics/Fits.h"
+#include "qv/numerics/LMFit.h"
