@@ -86,23 +86,8 @@ int64_t CBoundedFile::GetPosition() {
 }
 
 int64_t CBoundedFile::Seek(int64_t offset, uint32_t origin) {
-    int64_t base;
-    switch (origin) {
-    case 1:
-        base = 0;
-        break;
-    case 2:
-        base = position;
-        break;
-    case 3:
-        base = length;
-        break;
-    default:
-        return position;
-    }
-    // base and the result both lie in 0 .. length, so only the offset can be extreme.
-    int64_t target = offset < -base ? 0 : (offset > length - base ? length : base + offset);
-    position = target;
+    int64_t target;
+    if (ClampedSeekTarget(offset, origin, position, length, target)) position = target;
     return position;
 }
 

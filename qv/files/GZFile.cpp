@@ -5,7 +5,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <limits>
 #include <new>
 
 #include "qv/core/StringFunctions.h"
@@ -22,12 +21,6 @@ constexpr uint32_t kBufferSize = 16384;
 constexpr int kWindowBits = 15;
 constexpr int kMemoryLevel = 8;
 
-int64_t SaturatingAdd(int64_t a, int64_t b) {
-    int64_t sum;
-    if (__builtin_add_overflow(a, b, &sum))
-        return b < 0 ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
-    return sum;
-}
 
 } // namespace
 
@@ -221,21 +214,8 @@ void CGZFile::Discard(int64_t n) {
 int64_t CGZFile::Seek(int64_t offset, uint32_t origin) {
     if (file && raw) return file->Seek(offset, origin);
     if (!Reading()) return position;
-    int64_t base;
-    switch (origin) {
-    case 1:
-        base = 0;
-        break;
-    case 2:
-        base = position;
-        break;
-    case 3:
-        base = size;
-        break;
-    default:
-        return position;
-    }
-    int64_t target = std::clamp<int64_t>(SaturatingAdd(base, offset), 0, size);
+    int64_t target;
+    if (!ClampedSeekTarget(offset, origin, position, size, target)) return position;
     if (target < position) Restart();
     Discard(target - position);
     return position;

@@ -86,4 +86,17 @@ bool IFile::GetScalar(void *p, uint32_t size) {
     return true;
 }
 
+bool IFile::ClampedSeekTarget(int64_t offset, uint32_t origin, int64_t position, int64_t size, int64_t &target) {
+    int64_t base;
+    switch (origin) {
+    case 1: base = 0; break;
+    case 2: base = position; break;
+    case 3: base = size; break;
+    default: return false;
+    }
+    // base lies in 0 .. size, so only the offset can be extreme.
+    target = offset < -base ? 0 : (offset > size - base ? size : base + offset);
+    return true;
+}
+
 } // namespace qv

@@ -261,6 +261,12 @@ public:
     bool Remove(int64_t pos, uint32_t n);
     bool Insert(int64_t pos, uint32_t n);
 
+protected:
+    // For files that clamp their position to 0..size: the target of a Seek by
+    // origin (1 start, 2 current, 3 end), with extreme offsets saturating.
+    // False for any other origin, which must move nothing.
+    static bool ClampedSeekTarget(int64_t offset, uint32_t origin, int64_t position, int64_t size, int64_t &target);
+
 private:
     // Reads/writes size bytes (at most 8), reversed when m_swap is set.
     bool PutScalar(void const *p, uint32_t size);

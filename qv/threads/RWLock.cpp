@@ -74,7 +74,7 @@ void CRWLock::WriteUnlock() {
 void CRWLock::ReadLock() {
     uint32_t const me = GetCurrentThreadId();
     lock.Enter();
-    bool const atOnce = (writers.load() != 0 && writerThread == me) ;
+    bool const atOnce = (writers.load() != 0 && writerThread == me) || HoldsReadLock(me);
     if (!atOnce) LeaveUntilNoWriter();
     readers.fetch_add(1);
     readerThreads.Add(me);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ThreadTestSupport.h"
+#include "qv/threads/Event.h"
 #include "qv/threads/RWLock.h"
 
 namespace qv {
@@ -31,18 +32,27 @@ TEST(RWLock, ReaderMayWriteWhenAlone) {
 
 TEST(RWLock, RepeatedReadWhileAWriterWaitsGoesThrough) {
     CRWLock lock;
-    lock.ReadLock();
+    CEvent readerIn(false, true);
     std::atomic<bool> writing{false};
     auto writer = test::AsyncVoid([&] {
+        ASSERT_TRUE(readerIn.Wait(test::kLimitMs));
         lock.WriteLock();
         writing = true;
         lock.WriteUnlock();
     });
-    EXPECT_TRUE(test::StillBlocked(writer)) << "the reader is still in";
-    lock.ReadLock(); // the writer has set its mark by now; this must not wait for it
-    lock.ReadUnlock();
-    EXPECT_FALSE(writing);
-    lock.ReadUnlock();
+    auto reader = test::Async([&] {
+        lock.ReadLock();
+        readerIn.Signal();
+        // Gives the writer time to set its mark; the outcome must not depend on it.
+        Sleep(50);
+        lock.ReadLock();
+        lock.ReadUnlock();
+        bool writerKeptOut = !writing;
+        lock.ReadUnlock();
+        return writerKeptOut;
+    });
+    ASSERT_TRUE(test::Finishes(reader)) << "a reader that reads again must not wait for a waiting writer";
+    EXPECT_TRUE(reader.get());
     ASSERT_TRUE(test::Finishes(writer));
     EXPECT_TRUE(writing);
 }

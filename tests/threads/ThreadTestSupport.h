@@ -5,6 +5,8 @@
 #include <chrono>
 #include <functional>
 #include <future>
+#include <thread>
+#include <type_traits>
 
 #include "qv/platform/Ticks.h"
 
@@ -16,9 +18,26 @@ constexpr std::chrono::milliseconds kLimit{kLimitMs};
 // How long a thread that should stay blocked is watched.
 constexpr std::chrono::milliseconds kGlance{50};
 
-inline std::future<bool> Async(std::function<bool()> body) { return std::async(std::launch::async, std::move(body)); }
+// Runs body on a thread of its own. The thread is detached, so a future
+// that never becomes ready (a broken lock) fails its test instead of
+// blocking the run in a destructor.
+template <class R> std::future<R> Detached(std::function<R()> body) {
+    std::promise<R> done;
+    std::future<R> result = done.get_future();
+    std::thread([body = std::move(body), done = std::move(done)]() mutable {
+        if constexpr (std::is_void_v<R>) {
+            body();
+            done.set_value();
+        } else {
+            done.set_value(body());
+        }
+    }).detach();
+    return result;
+}
 
-inline std::future<void> AsyncVoid(std::function<void()> body) { return std::async(std::launch::async, std::move(body)); }
+inline std::future<bool> Async(std::function<bool()> body) { return Detached<bool>(std::move(body)); }
+
+inline std::future<void> AsyncVoid(std::function<void()> body) { return Detached<void>(std::move(body)); }
 
 template <class T> bool Finishes(std::future<T> &f) { return f.wait_for(kLimit) == std::future_status::ready; }
 
