@@ -35,11 +35,18 @@ CLog::CLog(CLog const &other) : CLog() {
 
 CLog &CLog::operator=(CLog const &other) {
     if (this == &other) return *this;
-    CAutoCriticalSection mine(&lock);
-    CAutoCriticalSection theirs(&const_cast<CLog &>(other).lock);
-    memory = other.memory;
-    verbose = other.verbose;
-    printConsole = other.printConsole;
+    CMemFile text; // taken under other's lock, given under ours: never both at once
+    bool otherVerbose, otherPrintConsole;
+    {
+        CAutoCriticalSection guard(&other.lock);
+        text = other.memory;
+        otherVerbose = other.verbose;
+        otherPrintConsole = other.printConsole;
+    }
+    CAutoCriticalSection guard(&lock);
+    memory = text;
+    verbose = otherVerbose;
+    printConsole = otherPrintConsole;
     return *this;
 }
 

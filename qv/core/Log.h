@@ -70,7 +70,7 @@ private:
     CMemFile memory;       // the text while there is no file
     bool verbose = false;
     bool printConsole = false;
-    CCriticalSection lock;
+    mutable CCriticalSection lock;
 };
 
 // The process's log, built on first use; one instance inside libqv.so.

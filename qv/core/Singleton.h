@@ -17,9 +17,11 @@
 // with an explicit instantiation (extern template ... QV_API) beside their
 // global, so a program reaches the library's instance, not a copy of its own.
 //
-// Delete(p) deletes p; when p is the current instance the handle forgets it,
-// so a later GetInstance builds a new one (registered again). A destructor
-// must therefore not use its own handle.
+// Delete(p) is the exit routine's deleter: it deletes p, and when p is the
+// current instance the handle forgets it, so a use after destruction builds
+// a new one (registered again) instead of reaching freed memory. A destructor
+// must therefore not use its own handle. Calling Delete elsewhere leaves the
+// exit record behind and deletes the object twice.
 //
 // Failure: an exception from new T() (an exhausted heap, T's constructor)
 // leaves GetInstance as it would leave new; the handle stays unbuilt and a

@@ -14,10 +14,12 @@ using namespace numerics_detail;
 namespace {
 
 template <class D, class S> void ConvertKernel(void *dst, void const *src, uint32_t n) {
-    if constexpr (std::is_same_v<D, S>)
-        std::memmove(dst, src, size_t(n) * sizeof(D));
-    else
-        ForEachElement<D>(dst, n, [src](size_t i) { return ElementCast<D>(LoadElement<S>(src, i)); });
+    if constexpr (std::is_same_v<D, S>) {
+        if (n) std::memmove(dst, src, size_t(n) * sizeof(D));
+    } else {
+        ForEachElement<D>(
+            dst, n, [src](size_t i) { return ElementCast<D>(LoadElement<S>(src, i)); }, InputOf<S>(src, n));
+    }
 }
 
 } // namespace

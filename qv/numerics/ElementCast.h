@@ -8,12 +8,12 @@
 // and double to float round as the hardware does.
 //
 // The rule itself is stated once, in qv/core/FloatToInt.h, with branches.
-// TruncateToInt64Branchless gives the same results (tests compare them bit
-// for bit) without branches, in 64-bit lanes, from operations every SSE2
-// machine has in vector form, so that loops over whole frames vectorise: the
-// hardware's own truncation has no vector form for 64-bit results before
-// AVX-512. It is constexpr, so constant folding agrees with run time, and
-// correct in every rounding mode.
+// The functions here give the same results (tests compare them bit for bit)
+// without branches, from operations every SSE2 machine has in vector form,
+// so that loops over whole frames vectorise: the hardware's own truncation
+// has no vector form for 64-bit results before AVX-512. They are constexpr,
+// so constant folding agrees with run time, and correct in every rounding
+// mode.
 #pragma once
 
 #include <bit>

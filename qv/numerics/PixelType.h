@@ -4,8 +4,9 @@
 // A code is its four characters read as a little-endian 32-bit number
 // ("UI16" is 0x36314955). The registry is process-wide, created and filled
 // with the built-in rows at first use ("UI16", "YUY2", "UYVY", "RGB8"), and
-// never destroyed, so calls stay valid during exit. One lock covers each call:
-// every function here is safe from any thread. Nothing throws; failures are
+// never destroyed, so calls stay valid during exit. One lock (a std::mutex,
+// until the library's own lock classes exist) covers each call: every
+// function here is safe from any thread. Nothing throws; failures are
 // the results documented per function.
 #pragma once
 

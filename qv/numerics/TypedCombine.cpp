@@ -20,7 +20,9 @@ template <class F> void CombineInto(STypedData a, STypedData b, uint32_t n, F f)
             using B = typename decltype(bTag)::type;
             void const *bData = b.Data;
             void const *aData = a.Data;
-            ForEachElement<A>(a.Data, n, [=](size_t i) { return f(LoadElement<A>(aData, i), LoadElement<B>(bData, i)); });
+            ForEachElement<A>(
+                a.Data, n, [=](size_t i) { return f(LoadElement<A>(aData, i), LoadElement<B>(bData, i)); },
+                InputOf<A>(aData, n), InputOf<B>(bData, n));
         },
         a.Type, b.Type);
 }

@@ -25,11 +25,11 @@ template <class T> void DivideInto(STypedData a, T divisor, uint32_t n) {
                 if (by == 0) return; // the hardware would fault; leave the buffer as it was
                 if constexpr (std::is_signed_v<C>)
                     if (by == C(-1)) { // the most negative value would overflow
-                        ForEachElement<A>(a.Data, n, [=](size_t i) { return ElementCast<A>(WrapSubtract(C(0), element(i))); });
+                        ForEachInPlace<A>(a.Data, n, [=](size_t i) { return ElementCast<A>(WrapSubtract(C(0), element(i))); });
                         return;
                     }
             }
-            ForEachElement<A>(a.Data, n, [=](size_t i) { return ElementCast<A>(element(i) / by); });
+            ForEachInPlace<A>(a.Data, n, [=](size_t i) { return ElementCast<A>(element(i) / by); });
         },
         a.Type);
 }

@@ -1,18 +1,20 @@
-// The element loop every typed operation runs (internal header of
+// The element loops every typed operation runs (internal header of
 // qv/numerics).
 //
 // Elements are read and written through memcpy, so buffers need no
 // alignment (frames inside file images often sit at odd offsets); the
-// compiler turns that into plain unaligned loads and stores.
+// compiler makes plain unaligned loads and stores of them.
 //
-// The loop works in blocks of kBlock elements: each block is computed into a
-// local array and then stored whole. Full blocks have a fixed trip count and
-// their output cannot alias an input, so g++ vectorises them even at -O2,
-// whose cost model refuses remainders and run-time alias checks. A call in
-// place (the output is one of the inputs, same element width) sees every
+// Full blocks of kBlock elements have a fixed trip count, so g++ vectorises
+// them even at -O2, whose cost model refuses remainders and run-time alias
+// checks. Aliasing is settled once per call instead: when the output overlaps
+// no input, the loop stores straight through a restrict pointer; otherwise
+// each block is computed into a local array and stored whole, so a call in
+// place (the output is an input of the same element width) sees every
 // element's old value, as a plain loop would.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -29,8 +31,21 @@ template <class T> inline T LoadElement(void const *base, size_t i) {
     return v;
 }
 
-template <class T> inline void StoreElement(void *base, size_t i, T v) {
-    std::memcpy(static_cast<unsigned char *>(base) + i * sizeof(T), &v, sizeof(T));
+template <class T> inline void StoreElement(unsigned char *base, size_t i, T v) {
+    std::memcpy(base + i * sizeof(T), &v, sizeof(T));
+}
+
+// One input of an element loop: where it is and how many bytes it covers.
+struct SInput {
+    void const *data;
+    size_t bytes;
+};
+
+template <class T> SInput InputOf(void const *data, uint32_t n) { return {data, size_t(n) * sizeof(T)}; }
+
+inline bool Overlaps(void const *out, size_t outBytes, SInput in) {
+    auto o = reinterpret_cast<uintptr_t>(out), i = reinterpret_cast<uintptr_t>(in.data);
+    return o < i + in.bytes && i < o + outBytes;
 }
 
 // fill(block, first, count) computes elements first .. first + count - 1
@@ -49,13 +64,35 @@ template <class Out, class Fill> inline void ForEachBlock(void *out, uint32_t n,
     std::memcpy(bytes + i * sizeof(Out), block, (n - i) * sizeof(Out));
 }
 
-// out[i] = element(i) for i in 0 .. n - 1 (i is a size_t, so that the
-// compiler sees addresses that cannot wrap).
-template <class Out, class Element> inline void ForEachElement(void *out, uint32_t n, Element element) {
+// out[i] = element(i), storing straight to out, which no input overlaps.
+// Plain loops on the restrict parameter: a lambda here would hide the
+// restrict from the vectoriser.
+template <class Out, class Element>
+inline void StoreDisjoint(unsigned char *__restrict out, uint32_t n, Element element) {
+    size_t i = 0;
+    for (; n - i >= kBlock; i += kBlock)
+        for (size_t k = 0; k < kBlock; ++k)
+            StoreElement<Out>(out, i + k, element(i + k));
+    for (; i < n; ++i)
+        StoreElement<Out>(out, i, element(i));
+}
+
+// out[i] = element(i) through local blocks, for an output that may be an
+// input (i is a size_t, so that the compiler sees addresses that cannot wrap).
+template <class Out, class Element> inline void ForEachInPlace(void *out, uint32_t n, Element element) {
     ForEachBlock<Out>(out, n, [&](Out *block, size_t first, auto count) {
         for (size_t k = 0; k < count; ++k)
             block[k] = element(first + k);
     });
+}
+
+// out[i] = element(i) for i in 0 .. n - 1, where element reads the inputs.
+template <class Out, class Element, std::same_as<SInput>... Inputs>
+inline void ForEachElement(void *out, uint32_t n, Element element, Inputs... inputs) {
+    if ((Overlaps(out, size_t(n) * sizeof(Out), inputs) || ...))
+        ForEachInPlace<Out>(out, n, element);
+    else
+        StoreDisjoint<Out>(static_cast<unsigned char *>(out), n, element);
 }
 
 } // namespace qv::numerics_detail

@@ -18,9 +18,12 @@ void TypedSpan(STypedData d, STypedData a, STypedData b, uint32_t n) {
             using C = TCommon<A, B>;
             void const *aData = a.Data;
             void const *bData = b.Data;
-            ForEachElement<D>(d.Data, n, [=](size_t i) {
-                return ElementCast<D>(AbsOf(WrapSubtract(C(LoadElement<B>(bData, i)), C(LoadElement<A>(aData, i)))));
-            });
+            ForEachElement<D>(
+                d.Data, n,
+                [=](size_t i) {
+                    return ElementCast<D>(AbsOf(WrapSubtract(C(LoadElement<B>(bData, i)), C(LoadElement<A>(aData, i)))));
+                },
+                InputOf<A>(aData, n), InputOf<B>(bData, n));
         },
         d.Type, a.Type, b.Type);
 }

@@ -7,7 +7,9 @@
 // opens the name shares it; the memory goes away when the last handle in the
 // last process closes (a crashed process leaves its handle counted, and the
 // name stays until the machine restarts). Only the user who made it can open
-// it. Thread-safe: any thread may wait and release.
+// it. A handle deleted while a thread of this process owns the mutex leaves
+// its memory in place: the system keeps a pointer into it until that thread
+// ends. Thread-safe: any thread may wait and release.
 #pragma once
 
 #include <cstdint>

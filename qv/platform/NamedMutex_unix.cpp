@@ -36,13 +36,14 @@ using Shared = NamedMutex::Shared;
 constexpr uint32_t kReady = 0x51584D58;
 // How long an opener waits for a creator in another process to finish.
 constexpr int kSetupPolls = 1000;
-constexpr struct timespec kSetupPoll {0, 1000000};
+constexpr struct timespec kPollInterval { 0, 1000000 };
 constexpr int kOpenAttempts = 100;
 
 bool InitRobust(pthread_mutex_t *mutex, int type, int pshared) {
     pthread_mutexattr_t attr;
     if (pthread_mutexattr_init(&attr) != 0) return false;
-    bool ok = pthread_mutexattr_settype(&attr, type) == 0 && pthread_mutexattr_setrobust(&attr, PTHREAD_MUTEX_ROBUST) == 0 &&
+    bool ok = pthread_mutexattr_settype(&attr, type) == 0 &&
+              pthread_mutexattr_setrobust(&attr, PTHREAD_MUTEX_ROBUST) == 0 &&
               pthread_mutexattr_setpshared(&attr, pshared) == 0 && pthread_mutex_init(mutex, &attr) == 0;
     pthread_mutexattr_destroy(&attr);
     return ok;
@@ -54,7 +55,8 @@ bool InitShared(Shared *s, int pshared) {
     s->ownerThread.store(0);
     s->ownerProcess.store(0);
     s->depth = 0;
-    return InitRobust(&s->guard, PTHREAD_MUTEX_NORMAL, pshared) && InitRobust(&s->mutex, PTHREAD_MUTEX_RECURSIVE, pshared);
+    return InitRobust(&s->guard, PTHREAD_MUTEX_NORMAL, pshared) &&
+           InitRobust(&s->mutex, PTHREAD_MUTEX_RECURSIVE, pshared);
 }
 
 void LockGuard(Shared *s) {
@@ -66,9 +68,12 @@ void LockGuard(Shared *s) {
 std::string ShmNameOf(char const *name) {
     std::string shm = "/qv-mutex-";
     for (char const *c = name; *c; ++c) {
-        if (*c == '/') shm += "%2F";
-        else if (*c == '%') shm += "%25";
-        else shm += *c;
+        if (*c == '/')
+            shm += "%2F";
+        else if (*c == '%')
+            shm += "%25";
+        else
+            shm += *c;
     }
     return shm;
 }
@@ -78,7 +83,7 @@ bool WaitForSize(int fd) {
         struct stat st {};
         if (fstat(fd, &st) != 0) return false;
         if (size_t(st.st_size) >= sizeof(Shared)) return true;
-        nanosleep(&kSetupPoll, nullptr);
+        nanosleep(&kPollInterval, nullptr);
     }
     return false;
 }
@@ -86,7 +91,7 @@ bool WaitForSize(int fd) {
 bool WaitForReady(Shared *s) {
     for (int i = 0; i < kSetupPolls; ++i) {
         if (s->ready.load(std::memory_order_acquire) == kReady) return true;
-        nanosleep(&kSetupPoll, nullptr);
+        nanosleep(&kPollInterval, nullptr);
     }
     return false;
 }
@@ -145,6 +150,18 @@ Shared *OpenShared(std::string const &shm) {
     return nullptr;
 }
 
+#if defined(__SANITIZE_THREAD__)
+// ThreadSanitizer's timed-lock hook loses EOWNERDEAD (the lock then looks
+// never taken), while its try-lock hook keeps it: poll under the sanitizer.
+int TimedLock(pthread_mutex_t *mutex, uint32_t timeout) {
+    uint32_t const start = GetTickCount();
+    for (;;) {
+        int result = pthread_mutex_trylock(mutex);
+        if (result != EBUSY || uint32_t(GetTickCount() - start) >= timeout) return result == EBUSY ? ETIMEDOUT : result;
+        nanosleep(&kPollInterval, nullptr);
+    }
+}
+#else
 struct timespec DeadlineAfter(uint32_t milliseconds) {
     // The mutex clock is the wall clock: timed locks on robust mutexes take it.
     struct timespec t {};
@@ -158,11 +175,16 @@ struct timespec DeadlineAfter(uint32_t milliseconds) {
     return t;
 }
 
+int TimedLock(pthread_mutex_t *mutex, uint32_t timeout) {
+    struct timespec deadline = DeadlineAfter(timeout);
+    return pthread_mutex_timedlock(mutex, &deadline);
+}
+#endif
+
 int Lock(pthread_mutex_t *mutex, uint32_t timeout) {
     if (timeout == kInfinite) return pthread_mutex_lock(mutex);
     if (timeout == 0) return pthread_mutex_trylock(mutex);
-    struct timespec deadline = DeadlineAfter(timeout);
-    return pthread_mutex_timedlock(mutex, &deadline);
+    return TimedLock(mutex, timeout);
 }
 
 void TakeOwnership(Shared *s, bool abandoned) {
@@ -175,7 +197,9 @@ void TakeOwnership(Shared *s, bool abandoned) {
 
 // A thread of this process still owns it: the system keeps a pointer into
 // the memory until that thread ends, so the memory must outlive this handle.
-bool OwnedHere(Shared *s) { return s->ownerProcess.load(std::memory_order_relaxed) == getpid(); }
+bool OwnedHere(Shared *s) {
+    return s->ownerProcess.load(std::memory_order_relaxed) == getpid();
+}
 
 } // namespace
 
@@ -213,14 +237,18 @@ NamedMutex::~NamedMutex() {
 
 MutexWait NamedMutex::Wait(uint32_t timeout) {
     switch (Lock(&shared->mutex, timeout)) {
-    case 0: TakeOwnership(shared, false); return MutexWait::Signaled;
+    case 0:
+        TakeOwnership(shared, false);
+        return MutexWait::Signaled;
     case EOWNERDEAD:
         pthread_mutex_consistent(&shared->mutex);
         TakeOwnership(shared, true);
         return MutexWait::Abandoned;
     case EBUSY:
-    case ETIMEDOUT: return MutexWait::TimedOut;
-    default: return MutexWait::Failed;
+    case ETIMEDOUT:
+        return MutexWait::TimedOut;
+    default:
+        return MutexWait::Failed;
     }
 }
 

@@ -5,7 +5,8 @@
 
 namespace qv {
 
-// Unique among the live threads of the machine; never 0. Thread-safe.
+// Unique among the live threads of the machine; never 0. Thread-safe. Kept
+// per thread and renewed in the child of fork().
 uint32_t GetCurrentThreadId();
 
 } // namespace qv

@@ -22,9 +22,13 @@ uint32_t GetTickCount() {
     return uint32_t(milliseconds) + tickOffset.load(std::memory_order_relaxed);
 }
 
-void SetTickCountOffset(uint32_t offset) { tickOffset.store(offset, std::memory_order_relaxed); }
+void SetTickCountOffset(uint32_t offset) {
+    tickOffset.store(offset, std::memory_order_relaxed);
+}
 
-uint32_t GetTickCountOffset() { return tickOffset.load(std::memory_order_relaxed); }
+uint32_t GetTickCountOffset() {
+    return tickOffset.load(std::memory_order_relaxed);
+}
 
 void Sleep(uint32_t milliseconds) {
     if (milliseconds == 0) {
@@ -32,7 +36,9 @@ void Sleep(uint32_t milliseconds) {
         return;
     }
     bool forever = milliseconds == kInfinite;
-    struct timespec left {time_t(milliseconds / 1000), long(milliseconds % 1000) * 1000000};
+    struct timespec left {
+        time_t(milliseconds / 1000), long(milliseconds % 1000) * 1000000
+    };
     if (forever) left.tv_sec = 86400;
     for (;;) {
         while (nanosleep(&left, &left) != 0 && errno == EINTR) {
@@ -42,6 +48,8 @@ void Sleep(uint32_t milliseconds) {
     }
 }
 
-void SwitchToThread() { sched_yield(); }
+void SwitchToThread() {
+    sched_yield();
+}
 
 } // namespace qv

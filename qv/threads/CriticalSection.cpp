@@ -15,6 +15,8 @@ void CCriticalSection::Enter() {
     mutex.lock();
 }
 
-void CCriticalSection::Leave() { mutex.unlock(); }
+void CCriticalSection::Leave() {
+    mutex.unlock();
+}
 
 } // namespace qv

@@ -12,7 +12,9 @@ CEvent::CEvent(CEvent const &other) : manualReset(other.manualReset), signalled(
 
 CEvent::~CEvent() = default;
 
-bool CEvent::Ready(uint64_t pulsesAtStart) const { return signalled || pulses != pulsesAtStart; }
+bool CEvent::Ready(uint64_t pulsesAtStart) const {
+    return signalled || pulses != pulsesAtStart;
+}
 
 void CEvent::Take() {
     if (manualReset) return;
@@ -46,8 +48,10 @@ bool CEvent::Signal() {
     std::lock_guard<std::mutex> lock(mutex);
     signalled = true;
     pulsePending = false;
-    if (manualReset) changed.notify_all();
-    else changed.notify_one();
+    if (manualReset)
+        changed.notify_all();
+    else
+        changed.notify_one();
     return true;
 }
 
@@ -75,13 +79,19 @@ bool CEvent::Pulse() {
 }
 
 bool CEvent::setSignaled(bool signal) {
-    if (signal) Signal();
-    else Reset();
+    if (signal)
+        Signal();
+    else
+        Reset();
     return signal;
 }
 
-bool CEvent::getSignaled() { return Wait(0); }
+bool CEvent::getSignaled() {
+    return Wait(0);
+}
 
-void *CEvent::getHandle() const { return const_cast<CEvent *>(this); }
+void *CEvent::getHandle() const {
+    return const_cast<CEvent *>(this);
+}
 
 } // namespace qv

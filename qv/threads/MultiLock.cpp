@@ -5,7 +5,7 @@
 
 namespace qv {
 
-CMultiLock::CMultiLock(int slots) : slots(slots), semaphore(uint32_t(slots)) {}
+CMultiLock::CMultiLock(int slots) : slots(slots < 0 ? 0 : slots), semaphore(uint32_t(this->slots)) {}
 
 CMultiLock::CMultiLock(CMultiLock const &other) : CMultiLock(other.slots) {}
 
@@ -25,7 +25,9 @@ CMultiLock::SThreadInfo &CMultiLock::Row() {
 }
 
 // The permits an exclusive entry takes: all but the one its shared entry holds.
-uint32_t CMultiLock::ExclusivePermits(SThreadInfo const &row) const { return uint32_t(slots - (row.shared != 0 ? 1 : 0)); }
+uint32_t CMultiLock::ExclusivePermits(SThreadInfo const &row) const {
+    return uint32_t(slots - (row.shared != 0 ? 1 : 0));
+}
 
 bool CMultiLock::Enter(bool wait) {
     std::unique_lock<std::mutex> lock(mutex);

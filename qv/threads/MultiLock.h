@@ -12,7 +12,8 @@
 // nothing. Callers use EnterExclusive(true).
 //
 // A thread's record is made at its first call and kept for the lock's life.
-// A copy is a new lock with the same number of slots. Thread-safe.
+// Negative slots count as 0. A copy is a new lock with the same number of
+// slots. Thread-safe.
 #pragma once
 
 #include <cstdint>

@@ -9,12 +9,20 @@ CMutex::CMutex(char16_t const *name) : mutex(NamedMutex::Open(name ? CString(nam
 
 CMutex::CMutex(CMutex const &) : mutex(NamedMutex::Open(nullptr)) {}
 
-CMutex::~CMutex() { delete mutex; }
+CMutex::~CMutex() {
+    delete mutex;
+}
 
-bool CMutex::Acquire(uint32_t timeout) { return mutex && mutex->Wait(timeout) == MutexWait::Signaled; }
+bool CMutex::Acquire(uint32_t timeout) {
+    return mutex && mutex->Wait(timeout) == MutexWait::Signaled;
+}
 
-bool CMutex::Release() { return mutex && mutex->Release(); }
+bool CMutex::Release() {
+    return mutex && mutex->Release();
+}
 
-void *CMutex::getHandle() const { return mutex; }
+void *CMutex::getHandle() const {
+    return mutex;
+}
 
 } // namespace qv

@@ -5,9 +5,10 @@
 // (UTF-16 name, '/' allowed) is one lock for every process of this user that
 // opens the same name; a null or empty name makes a lock private to this
 // object. When an owning thread or process ends without releasing, the next
-// Acquire gets ownership but answers false (the owner was abandoned), as the
-// designed wait reports only a signalled mutex as success: such a caller
-// owns the mutex and releases it. A copy is a new, private, unowned mutex.
+// Acquire gets ownership but answers false (the owner was abandoned): only a
+// mutex that was free counts as success, and existing callers rely on that.
+// Such a caller owns the mutex and releases it. A copy is a new, private,
+// unowned mutex.
 //
 // Failure: when the system refuses the mutex (name too long, no memory),
 // getHandle() is null, Acquire and Release give false. Thread-safe.

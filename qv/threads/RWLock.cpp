@@ -76,7 +76,7 @@ void CRWLock::ReadLock() {
     lock.Enter();
     bool const atOnce = (writers.load() != 0 && writerThread == me) || HoldsReadLock(me);
     if (!atOnce) LeaveUntilNoWriter();
-    readers.fetch_add(1);
+    ++readers;
     readerThreads.Add(me);
     lock.Leave();
 }
@@ -84,8 +84,8 @@ void CRWLock::ReadLock() {
 void CRWLock::ReadUnlock() {
     uint32_t const me = GetCurrentThreadId();
     lock.Enter();
-    if (readers.load() != 0) {
-        readers.fetch_sub(1);
+    if (readers != 0) {
+        --readers;
         for (uint32_t i = 0; i < readerThreads.GetSize(); ++i) {
             if (readerThreads[i] == me) {
                 readerThreads.Remove(i);

@@ -39,7 +39,7 @@ private:
     void YieldUntilNoReaderBut(uint32_t thread);
 
     CCriticalSection lock;
-    std::atomic<int32_t> readers{0};
+    int32_t readers = 0;
     std::atomic<int32_t> writers{0}; // read without the lock while yielding
     uint32_t writerThread = 0;
     TArray<uint32_t> readerThreads; // one element per read lock held

@@ -13,7 +13,9 @@ namespace {
 // Milliseconds between two tick readings. Across the wrap the interval is
 // one less than the modular difference: existing callers' time limits were
 // tuned against this count.
-uint32_t TicksBetween(uint32_t then, uint32_t now) { return now >= then ? now - then : (now - then) - 1; }
+uint32_t TicksBetween(uint32_t then, uint32_t now) {
+    return now >= then ? now - then : (now - then) - 1;
+}
 
 } // namespace
 

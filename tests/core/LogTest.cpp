@@ -13,6 +13,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "qv/core/DebugOutput.h"
@@ -220,6 +221,35 @@ TEST(Exception, CarriesAMessageAndAChain) {
     EXPECT_EQ(copy.innerException(), &inner);
     EXPECT_STREQ(copy.innerException()->message().GetUTF8(), "disk full");
     EXPECT_EQ(inner.innerException(), nullptr);
+}
+
+// One thread sets the file while the others write: every line comes out
+// once, whole, and in its thread's order.
+TEST_F(LogDir, ThreadsWriteWholeLines) {
+    CLog log;
+    constexpr int kThreads = 4, kLines = 200;
+    std::string path = Path("log.txt");
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&log, &path, t] {
+            for (int n = 0; n < kLines; ++n) {
+                log.Write(u"%d:%d %S\n", t, n, std::string(size_t(n), 'x').c_str());
+                if (t == 0 && n == kLines / 2) {
+                    EXPECT_TRUE(log.SetFile(Text(path)));
+                }
+            }
+        });
+    }
+    for (std::thread &thread : threads) thread.join();
+    std::vector<std::string> lines = Lines(ReadFile(Path("log.txt")));
+    ASSERT_EQ(lines.size(), size_t(kThreads * kLines));
+    int next[kThreads] = {};
+    for (std::string const &line : lines) {
+        int t = line[0] - '0';
+        ASSERT_TRUE(t >= 0 && t < kThreads) << line;
+        int n = next[t]++;
+        EXPECT_EQ(line, std::to_string(t) + ":" + std::to_string(n) + " " + std::string(size_t(n), 'x'));
+    }
 }
 
 // Two processes append entries of different lengths to one file, each

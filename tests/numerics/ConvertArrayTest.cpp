@@ -82,6 +82,13 @@ TEST(ConvertArray, InPlaceAndTypesWithoutArithmetic) {
     std::memcpy(narrow, wide.data(), sizeof narrow);
     EXPECT_EQ(std::vector<uint16_t>(narrow, narrow + 5), (std::vector<uint16_t>{1, 2, 300, 65535, 5}));
 
+    // Partial overlap: unspecified values, but nothing outside the buffers is touched.
+    COddBuffer shared(40 * sizeof(double));
+    shared.Fill(Repeated<double>(40));
+    ConvertArray(STypedData(static_cast<char *>(shared.Data()) + 3, DT_UInt16), shared.Typed<double>(), 30);
+    ConvertArray(STypedData(static_cast<char *>(shared.Data()) + 80, DT_Int64), shared.Typed<uint16_t>(), 30);
+    EXPECT_TRUE(shared.GuardsIntact());
+
     double untouched[3] = {1, 2, 3};
     int32_t source[3] = {7, 8, 9};
     for (int type : {7, 10, 11, -1, 12, 99}) {

@@ -100,6 +100,7 @@ TEST(ConvertTemperature, SameScaleInPlaceAndInvalidScales) {
         CMath::ConvertTemperature({d, DT_Double}, {a, DT_Int16}, 3, TT_Celsius, ETempType(bad));
         CMath::ConvertTemperature({d, DT_Double}, {a, DT_Int16}, 3, ETempType(bad), ETempType(bad));
     }
+    CMath::ConvertTemperature({nullptr, DT_Double}, {nullptr, DT_Float}, 0, TT_Celsius, TT_Kelvin);
     CMath::ConvertTemperature({d, DT_Packed}, {a, DT_Int16}, 3, TT_Celsius, TT_Kelvin);
     CMath::ConvertTemperature({d, DT_Double}, {a, EDataType(7)}, 3, TT_Celsius, TT_Kelvin);
     EXPECT_EQ(std::vector<double>(d, d + 3), (std::vector<double>{1, -2, 3}));

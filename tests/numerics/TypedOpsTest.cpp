@@ -230,6 +230,25 @@ TEST(TypedOps, TypesWithoutArithmeticDoNothing) {
     EXPECT_EQ(std::vector<int32_t>(d, d + 3), (std::vector<int32_t>{7, 8, 9}));
 }
 
+TEST(TypedOps, ZeroElementsTouchNothing) {
+    ForEachType([](auto tag) {
+        using T = typename decltype(tag)::type;
+        STypedData none(nullptr, kCode<T>);
+        ConvertArray(none, none, 0);
+        ConvertArray(none, STypedData(nullptr, DT_Double), 0);
+        TypedMin(none, none, 0);
+        TypedMax(none, none, 0);
+        TypedSum(none, none, 0);
+        TypedSpan(none, none, none, 0);
+        TypedDiv(none, 3, 0);
+        TypedDiv(none, 0.5, 0);
+        double lo = 1, hi = 2;
+        MinMax(none, 0, lo, hi);
+        EXPECT_EQ(lo, 1);
+        EXPECT_EQ(hi, 2);
+    });
+}
+
 TEST(MinMax, ExtremesInTheRequestedType) {
     uint16_t frame[] = {300, 7, 65535, 1000, 7};
     uint16_t lo16 = 1, hi16 = 1;

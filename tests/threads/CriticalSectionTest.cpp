@@ -48,8 +48,14 @@ TEST(CriticalSection, AutoLockGuardsACounter) {
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&] {
             for (int i = 0; i < 500; ++i) {
-                { CAutoLock lock(&section); ++viaSection; }
-                { CAutoLock lock(&mutex); ++viaMutex; }
+                {
+                    CAutoLock lock(&section);
+                    ++viaSection;
+                }
+                {
+                    CAutoLock lock(&mutex);
+                    ++viaMutex;
+                }
                 CAutoCriticalSection nested(&section);
                 CAutoLock again(&section);
                 CAutoLock none(static_cast<CMutex *>(nullptr));

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <future>
 #include <thread>
 
@@ -120,6 +123,18 @@ TEST(MultiLock, BlockedExclusiveEntryLeavesTheTableFree) {
     ASSERT_TRUE(test::Finishes(exclusive));
     EXPECT_TRUE(exclusive.get());
     EXPECT_EQ(lock.GetLockCount(), 0);
+}
+
+TEST(MultiLock, ForkedChildIsAThreadOfItsOwn) {
+    CMultiLock lock(1);
+    ASSERT_TRUE(lock.Enter(false));
+    pid_t pid = fork();
+    if (pid == 0) _exit(lock.Enter(false) ? 1 : 0); // the parent's entry must not count as the child's
+    ASSERT_GT(pid, 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    lock.Leave();
 }
 
 } // namespace

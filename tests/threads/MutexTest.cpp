@@ -75,7 +75,10 @@ TEST(Mutex, CopyIsPrivateAndSameNameIsShared) {
 }
 
 TEST(Mutex, NameGoesWithTheLastHandle) {
-    { CMutex mutex(UniqueName("gone").c_str()); EXPECT_TRUE(NameExists("gone")); }
+    {
+        CMutex mutex(UniqueName("gone").c_str());
+        EXPECT_TRUE(NameExists("gone"));
+    }
     EXPECT_FALSE(NameExists("gone"));
     CMutex tooLong(std::u16string(300, u'x').c_str());
     EXPECT_EQ(tooLong.getHandle(), nullptr);
@@ -83,7 +86,7 @@ TEST(Mutex, NameGoesWithTheLastHandle) {
     EXPECT_FALSE(tooLong.Release());
 }
 
-TEST(Mutex, ProcessThatEndsOwningAbandonsIt) {
+TEST(Mutex, AbandonedAcrossProcesses) {
     std::u16string name = UniqueName("abandoned");
     {
         CMutex mutex(name.c_str());

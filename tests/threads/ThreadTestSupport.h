@@ -35,13 +35,21 @@ template <class R> std::future<R> Detached(std::function<R()> body) {
     return result;
 }
 
-inline std::future<bool> Async(std::function<bool()> body) { return Detached<bool>(std::move(body)); }
+inline std::future<bool> Async(std::function<bool()> body) {
+    return Detached<bool>(std::move(body));
+}
 
-inline std::future<void> AsyncVoid(std::function<void()> body) { return Detached<void>(std::move(body)); }
+inline std::future<void> AsyncVoid(std::function<void()> body) {
+    return Detached<void>(std::move(body));
+}
 
-template <class T> bool Finishes(std::future<T> &f) { return f.wait_for(kLimit) == std::future_status::ready; }
+template <class T> bool Finishes(std::future<T> &f) {
+    return f.wait_for(kLimit) == std::future_status::ready;
+}
 
-template <class T> bool StillBlocked(std::future<T> &f) { return f.wait_for(kGlance) == std::future_status::timeout; }
+template <class T> bool StillBlocked(std::future<T> &f) {
+    return f.wait_for(kGlance) == std::future_status::timeout;
+}
 
 // Polls condition until it holds or the limit passes.
 inline bool Eventually(std::function<bool()> const &condition) {
