@@ -1,7 +1,7 @@
 // Every public header of libqv, for programs that want the whole library.
 #pragma once
 
-// Core types: text runtime, strings, containers, values, time, log.
+// Core types: text runtime, strings, containers, values, time, singletons, log.
 #include "qv/core/Export.h"
 #include "qv/core/WideChar.h"
 #include "qv/core/WideFormat.h"
@@ -21,7 +21,19 @@
 #include "qv/core/PropertyArray.h"
 #include "qv/core/FileTime.h"
 #include "qv/core/DateTime.h"
+#include "qv/core/Singleton.h"
+#include "qv/core/Exception.h"
+#include "qv/core/LogEntry.h"
 #include "qv/core/Log.h"
+
+// Locks.
+#include "qv/threads/CriticalSection.h"
+#include "qv/threads/Mutex.h"
+#include "qv/threads/Event.h"
+#include "qv/threads/Semaphore.h"
+#include "qv/threads/RWLock.h"
+#include "qv/threads/MultiLock.h"
+#include "qv/threads/AutoLock.h"
 
 // Files.
 #include "qv/files/IFile.h"
