@@ -18,5 +18,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/qvConfigVersion.cma
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/qvConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qv)
 
+# qv.pc finds its prefix from its own place, so an install with --prefix works.
+file(RELATIVE_PATH QV_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/qv.pc.in ${CMAKE_CURRENT_BINARY_DIR}/qv.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
