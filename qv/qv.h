@@ -25,6 +25,11 @@
 #include "qv/core/Exception.h"
 #include "qv/core/LogEntry.h"
 #include "qv/core/Log.h"
+#include "qv/core/ResourceId.h"
+#include "qv/core/ResourceTable.h"
+#include "qv/core/ModuleResources.h"
+#include "qv/core/LanguageTags.h"
+#include "qv/core/Locale.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
@@ -35,6 +40,22 @@
 #include "qv/threads/MultiLock.h"
 #include "qv/threads/AutoLock.h"
 
+// Calls between threads: invokables, invokers, events, threads, timers.
+#include "qv/threads/Invokable.h"
+#include "qv/threads/Invoker.h"
+#include "qv/threads/Events.h"
+#include "qv/threads/DirectInvoker.h"
+#include "qv/threads/MessageQueueInvoker.h"
+#include "qv/threads/Invokers.h"
+#include "qv/threads/Thread.h"
+#include "qv/threads/Timer.h"
+#include "qv/threads/Callback.h"
+#include "qv/threads/COMScope.h"
+#include "qv/threads/SharedHandle.h"
+#include "qv/threads/SharedMemory.h"
+#include "qv/threads/LockedMemory.h"
+#include "qv/threads/MainThread.h"
+
 // Files.
 #include "qv/files/IFile.h"
 #include "qv/files/File.h"
@@ -43,10 +64,17 @@
 #include "qv/files/GZFile.h"
 #include "qv/files/CRC.h"
 #include "qv/files/CRCFile.h"
+#include "qv/files/ResourceFile.h"
 
 // File systems.
+#include "qv/filesystems/PathAlgebra.h"
+#include "qv/filesystems/Path.h"
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/filesystems/FileSystem.h"
+#include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/CWDFixer.h"
+#include "qv/filesystems/DirectoryMonitor.h"
+#include "qv/filesystems/DiskDirectoryMonitor.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"

@@ -55,15 +55,14 @@ CLog::~CLog() {
 }
 
 bool CLog::SetFile(IFileSystem *fs, CString path) {
-    if (fs && fs != &GetFileSystem()) return false; // only the disk opens files so far
+    IFileSystem &target = fs ? *fs : GetFileSystem();
     CAutoCriticalSection guard(&lock);
     if (file) return false;
-    CFile *opened = new CFile();
-    if (!opened->Open(path.GetUTF16(), kLogOpenFlags)) {
-        delete opened;
-        return false;
-    }
-    platform::SetAppendOnly(opened->GetHandle()); // without it, still a good log for one process
+    IFile *opened = target.CreateFileW(path.GetUTF16(), kLogOpenFlags);
+    if (!opened) return false;
+    // Only a disk file is shared with other processes; without this it is
+    // still a good log for one process.
+    if (auto *disk = dynamic_cast<CFile *>(opened)) platform::SetAppendOnly(disk->GetHandle());
     file = opened;
     if (memory.GetSize()) file->Write(memory.GetData(), memory.GetSize());
     memory.Reset();

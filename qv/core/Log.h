@@ -14,9 +14,9 @@
 // others may read and write) and appends every later text with one write, so
 // several processes may share one log file: their entries never overwrite or
 // split each other. A second SetFile, or one that cannot open the file,
-// returns false and changes nothing; text keeps collecting in memory. Files
-// open on the disk only: SetFile(fs, path) takes the disk file system (or
-// null) and refuses any other until file systems can open files.
+// returns false and changes nothing; text keeps collecting in memory.
+// SetFile(fs, path) opens the file through fs (null: the disk file system);
+// SetFile(path) uses the disk.
 //
 // Ownership: the log owns its file and closes it when destroyed. A copy takes
 // the kept text and the flags but no file (the file stays with its original).

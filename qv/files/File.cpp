@@ -5,6 +5,7 @@
 #include "qv/files/OpenRequest.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/platform/DiskFile.h"
+#include "qv/platform/DiskName.h"
 #include "qv/platform/FullPath.h"
 
 namespace qv {
@@ -43,7 +44,7 @@ bool CFile::Open(char16_t const *path, uint32_t flags) {
     bool named = FullDiskPath(path, fullPath);
     bool fits = named && fullPath.GetLength() <= kMaxFullPathLength;
     OpenRequest request = DecodeOpenFlags(flags);
-    FileHandle opened = fits ? OpenDiskFile(fullPath.GetUTF8(), request) : kInvalidFileHandle;
+    FileHandle opened = fits ? OpenDiskFile(ToDiskName(fullPath.GetUTF16()).c_str(), request) : kInvalidFileHandle;
     if (opened == kInvalidFileHandle) {
         qvLogWriteLineW(u"CFile::Open(%s) FAILED.", named ? fullPath.GetUTF16() : path);
         return false;
@@ -74,7 +75,7 @@ bool CFile::SetEOF() {
 
 bool CFile::Remove(char16_t const *path) {
     CString fullPath;
-    return DiskPath(path, fullPath) && RemoveDiskFile(fullPath.GetUTF8());
+    return DiskPath(path, fullPath) && RemoveDiskFile(ToDiskName(fullPath.GetUTF16()).c_str());
 }
 
 char16_t *CFile::GetFilename(char16_t *buf, int size) {

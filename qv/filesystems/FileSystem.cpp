@@ -1,15 +1,14 @@
 #include "qv/filesystems/FileSystem.h"
 
+#include "qv/filesystems/DiskFileSystem.h"
+
 namespace qv {
 
-namespace {
-// Placeholder until the disk file system exists: it carries identity only.
-class DiskFileSystemPlaceholder final : public IFileSystem {};
-} // namespace
+template class TSingletonPtr<CFileSystem>;
+TSingletonPtr<CFileSystem> FileSystem;
 
 IFileSystem &GetFileSystem() {
-    static DiskFileSystemPlaceholder disk;
-    return disk;
+    return *FileSystem;
 }
 
 } // namespace qv

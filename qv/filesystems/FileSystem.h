@@ -1,6 +1,6 @@
-// The disk file system singleton that stands for the disk wherever a caller
-// names no file system. Callers reach it only through this function, so the
-// real disk file system can replace the placeholder without touching them.
+// GetFileSystem: the disk file system (the FileSystem singleton of
+// qv/filesystems/DiskFileSystem.h) as a plain IFileSystem, for code that
+// needs the disk without the disk file system's own header (CFile, CLog).
 #pragma once
 
 #include "qv/core/Export.h"
@@ -8,7 +8,7 @@
 
 namespace qv {
 
-// The process-wide disk file system. Never fails; the object lives until exit.
+// The process-wide disk file system. Never fails; built on first use.
 QV_API IFileSystem &GetFileSystem();
 
 } // namespace qv

@@ -12,6 +12,7 @@
 #include <new>
 
 #include "qv/platform/NamedMutex.h"
+#include "qv/platform/SharedMemory.h"
 #include "qv/platform/Ticks.h"
 
 namespace qv {
@@ -63,19 +64,10 @@ void LockGuard(Shared *s) {
     if (pthread_mutex_lock(&s->guard) == EOWNERDEAD) pthread_mutex_consistent(&s->guard);
 }
 
-// '/' cannot stand in a shared-memory name and '%' escapes it, so that
-// distinct mutex names never meet.
+// The object name of a named mutex: its own prefix, then the name escaped as
+// every shared-memory name is, so that distinct mutex names never meet.
 std::string ShmNameOf(char const *name) {
-    std::string shm = "/qv-mutex-";
-    for (char const *c = name; *c; ++c) {
-        if (*c == '/')
-            shm += "%2F";
-        else if (*c == '%')
-            shm += "%25";
-        else
-            shm += *c;
-    }
-    return shm;
+    return "/qv-mutex-" + SharedMemorySysName(name).substr(1);
 }
 
 bool WaitForSize(int fd) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "qv/platform/MessageQueue.h"
 #include "qv/platform/Ticks.h"
 
 namespace qv {
@@ -22,7 +23,17 @@ void CEvent::Take() {
     pulsePending = false;
 }
 
-bool CEvent::Wait(uint32_t timeout) {
+void CEvent::Leave() {
+    --waiters;
+    // A pulse nobody is left to take must not linger as a signal.
+    if (waiters == 0 && pulsePending) {
+        signalled = false;
+        pulsePending = false;
+    }
+}
+
+bool CEvent::Wait(uint32_t timeout, bool pumpMessages) {
+    if (pumpMessages) return PumpingWait(timeout);
     std::unique_lock<std::mutex> lock(mutex);
     uint64_t const start = pulses;
     auto ready = [this, start] { return Ready(start); };
@@ -34,14 +45,48 @@ bool CEvent::Wait(uint32_t timeout) {
     } else if (!got && timeout != 0) {
         got = changed.wait_for(lock, std::chrono::milliseconds(timeout), ready);
     }
-    --waiters;
     if (got && signalled) Take();
-    // A pulse nobody is left to take must not linger as a signal.
-    if (waiters == 0 && pulsePending) {
-        signalled = false;
-        pulsePending = false;
-    }
+    Leave();
     return got;
+}
+
+// Serves up to 100 messages, tests the event, and sleeps until the event or
+// new input comes; a full batch skips the sleep so the queue is drained first.
+bool CEvent::PumpingWait(uint32_t timeout) {
+    constexpr int kBatch = 100;
+    for (;;) {
+        int served = 0;
+        SMessage msg;
+        while (served < kBatch && PeekQueuedMessage(msg, kPeekRemove)) {
+            ++served;
+            if (msg.message == kQuitMessage) return false;
+            DispatchQueuedMessage(msg);
+        }
+        if (Wait(0)) return true;
+        if (served == kBatch) continue;
+        EWakeReason const reason = WaitForObjectOrMessage(this, timeout, kWakeAll);
+        if (reason != EWakeReason::Message) return reason == EWakeReason::Object;
+    }
+}
+
+uint64_t CEvent::BeginWait(CWaker *waker) {
+    std::lock_guard<std::mutex> lock(mutex);
+    ++waiters;
+    wakers.Add(waker);
+    return pulses;
+}
+
+bool CEvent::TryTake(uint64_t pulsesAtStart) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (!Ready(pulsesAtStart)) return false;
+    if (signalled) Take();
+    return true;
+}
+
+void CEvent::EndWait(CWaker *waker) {
+    std::lock_guard<std::mutex> lock(mutex);
+    wakers.Remove(waker);
+    Leave();
 }
 
 bool CEvent::Signal() {
@@ -52,6 +97,7 @@ bool CEvent::Signal() {
         changed.notify_all();
     else
         changed.notify_one();
+    wakers.WakeAll();
     return true;
 }
 
@@ -68,10 +114,12 @@ bool CEvent::Pulse() {
         signalled = false;
         ++pulses;
         changed.notify_all();
+        wakers.WakeAll();
     } else if (waiters != 0) {
         signalled = true;
         pulsePending = true;
         changed.notify_one();
+        wakers.WakeAll();
     } else {
         signalled = false;
     }
@@ -91,7 +139,7 @@ bool CEvent::getSignaled() {
 }
 
 void *CEvent::getHandle() const {
-    return const_cast<CEvent *>(this);
+    return AsHandle(const_cast<CEvent *>(this));
 }
 
 } // namespace qv

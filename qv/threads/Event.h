@@ -7,9 +7,12 @@
 // waiting at that moment (all of them, or one for an auto-reset event) and
 // leaves the event unsignalled; with nobody waiting it does nothing.
 //
-// The wait that keeps a thread's message queue served is not available yet:
-// Wait blocks the thread. A copy is a new, unsignalled event with the same
-// reset mode. The bool results are true unless stated. Thread-safe.
+// Wait with pumpMessages keeps the calling thread's message queue served
+// (qv/platform/MessageQueue.h) while it waits, so that a thread with a loop
+// doesn't stop dispatching; without it Wait blocks the thread. getHandle
+// gives a handle that CMessageQueueInvoker::SafeWait accepts. A copy is a
+// new, unsignalled event with the same reset mode. The bool results are true
+// unless stated. Thread-safe.
 #pragma once
 
 #include <condition_variable>
@@ -17,10 +20,11 @@
 #include <mutex>
 
 #include "qv/core/Export.h"
+#include "qv/platform/Waitable.h"
 
 namespace qv {
 
-class QV_API CEvent {
+class QV_API CEvent final : private IWaitable {
 public:
     explicit CEvent(bool signalled = false, bool manualReset = false);
     CEvent(CEvent const &other);
@@ -28,8 +32,12 @@ public:
     ~CEvent();
 
     // Timeout in milliseconds, 0xFFFFFFFF without limit; true when the event
-    // was signalled (and, for auto reset, taken by this call).
-    bool Wait(uint32_t timeout);
+    // was signalled (and, for auto reset, taken by this call). A pumping wait
+    // dispatches up to 100 messages at a time; every message it serves starts
+    // the timeout anew, so messages can lengthen it without limit (callers
+    // depend on this), and a quit message ends it with false (the quit is
+    // consumed).
+    bool Wait(uint32_t timeout, bool pumpMessages = false);
     bool Signal();
     bool Reset();
     bool Pulse();
@@ -40,8 +48,14 @@ public:
     void *getHandle() const;
 
 private:
+    bool PumpingWait(uint32_t timeout);
     bool Ready(uint64_t pulsesAtStart) const;
     void Take();
+    void Leave();
+
+    uint64_t BeginWait(CWaker *waker) override;
+    bool TryTake(uint64_t pulsesAtStart) override;
+    void EndWait(CWaker *waker) override;
 
     bool const manualReset;
     std::mutex mutex;
@@ -50,6 +64,7 @@ private:
     uint32_t waiters = 0;
     uint64_t pulses = 0;       // manual-reset pulses so far
     bool pulsePending = false; // an auto-reset pulse that no waiter took yet
+    CWakerList wakers;         // pumping waits in progress
 };
 
 } // namespace qv

@@ -1,0 +1,14 @@
+// SNameValuePair: one free name/value text pair, as lists of tags hold them.
+// A plain record; the strings share their text by reference count.
+#pragma once
+
+#include "qv/core/String.h"
+
+namespace qv {
+
+struct SNameValuePair {
+    CString Name;
+    CString Value;
+};
+
+} // namespace qv

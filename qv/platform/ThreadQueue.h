@@ -1,0 +1,104 @@
+// CThreadQueue: the message queue of one thread, behind the functions of
+// qv/platform/MessageQueue.h. Internal to libqv.
+//
+// Shared ownership: the thread holds its queue until it ends (then Close
+// releases waiting senders and refuses further posts), and every window and
+// every pending sender hold it too, so a late Post or Forget never reaches
+// freed memory.
+//
+// Locks: one mutex per queue guards everything in it. A queue never holds its
+// mutex while it runs a handler or calls an IWaitable; an IWaitable may call
+// Wake under its own lock. Completing a send locks the sender's queue alone.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "qv/platform/MessageQueue.h"
+#include "qv/platform/QueueSignal.h"
+#include "qv/platform/Waitable.h"
+
+namespace qv {
+
+class CThreadQueue final : public CWaker {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    explicit CThreadQueue(uint32_t threadId) : threadId(threadId) {}
+
+    // The calling thread's queue, made on first use.
+    static std::shared_ptr<CThreadQueue> const &Current();
+    // Called by a thread that ends: closes its queue and lets it go.
+    static void EndCurrent();
+
+    uint32_t ThreadId() const { return threadId; }
+
+    // Any thread.
+    bool Post(SMessage const &msg);
+    bool PostQuit(int32_t exitCode);
+    // From a thread other than the owner: blocks, serving the caller's own
+    // sent messages, until the owner has run the message.
+    intptr_t Send(CMessageWindow *window, uint32_t message, uintptr_t wParam, intptr_t lParam);
+    void Forget(CMessageWindow *window);
+    void Wake() override;
+
+    // The owning thread.
+    bool Peek(SMessage &msg, uint32_t flags);
+    EWakeReason Wait(IWaitable *object, uint32_t timeout, uint32_t wakeMask);
+    uint32_t SetTimer(uint32_t interval, void (*callback)(uint32_t id));
+    bool KillTimer(uint32_t id);
+    // The callback of a live timer, or null.
+    void (*TimerCallback(uint32_t id))(uint32_t);
+    int Fd();
+
+private:
+    struct SSent {
+        CMessageWindow *window;
+        uint32_t message;
+        uintptr_t wParam;
+        intptr_t lParam;
+        std::shared_ptr<CThreadQueue> sender;
+        intptr_t result = 0;
+        bool done = false; // guarded by the sender's mutex
+    };
+    struct STimer {
+        uint32_t id;
+        uint32_t interval;
+        Clock::time_point due;
+        void (*callback)(uint32_t id);
+    };
+    using Lock = std::unique_lock<std::mutex>;
+
+    void Close();
+    void AwaitReply(SSent &sent);
+    void ServeSent();
+    static void Serve(SSent *sent);
+    static void Complete(SSent *sent, intptr_t result);
+    static void CompleteAll(std::vector<SSent *> const &sent);
+    // Under the mutex.
+    bool HasInput(uint32_t wakeMask, Clock::time_point now) const;
+    STimer *DueTimer(Clock::time_point now);
+    std::optional<Clock::time_point> NextTimerDue() const;
+    void Changed();
+    void Rearm();
+
+    uint32_t const threadId;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<SMessage> posted;
+    std::deque<SSent *> incoming;
+    std::vector<STimer> timers;
+    bool quit = false;
+    int32_t quitCode = 0;
+    bool poked = false;
+    bool closed = false;
+    CQueueSignal signal;
+};
+
+} // namespace qv
