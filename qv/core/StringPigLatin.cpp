@@ -3,14 +3,11 @@
 #include <string_view>
 
 #include "qv/core/String.h"
+#include "qv/core/WideChar.h"
 
 namespace qv {
 
 namespace {
-
-bool IsAsciiLetter(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
-}
 
 bool IsVowel(char16_t c) {
     return std::u16string_view(u"aeiouAEIOU").find(c) != std::u16string_view::npos;

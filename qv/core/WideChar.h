@@ -32,6 +32,10 @@ QV_API char16_t towlower(char16_t c);
 QV_API char16_t towupper(char16_t c);
 QV_API bool iswspace(char16_t c);
 QV_API bool iswdigit(char16_t c);
+// A letter of the "C" locale: 'a'..'z' and 'A'..'Z' only.
+inline bool IsAsciiLetter(char16_t c) {
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+}
 
 // Narrow twins used on file text: fold ASCII only, locale-free.
 QV_API int _stricmp(char const *a, char const *b);

@@ -3,17 +3,13 @@
 #include <string_view>
 
 #include "qv/core/StringFunctions.h"
+#include "qv/core/WideChar.h"
 #include "qv/filesystems/PathAlgebra.h"
 #include "qv/filesystems/PathBuilder.h"
 
 namespace qv {
 
 namespace {
-
-// The "C" locale's isalpha.
-bool IsLetter(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
-}
 
 bool IsUnsafeInName(char16_t c) {
     return std::u16string_view(u":/\\*?\"<>|.").find(c) != std::u16string_view::npos;
@@ -86,7 +82,7 @@ CString CPathAlgebra::MakeSafeFilename(CString const &name) {
 }
 
 bool CPathAlgebra::IsWindowsPath(char16_t const *path) {
-    return IsLetter(path[0]) && path[1] == u':';
+    return IsAsciiLetter(path[0]) && path[1] == u':';
 }
 
 bool CPathAlgebra::IsUNCPath(char16_t const *path) {
@@ -99,7 +95,7 @@ bool CPathAlgebra::IsUnixPath(char16_t const *path) {
 
 bool CPathAlgebra::IsURL(char16_t const *path) {
     char16_t const *p = path;
-    while (IsLetter(*p))
+    while (IsAsciiLetter(*p))
         ++p;
     return p != path && p[0] == u':' && IsSeparator(p[1]);
 }
