@@ -89,3 +89,7 @@
 #include "qv/numerics/Planck.h"
 #include "qv/numerics/Fits.h"
 #include "qv/numerics/LMFit.h"
+
+// Radiometric calibration.
+#include "qv/calibration/RCalFile.h"
+#include "qv/calibration/CalFacades.h"

@@ -1,7 +1,9 @@
 #!/bin/sh
 # Builds the qv tool and runs it on the sample data shipped in data/:
 # shows a SAF file's header and data offset, changes a tag in place, reads a
-# date text, and integrates a blackbody over a sensor response and an atmosphere.
+# date text, integrates a blackbody over a sensor response and an atmosphere,
+# and builds a radiometric calibration from measured points: its polynomials,
+# range and lookup, then counts converted to temperatures beside the truth.
 set -eu
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" = 0 ]; then ./scripts/setup.sh; fi
@@ -33,3 +35,7 @@ echo "== qv band data/NelisW__pyradi__pyradi__data__MWIRsensor.txt 35"
 echo
 echo "== qv band data/NelisW__pyradi__pyradi__data__tape7-02.table 35"
 "$qv" band data/NelisW__pyradi__pyradi__data__tape7-02.table 35
+echo
+echo "== qv cal data/cal_points.csv MWIRsensor.txt tape7-02.table data/cal_counts.csv"
+"$qv" cal data/cal_points.csv data/NelisW__pyradi__pyradi__data__MWIRsensor.txt \
+    data/NelisW__pyradi__pyradi__data__tape7-02.table data/cal_counts.csv

@@ -182,7 +182,8 @@ public:
         }
         if (n > count - i) n = count - i;
         DestructRange(i, i + n);
-        std::memmove(static_cast<void *>(data + i), data + i + n, size_t(count - i - n) * sizeof(T));
+        std::memmove(static_cast<void *>(data + i), static_cast<void const *>(data + i + n),
+                     size_t(count - i - n) * sizeof(T));
         count -= n;
         return true;
     }
@@ -220,7 +221,7 @@ public:
         if (top == UINT32_MAX || !ImplicitAddition(top + 1)) return false;
         alignas(T) unsigned char saved[sizeof(T)];
         std::memcpy(saved, static_cast<void *>(data + a), sizeof(T));
-        std::memcpy(static_cast<void *>(data + a), data + b, sizeof(T));
+        std::memcpy(static_cast<void *>(data + a), static_cast<void const *>(data + b), sizeof(T));
         std::memcpy(static_cast<void *>(data + b), saved, sizeof(T));
         return true;
     }
@@ -231,9 +232,11 @@ public:
         alignas(T) unsigned char saved[sizeof(T)];
         std::memcpy(saved, static_cast<void *>(data + from), sizeof(T));
         if (from < to)
-            std::memmove(static_cast<void *>(data + from), data + from + 1, size_t(to - from) * sizeof(T));
+            std::memmove(static_cast<void *>(data + from), static_cast<void const *>(data + from + 1),
+                         size_t(to - from) * sizeof(T));
         else
-            std::memmove(static_cast<void *>(data + to + 1), data + to, size_t(from - to) * sizeof(T));
+            std::memmove(static_cast<void *>(data + to + 1), static_cast<void const *>(data + to),
+                         size_t(from - to) * sizeof(T));
         std::memcpy(static_cast<void *>(data + to), saved, sizeof(T));
         return true;
     }
@@ -293,7 +296,8 @@ private:
     // Makes room for n items at i < count, moving the tail up as raw bytes.
     bool OpenGap(uint32_t i, uint32_t n) {
         if (n > UINT32_MAX - count || !Dimension(count + n)) return false;
-        std::memmove(static_cast<void *>(data + i + n), data + i, size_t(count - i) * sizeof(T));
+        std::memmove(static_cast<void *>(data + i + n), static_cast<void const *>(data + i),
+                     size_t(count - i) * sizeof(T));
         count += n;
         return true;
     }
@@ -364,7 +368,7 @@ public:
         if (this->capacity) {
             void *block = Base::Alloc(size_t(this->capacity) * sizeof(T));
             if (!block) return false;
-            std::memcpy(block, this->data, size_t(this->count) * sizeof(T));
+            std::memcpy(block, static_cast<void const *>(this->data), size_t(this->count) * sizeof(T));
             target.data = static_cast<T *>(block);
         }
         target.capacity = this->capacity;

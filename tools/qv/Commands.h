@@ -47,5 +47,6 @@ int RunSafShow(char *const *args);
 int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
+int RunCal(char *const *args);
 
 } // namespace qvtool

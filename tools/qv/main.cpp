@@ -14,6 +14,8 @@ Command const kCommands[] = {
     {"saf show", "FILE", "print the tags of a SAF file, their count and the data offset", RunSafShow},
     {"saf set", "FILE NAME VALUE", "change or add a tag in place and tell whether the data moved", RunSafSet},
     {"band", "FILE CELSIUS", "band, points and blackbody in-band radiance of a response or MODTRAN table", RunBand},
+    {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
+     "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
 };
 
