@@ -11,11 +11,13 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 cmake --build "$build" -j2
 ctest --test-dir "$build" -j2 --output-on-failure
 
-# Thread code runs once more under ThreadSanitizer.
+# Thread code (the thread tests and the directory monitor) runs once more
+# under ThreadSanitizer.
 tsan=${QV_TSAN_BUILD_DIR:-build/tsan}
 cmake -S . -B "$tsan" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQV_SANITIZE=thread -DQV_WERROR=ON
-cmake --build "$tsan" -j2 --target test_threads
+cmake --build "$tsan" -j2 --target test_threads test_filesystems
 # ThreadSanitizer cannot see lock operations made by another process on
 # shared memory, so the cross-process cases run only in the build above.
 "$tsan/tests/test_threads" --gtest_filter='-*AcrossProcesses'
+"$tsan/tests/test_filesystems" --gtest_filter='DirectoryMonitor*'
 
