@@ -1,97 +1,106 @@
-// Uncontended lock and unlock: CCriticalSection against std::mutex,
-// CSemaphore against a std::mutex-guarded counter, CRWLock (read and write)
-// against std::shared_mutex. The qv locks carry more bookkeeping (recursion,
-// per-thread reader lists, an order queue); the goal is to stay within a
-// small factor of the standard ones.
+// Uncontended lock and unlock, each qv lock against its standard reference in
+// the same run: CCriticalSection against std::mutex, CSemaphore against a
+// std::mutex-guarded counter, CRWLock (read and write) against
+// std::shared_mutex (shared and exclusive). The qv locks carry more
+// bookkeeping (recursion, per-thread reader lists, an order queue); the goal
+// is to stay within a small factor of the standard ones.
 #include <benchmark/benchmark.h>
 
 #include <mutex>
 #include <shared_mutex>
 
+#include "PairedTiming.h"
 #include "qv/threads/CriticalSection.h"
 #include "qv/threads/RWLock.h"
 #include "qv/threads/Semaphore.h"
 
 namespace {
 
+// Rounds per timed op: one round alone is below the clock's resolution.
+constexpr int kRounds = 1000;
+
+template <class Round> auto Rounds(Round round) {
+    return [round]() mutable {
+        for (int i = 0; i < kRounds; ++i)
+            round();
+    };
+}
+
+template <class QvRound, class ReferenceRound>
+void RunRounds(benchmark::State &state, char const *ratioName, QvRound qvRound, ReferenceRound referenceRound) {
+    bench::RunPaired(state, ratioName, kRounds, Rounds(qvRound), Rounds(referenceRound));
+}
+
 void BM_CriticalSection(benchmark::State &state) {
     qv::CCriticalSection section;
-    for (auto _ : state) {
-        section.Enter();
-        section.Leave();
-    }
-}
-BENCHMARK(BM_CriticalSection);
-
-void BM_StdMutex(benchmark::State &state) {
     std::mutex mutex;
-    for (auto _ : state) {
-        mutex.lock();
-        mutex.unlock();
-    }
+    RunRounds(
+        state, "ratio_vs_std_mutex",
+        [&] {
+            section.Enter();
+            section.Leave();
+        },
+        [&] {
+            mutex.lock();
+            mutex.unlock();
+        });
 }
-BENCHMARK(BM_StdMutex);
+BENCHMARK(BM_CriticalSection)->UseManualTime();
 
 void BM_Semaphore(benchmark::State &state) {
     qv::CSemaphore semaphore(4);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(semaphore.Acquire(1, 0));
-        semaphore.Release(1);
-    }
-}
-BENCHMARK(BM_Semaphore);
-
-void BM_StdMutexCounter(benchmark::State &state) {
     std::mutex mutex;
     int count = 4;
-    for (auto _ : state) {
-        {
-            std::lock_guard<std::mutex> lock(mutex);
-            --count;
-        }
-        {
-            std::lock_guard<std::mutex> lock(mutex);
-            ++count;
-        }
-        benchmark::DoNotOptimize(count);
-    }
+    RunRounds(
+        state, "ratio_vs_mutex_counter",
+        [&] {
+            benchmark::DoNotOptimize(semaphore.Acquire(1, 0));
+            semaphore.Release(1);
+        },
+        [&] {
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                --count;
+            }
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                ++count;
+            }
+            benchmark::DoNotOptimize(count);
+        });
 }
-BENCHMARK(BM_StdMutexCounter);
+BENCHMARK(BM_Semaphore)->UseManualTime();
 
 void BM_RWLockRead(benchmark::State &state) {
     qv::CRWLock lock;
-    for (auto _ : state) {
-        lock.ReadLock();
-        lock.ReadUnlock();
-    }
+    std::shared_mutex mutex;
+    RunRounds(
+        state, "ratio_vs_shared_mutex",
+        [&] {
+            lock.ReadLock();
+            lock.ReadUnlock();
+        },
+        [&] {
+            mutex.lock_shared();
+            mutex.unlock_shared();
+        });
 }
-BENCHMARK(BM_RWLockRead);
+BENCHMARK(BM_RWLockRead)->UseManualTime();
 
 void BM_RWLockWrite(benchmark::State &state) {
     qv::CRWLock lock;
-    for (auto _ : state) {
-        lock.WriteLock();
-        lock.WriteUnlock();
-    }
-}
-BENCHMARK(BM_RWLockWrite);
-
-void BM_StdSharedMutexRead(benchmark::State &state) {
     std::shared_mutex mutex;
-    for (auto _ : state) {
-        mutex.lock_shared();
-        mutex.unlock_shared();
-    }
+    RunRounds(
+        state, "ratio_vs_shared_mutex",
+        [&] {
+            lock.WriteLock();
+            lock.WriteUnlock();
+        },
+        [&] {
+            mutex.lock();
+            mutex.unlock();
+        });
 }
-BENCHMARK(BM_StdSharedMutexRead);
-
-void BM_StdSharedMutexWrite(benchmark::State &state) {
-    std::shared_mutex mutex;
-    for (auto _ : state) {
-        mutex.lock();
-        mutex.unlock();
-    }
-}
-BENCHMARK(BM_StdSharedMutexWrite);
+BENCHMARK(BM_RWLockWrite)->UseManualTime();
 
 } // namespace
