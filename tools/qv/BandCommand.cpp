@@ -10,6 +10,7 @@
 // the first and last sample above half the peak, resampled onto an axis no
 // coarser than 0.01 micron, and integrated with the blackbody there. A
 // response whose axis falls is turned around first.
+#include <cmath>
 #include <cstdio>
 
 #include "Commands.h"
@@ -81,10 +82,12 @@ int ShowAtmosphere(char const *name, TArray<double> &x, TArray<double> &transmis
     return 0;
 }
 
+// A finite temperature at or above absolute zero; anything else has no
+// radiance to show.
 bool ParseCelsius(char const *text, double &celsius) {
     char const *end = nullptr;
     celsius = qv::c_strtod(text, &end);
-    return end != text && *end == '\0';
+    return end != text && *end == '\0' && std::isfinite(celsius) && celsius >= -273.15;
 }
 
 } // namespace
@@ -93,7 +96,7 @@ int RunBand(char *const *args) {
     char const *name = args[0];
     double celsius = 0;
     if (!ParseCelsius(args[1], celsius)) {
-        std::fprintf(stderr, "usage: qv band FILE CELSIUS (CELSIUS is a number, such as 25 or -10.5)\n");
+        std::fprintf(stderr, "usage: qv band FILE CELSIUS (CELSIUS is a number from -273.15 up, such as 25 or -10.5)\n");
         return kExitUsage;
     }
     qv::CString path(name);

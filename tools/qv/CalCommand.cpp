@@ -102,6 +102,11 @@ void PrintPage(qv::CRCalFile &cal, int page) {
                 p.Range.getMinCounts(), p.Range.getMaxCounts(), p.Range.getMinRadiance(), p.Range.getMaxRadiance(),
                 p.Range.getMinTemperature(), p.Range.getMaxTemperature());
     int n = p.Lookup.getCount();
+    if (n == 0) {
+        // The library refuses a lookup whose span and step would be huge.
+        std::printf("  lookup: empty (its span and step give no usable table), so no temperatures\n");
+        return;
+    }
     std::printf("  lookup: %d entries, %g to %g C (step %g wished, %.6g made), radiance %.6e to %.6e\n", n,
                 p.Lookup.Y[0], p.Lookup.Y[n - 1], p.Lookup.getDelta(), n > 1 ? p.Lookup.Y[1] - p.Lookup.Y[0] : 0.0,
                 p.Lookup.X[0], p.Lookup.X[n - 1]);
