@@ -1,8 +1,9 @@
-// OS side: copy_file_range between two disk file descriptors.
+// OS side: copying between two disk file descriptors inside the kernel.
 #include "qv/platform/DiskFileCopy.h"
 
 #include <cerrno>
-#include <unistd.h>
+
+#include "qv/platform/Syscalls.h"
 
 namespace qv {
 
@@ -21,12 +22,11 @@ bool IsUnsupported(int error) {
 DiskCopyResult CopyDiskFileRange(intptr_t from, intptr_t to, uint32_t n) {
     uint32_t moved = 0;
     while (moved < n) {
-        ssize_t step = ::copy_file_range(int(from), nullptr, int(to), nullptr, n - moved, 0);
+        ssize_t step = SysCopyFileRange(int(from), int(to), n - moved);
         if (step > 0) {
             moved += uint32_t(step);
             continue;
         }
-        if (step == -1 && errno == EINTR) continue;
         if (step == -1 && moved == 0 && IsUnsupported(errno)) return {false, 0};
         break;
     }

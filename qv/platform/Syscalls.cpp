@@ -20,10 +20,13 @@ int FlagsDefault(int fd, int cmd, int arg) {
 int DupDefault(int fd) {
     return ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
 }
+ssize_t CopyFileRangeDefault(int in, int out, size_t n) {
+    return ::copy_file_range(in, nullptr, out, nullptr, n, 0);
+}
 
 constexpr SyscallTable kSystem{
-    &OpenDefault, &::close,     &::read,       &::write, &::lseek,  &::ftruncate,
-    &::fsync,     &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault,
+    &OpenDefault, &::close,      &::read,  &::write,  &::lseek,    &::ftruncate,          &::fsync,
+    &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault, &CopyFileRangeDefault,
 };
 
 SyscallTable table = kSystem;
@@ -83,6 +86,9 @@ int SysUnlink(char const *path) {
 }
 int SysDup(int fd) {
     return Retry([&] { return table.dup(fd); });
+}
+ssize_t SysCopyFileRange(int in, int out, size_t n) {
+    return Retry([&] { return table.copyFileRange(in, out, n); });
 }
 
 } // namespace qv

@@ -34,6 +34,8 @@ struct SyscallTable {
     int (*fstat)(int fd, struct stat *st);
     int (*unlink)(char const *path);
     int (*dup)(int fd); // the default returns a close-on-exec duplicate
+    // copy_file_range from the current offset of in to that of out.
+    ssize_t (*copyFileRange)(int in, int out, size_t n);
 };
 
 // The live table; tests replace entries and call ResetSyscalls() after.
@@ -54,5 +56,6 @@ int SysSetFlags(int fd, int flags);
 int SysFstat(int fd, struct stat *st);
 int SysUnlink(char const *path);
 int SysDup(int fd);
+ssize_t SysCopyFileRange(int in, int out, size_t n);
 
 } // namespace qv
