@@ -60,7 +60,8 @@ public:
             Put(text, n);
         } else {
             size_t fits = count < room ? std::min(n, room - count) : 0;
-            for (size_t i = 0; i < fits; ++i) buf[count + i] = Char(static_cast<unsigned char>(text[i]));
+            for (size_t i = 0; i < fits; ++i)
+                buf[count + i] = Char(static_cast<unsigned char>(text[i]));
             count += n;
         }
     }
@@ -75,7 +76,7 @@ private:
     size_t count = 0;
 };
 
-struct FormatSpec {
+struct FormatDirective {
     bool left = false, plus = false, space = false, alt = false, zero = false;
     bool widthArg = false, precisionArg = false;
     int width = 0;
@@ -93,11 +94,17 @@ inline bool IsFloatConversion(char c) {
 
 inline bool SizeFits(ArgSize size, char conversion) {
     switch (conversion) {
-    case 'n': return true;
-    case 'p': return size == ArgSize::None;
-    case 'c': case 'C': case 's': case 'S':
+    case 'n':
+        return true;
+    case 'p':
+        return size == ArgSize::None;
+    case 'c':
+    case 'C':
+    case 's':
+    case 'S':
         return size == ArgSize::None || size == ArgSize::Short || size == ArgSize::Long || size == ArgSize::Wide;
-    default: break;
+    default:
+        break;
     }
     if (IsIntegerConversion(conversion)) return size != ArgSize::LongDouble && size != ArgSize::Wide;
     if (IsFloatConversion(conversion))
@@ -107,27 +114,38 @@ inline bool SizeFits(ArgSize size, char conversion) {
 
 // p points past the '%'. Returns the position after the directive; a
 // directive cut short by the end of the format ends at the terminator.
-template <class Char> Char const *ParseSpec(Char const *p, FormatSpec &spec) {
-    if (*p == '%') return spec.conversion = '%', p + 1;
+template <class Char> Char const *ParseDirective(Char const *p, FormatDirective &directive) {
+    if (*p == '%') return directive.conversion = '%', p + 1;
     for (;; ++p) {
-        if (*p == '-') spec.left = true;
-        else if (*p == '+') spec.plus = true;
-        else if (*p == ' ') spec.space = true;
-        else if (*p == '#') spec.alt = true;
-        else if (*p == '0') spec.zero = true;
-        else break;
+        if (*p == '-')
+            directive.left = true;
+        else if (*p == '+')
+            directive.plus = true;
+        else if (*p == ' ')
+            directive.space = true;
+        else if (*p == '#')
+            directive.alt = true;
+        else if (*p == '0')
+            directive.zero = true;
+        else
+            break;
     }
-    if (*p == '*') spec.widthArg = true, ++p;
-    else p = ParseCount(p, spec.width);
+    if (*p == '*')
+        directive.widthArg = true, ++p;
+    else
+        p = ParseCount(p, directive.width);
     if (*p == '.') {
         ++p;
-        if (*p == '*') spec.precisionArg = true, ++p;
-        else p = ParseCount(p, spec.precision);
+        if (*p == '*')
+            directive.precisionArg = true, ++p;
+        else
+            p = ParseCount(p, directive.precision);
     }
-    p = ParseArgSize(p, spec.size);
+    p = ParseArgSize(p, directive.size);
     if (!*p) return p;
     auto c = static_cast<std::make_unsigned_t<Char>>(*p++);
-    if (c < 0x80 && std::strchr("diuoxXeEfFgGaAcCsSpn", int(c)) && SizeFits(spec.size, char(c))) spec.conversion = char(c);
+    if (c < 0x80 && std::strchr("diuoxXeEfFgGaAcCsSpn", int(c)) && SizeFits(directive.size, char(c)))
+        directive.conversion = char(c);
     return p;
 }
 
@@ -146,46 +164,52 @@ struct NumberParts {
     void AddPrefix(char c) { prefix[prefixLength++] = c; }
 };
 
-template <class Char> void PutPadded(FormatOutput<Char> &out, FormatSpec const &spec, NumberParts const &parts) {
-    size_t length = parts.prefixLength + parts.leadingZeros + parts.bodyLength + parts.trailingZeros + parts.suffixLength;
-    size_t padding = size_t(spec.width) > length ? size_t(spec.width) - length : 0;
-    bool zeros = spec.zero && !spec.left && parts.zeroPadding;
-    if (!spec.left && !zeros) out.Fill(' ', padding);
+template <class Char>
+void PutPadded(FormatOutput<Char> &out, FormatDirective const &directive, NumberParts const &parts) {
+    size_t length =
+        parts.prefixLength + parts.leadingZeros + parts.bodyLength + parts.trailingZeros + parts.suffixLength;
+    size_t padding = size_t(directive.width) > length ? size_t(directive.width) - length : 0;
+    bool zeros = directive.zero && !directive.left && parts.zeroPadding;
+    if (!directive.left && !zeros) out.Fill(' ', padding);
     out.PutAscii(parts.prefix, parts.prefixLength);
     out.Fill('0', parts.leadingZeros + (zeros ? padding : 0));
     out.PutAscii(parts.body, parts.bodyLength);
     out.Fill('0', parts.trailingZeros);
     out.PutAscii(parts.suffix, parts.suffixLength);
-    if (spec.left) out.Fill(' ', padding);
+    if (directive.left) out.Fill(' ', padding);
 }
 
-inline void AddSign(NumberParts &parts, FormatSpec const &spec, bool negative) {
-    if (negative) parts.AddPrefix('-');
-    else if (spec.plus) parts.AddPrefix('+');
-    else if (spec.space) parts.AddPrefix(' ');
+inline void AddSign(NumberParts &parts, FormatDirective const &directive, bool negative) {
+    if (negative)
+        parts.AddPrefix('-');
+    else if (directive.plus)
+        parts.AddPrefix('+');
+    else if (directive.space)
+        parts.AddPrefix(' ');
 }
 
 template <class Char>
-void PutInteger(FormatOutput<Char> &out, FormatSpec spec, uint64_t magnitude, bool negative, bool isSigned) {
-    char c = spec.conversion;
+void PutInteger(FormatOutput<Char> &out, FormatDirective directive, uint64_t magnitude, bool negative, bool isSigned) {
+    char c = directive.conversion;
     unsigned base = c == 'o' ? 8 : (c == 'x' || c == 'X' || c == 'p') ? 16 : 10;
     char const *digitChars = (c == 'x') ? "0123456789abcdef" : "0123456789ABCDEF";
     char digits[24];
     char *end = digits + sizeof digits, *first = end;
-    if (magnitude || spec.precision != 0)
-        do *--first = digitChars[magnitude % base];
+    if (magnitude || directive.precision != 0) do
+            *--first = digitChars[magnitude % base];
         while (magnitude /= base);
     NumberParts parts;
     parts.body = first;
     parts.bodyLength = size_t(end - first);
-    if (isSigned) AddSign(parts, spec, negative);
+    if (isSigned) AddSign(parts, directive, negative);
     // The designed runtime prefixes 0x for %#x even when the value is 0.
-    if (spec.alt && base == 16) parts.AddPrefix('0'), parts.AddPrefix(c == 'x' ? 'x' : 'X');
-    if (spec.precision > 0 && size_t(spec.precision) > parts.bodyLength)
-        parts.leadingZeros = size_t(spec.precision) - parts.bodyLength;
-    if (spec.alt && base == 8 && !parts.leadingZeros && (!parts.bodyLength || *first != '0')) parts.leadingZeros = 1;
-    if (spec.precision >= 0) spec.zero = false; // a precision turns the 0 flag off
-    PutPadded(out, spec, parts);
+    if (directive.alt && base == 16) parts.AddPrefix('0'), parts.AddPrefix(c == 'x' ? 'x' : 'X');
+    if (directive.precision > 0 && size_t(directive.precision) > parts.bodyLength)
+        parts.leadingZeros = size_t(directive.precision) - parts.bodyLength;
+    if (directive.alt && base == 8 && !parts.leadingZeros && (!parts.bodyLength || *first != '0'))
+        parts.leadingZeros = 1;
+    if (directive.precision >= 0) directive.zero = false; // a precision turns the 0 flag off
+    PutPadded(out, directive, parts);
 }
 
 // Exact decimal expansions of a double have at most 1074 fraction digits and
@@ -253,7 +277,8 @@ inline void HexDigits(FloatText &text, double value, int precision, bool upper) 
 inline void StripFractionZeros(NumberParts &parts) {
     parts.trailingZeros = 0;
     if (!std::memchr(parts.body, '.', parts.bodyLength)) return;
-    while (parts.body[parts.bodyLength - 1] == '0') --parts.bodyLength;
+    while (parts.body[parts.bodyLength - 1] == '0')
+        --parts.bodyLength;
     if (parts.body[parts.bodyLength - 1] == '.') --parts.bodyLength;
 }
 
@@ -274,32 +299,41 @@ inline void ForcePoint(NumberParts &parts, char *body) {
     body[parts.bodyLength++] = '.';
 }
 
-template <class Char> void PutFloat(FormatOutput<Char> &out, FormatSpec const &spec, double value) {
-    char c = spec.conversion;
+template <class Char> void PutFloat(FormatOutput<Char> &out, FormatDirective const &directive, double value) {
+    char c = directive.conversion;
     bool upper = c == 'E' || c == 'F' || c == 'G' || c == 'A';
     FloatText text;
     NumberParts &parts = text.parts;
-    AddSign(parts, spec, std::signbit(value) && !std::isnan(value));
+    AddSign(parts, directive, std::signbit(value) && !std::isnan(value));
     if (!std::isfinite(value)) {
         parts.body = std::isnan(value) ? (upper ? "NAN" : "nan") : (upper ? "INF" : "inf");
         parts.bodyLength = 3;
         parts.zeroPadding = false;
-        PutPadded(out, spec, parts);
+        PutPadded(out, directive, parts);
         return;
     }
     double magnitude = std::fabs(value);
     char e = upper ? 'E' : 'e';
     switch (c) {
-    case 'f': case 'F': FixedDigits(text, magnitude, spec.precision < 0 ? 6 : spec.precision); break;
-    case 'e': case 'E': ScientificDigits(text, magnitude, spec.precision < 0 ? 6 : spec.precision, e); break;
-    case 'g': case 'G': GeneralDigits(text, magnitude, spec.precision < 0 ? 6 : spec.precision, spec.alt, e); break;
+    case 'f':
+    case 'F':
+        FixedDigits(text, magnitude, directive.precision < 0 ? 6 : directive.precision);
+        break;
+    case 'e':
+    case 'E':
+        ScientificDigits(text, magnitude, directive.precision < 0 ? 6 : directive.precision, e);
+        break;
+    case 'g':
+    case 'G':
+        GeneralDigits(text, magnitude, directive.precision < 0 ? 6 : directive.precision, directive.alt, e);
+        break;
     default: // a, A: 13 hex digits unless a precision is given, as the designed runtime prints
         parts.AddPrefix('0'), parts.AddPrefix(upper ? 'X' : 'x');
-        HexDigits(text, magnitude, spec.precision < 0 ? 13 : spec.precision, upper);
+        HexDigits(text, magnitude, directive.precision < 0 ? 13 : directive.precision, upper);
         break;
     }
-    if (spec.alt) ForcePoint(parts, text.body);
-    PutPadded(out, spec, parts);
+    if (directive.alt) ForcePoint(parts, text.body);
+    PutPadded(out, directive, parts);
 }
 
 // Text of one unit type into another, one whole code point at a time, at
@@ -308,12 +342,16 @@ template <class Char, class Src, class Emit> size_t Transcode(Src const *s, size
     size_t count = 0;
     while (count < limit && *s) {
         Decoded d;
-        if constexpr (std::is_same_v<Src, char>) d = DecodeUtf8(reinterpret_cast<unsigned char const *>(s), SIZE_MAX);
-        else d = DecodeUtf16(s, SIZE_MAX);
+        if constexpr (std::is_same_v<Src, char>)
+            d = DecodeUtf8(reinterpret_cast<unsigned char const *>(s), SIZE_MAX);
+        else
+            d = DecodeUtf16(s, SIZE_MAX);
         Char units[4];
         size_t n;
-        if constexpr (std::is_same_v<Char, char>) n = EncodeUtf8(d.codePoint, units);
-        else n = EncodeUtf16(d.codePoint, units);
+        if constexpr (std::is_same_v<Char, char>)
+            n = EncodeUtf8(d.codePoint, units);
+        else
+            n = EncodeUtf16(d.codePoint, units);
         if (count + n > limit) break;
         emit(units, n);
         count += n;
@@ -322,115 +360,148 @@ template <class Char, class Src, class Emit> size_t Transcode(Src const *s, size
     return count;
 }
 
-template <class Char> void PadText(FormatOutput<Char> &out, FormatSpec const &spec, size_t length, bool before) {
-    if (size_t(spec.width) <= length || spec.left == before) return;
+template <class Char>
+void PadText(FormatOutput<Char> &out, FormatDirective const &directive, size_t length, bool before) {
+    if (size_t(directive.width) <= length || directive.left == before) return;
     // The designed runtime pads text with zeros too when the 0 flag is given.
-    out.Fill(spec.zero && !spec.left ? Char('0') : Char(' '), size_t(spec.width) - length);
+    out.Fill(directive.zero && !directive.left ? Char('0') : Char(' '), size_t(directive.width) - length);
 }
 
-template <class Char, class Src> void PutText(FormatOutput<Char> &out, FormatSpec const &spec, Src const *s) {
+template <class Char, class Src> void PutText(FormatOutput<Char> &out, FormatDirective const &directive, Src const *s) {
     static constexpr Src kNull[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
     if (!s) s = kNull;
-    size_t limit = spec.precision < 0 ? SIZE_MAX : size_t(spec.precision);
+    size_t limit = directive.precision < 0 ? SIZE_MAX : size_t(directive.precision);
     if constexpr (std::is_same_v<Char, Src>) {
         size_t length = 0;
-        while (length < limit && s[length]) ++length;
-        PadText(out, spec, length, true);
+        while (length < limit && s[length])
+            ++length;
+        PadText(out, directive, length, true);
         out.Put(s, length);
-        PadText(out, spec, length, false);
+        PadText(out, directive, length, false);
     } else {
         size_t length = Transcode<Char>(s, limit, [](Char const *, size_t) {});
-        PadText(out, spec, length, true);
+        PadText(out, directive, length, true);
         Transcode<Char>(s, limit, [&](Char const *units, size_t n) { out.Put(units, n); });
-        PadText(out, spec, length, false);
+        PadText(out, directive, length, false);
     }
 }
 
-template <class Char, class Src> void PutCharacter(FormatOutput<Char> &out, FormatSpec const &spec, Src unit) {
+template <class Char, class Src>
+void PutCharacter(FormatOutput<Char> &out, FormatDirective const &directive, Src unit) {
     Char units[4];
     size_t n = 1;
     if constexpr (std::is_same_v<Char, Src>) {
         units[0] = unit;
     } else {
         Decoded d;
-        if constexpr (std::is_same_v<Src, char>) d = DecodeUtf8(reinterpret_cast<unsigned char const *>(&unit), 1);
-        else d = DecodeUtf16(&unit, 1);
-        if constexpr (std::is_same_v<Char, char>) n = EncodeUtf8(d.codePoint, units);
-        else n = EncodeUtf16(d.codePoint, units);
+        if constexpr (std::is_same_v<Src, char>)
+            d = DecodeUtf8(reinterpret_cast<unsigned char const *>(&unit), 1);
+        else
+            d = DecodeUtf16(&unit, 1);
+        if constexpr (std::is_same_v<Char, char>)
+            n = EncodeUtf8(d.codePoint, units);
+        else
+            n = EncodeUtf16(d.codePoint, units);
     }
-    PadText(out, spec, n, true);
+    PadText(out, directive, n, true);
     out.Put(units, n);
-    PadText(out, spec, n, false);
+    PadText(out, directive, n, false);
 }
 
-// Whether %s/%c of this spec takes wide text: l and w say wide, h narrow,
+// Whether %s/%c of this directive takes wide text: l and w say wide, h narrow,
 // otherwise the lower-case letter is the format's own kind.
-template <class Char> bool TakesWide(FormatSpec const &spec) {
-    if (spec.size == ArgSize::Long || spec.size == ArgSize::Wide) return true;
-    if (spec.size == ArgSize::Short) return false;
-    bool own = spec.conversion == 's' || spec.conversion == 'c';
+template <class Char> bool TakesWide(FormatDirective const &directive) {
+    if (directive.size == ArgSize::Long || directive.size == ArgSize::Wide) return true;
+    if (directive.size == ArgSize::Short) return false;
+    bool own = directive.conversion == 's' || directive.conversion == 'c';
     return own == std::is_same_v<Char, char16_t>;
 }
 
 template <class Args> uint64_t ReadUnsigned(ArgSize size, Args &args) {
     switch (size) {
-    case ArgSize::Char: return uint8_t(args.Int32());
-    case ArgSize::Short: return uint16_t(args.Int32());
-    case ArgSize::LongLong: case ArgSize::Int64: case ArgSize::SizeT: return uint64_t(args.Int64());
-    default: return uint32_t(args.Int32());
+    case ArgSize::Char:
+        return uint8_t(args.Int32());
+    case ArgSize::Short:
+        return uint16_t(args.Int32());
+    case ArgSize::LongLong:
+    case ArgSize::Int64:
+    case ArgSize::SizeT:
+        return uint64_t(args.Int64());
+    default:
+        return uint32_t(args.Int32());
     }
 }
 
 template <class Args> int64_t ReadSigned(ArgSize size, Args &args) {
     switch (size) {
-    case ArgSize::Char: return int8_t(args.Int32());
-    case ArgSize::Short: return int16_t(args.Int32());
-    case ArgSize::LongLong: case ArgSize::Int64: case ArgSize::SizeT: return args.Int64();
-    default: return args.Int32();
+    case ArgSize::Char:
+        return int8_t(args.Int32());
+    case ArgSize::Short:
+        return int16_t(args.Int32());
+    case ArgSize::LongLong:
+    case ArgSize::Int64:
+    case ArgSize::SizeT:
+        return args.Int64();
+    default:
+        return args.Int32();
     }
 }
 
-template <class Args> void ReadStars(FormatSpec &spec, Args &args) {
-    if (spec.widthArg) {
+template <class Args> void ReadStars(FormatDirective &directive, Args &args) {
+    if (directive.widthArg) {
         int width = args.Int32();
-        if (width < 0) spec.left = true, width = width == INT_MIN ? INT_MAX : -width;
-        spec.width = width;
+        if (width < 0) directive.left = true, width = width == INT_MIN ? INT_MAX : -width;
+        directive.width = width;
     }
-    if (spec.precisionArg) {
+    if (directive.precisionArg) {
         int precision = args.Int32();
-        spec.precision = precision < 0 ? -1 : precision;
+        directive.precision = precision < 0 ? -1 : precision;
     }
 }
 
-template <class Char, class Args> void Convert(FormatOutput<Char> &out, FormatSpec spec, Args &args) {
-    char c = spec.conversion;
+template <class Char, class Args> void Convert(FormatOutput<Char> &out, FormatDirective directive, Args &args) {
+    char c = directive.conversion;
     switch (c) {
-    case '%': out.Put(Char('%')); return;
-    case 'n': args.Pointer(); return; // never writes through the pointer
+    case '%':
+        out.Put(Char('%'));
+        return;
+    case 'n':
+        args.Pointer();
+        return; // never writes through the pointer
     case 'p': {
-        spec.precision = int(2 * sizeof(void *)); // full width, upper-case digits
+        directive.precision = int(2 * sizeof(void *)); // full width, upper-case digits
         auto value = reinterpret_cast<uintptr_t>(args.Pointer());
-        PutInteger(out, spec, uint64_t(value), false, false);
+        PutInteger(out, directive, uint64_t(value), false, false);
         return;
     }
-    case 's': case 'S':
-        if (TakesWide<Char>(spec)) PutText(out, spec, args.WideText());
-        else PutText(out, spec, args.NarrowText());
+    case 's':
+    case 'S':
+        if (TakesWide<Char>(directive))
+            PutText(out, directive, args.WideText());
+        else
+            PutText(out, directive, args.NarrowText());
         return;
-    case 'c': case 'C':
-        if (TakesWide<Char>(spec)) PutCharacter(out, spec, char16_t(args.Int32()));
-        else PutCharacter(out, spec, char(args.Int32()));
+    case 'c':
+    case 'C':
+        if (TakesWide<Char>(directive))
+            PutCharacter(out, directive, char16_t(args.Int32()));
+        else
+            PutCharacter(out, directive, char(args.Int32()));
         return;
-    case 'd': case 'i': {
-        int64_t value = ReadSigned(spec.size, args);
+    case 'd':
+    case 'i': {
+        int64_t value = ReadSigned(directive.size, args);
         uint64_t magnitude = value < 0 ? 0 - uint64_t(value) : uint64_t(value);
-        PutInteger(out, spec, magnitude, value < 0, true);
+        PutInteger(out, directive, magnitude, value < 0, true);
         return;
     }
-    default: break;
+    default:
+        break;
     }
-    if (IsIntegerConversion(c)) PutInteger(out, spec, ReadUnsigned(spec.size, args), false, false);
-    else PutFloat(out, spec, args.Double());
+    if (IsIntegerConversion(c))
+        PutInteger(out, directive, ReadUnsigned(directive.size, args), false, false);
+    else
+        PutFloat(out, directive, args.Double());
 }
 
 // Formats into buf (size units with the terminator; buf may be null when
@@ -441,17 +512,18 @@ template <class Char, class Args> int FormatText(Char *buf, size_t size, Char co
     if (!fmt) return out.Terminate(), -1;
     while (*fmt) {
         Char const *percent = fmt;
-        while (*percent && *percent != '%') ++percent;
+        while (*percent && *percent != '%')
+            ++percent;
         out.Put(fmt, size_t(percent - fmt));
         if (!*percent) break;
-        FormatSpec spec;
-        fmt = ParseSpec(percent + 1, spec);
-        if (!spec.conversion) {
+        FormatDirective directive;
+        fmt = ParseDirective(percent + 1, directive);
+        if (!directive.conversion) {
             out.Put(percent, size_t(fmt - percent)); // unknown: prints as it stands
             continue;
         }
-        ReadStars(spec, args);
-        Convert(out, spec, args);
+        ReadStars(directive, args);
+        Convert(out, directive, args);
     }
     out.Terminate();
     return out.Count() > size_t(INT_MAX) ? -1 : int(out.Count());

@@ -47,7 +47,7 @@ template <class Char> bool IsNanCharacter(Char c) {
     return IsDigitUnit(c) || (lower >= 'a' && lower <= 'z') || c == '_';
 }
 
-template <class Char> ParsedNumber ParseSpecialDouble(BoundedText<Char> const &text, size_t i, bool negative) {
+template <class Char> ParsedNumber ParseNamedDouble(BoundedText<Char> const &text, size_t i, bool negative) {
     constexpr double kInf = std::numeric_limits<double>::infinity();
     if (size_t n = text.Match(i, "infinity")) return {negative ? -kInf : kInf, i + n};
     if (size_t n = text.Match(i, "inf")) return {negative ? -kInf : kInf, i + n};
@@ -94,7 +94,7 @@ template <class Char> ParsedNumber ParseDouble(Char const *s, size_t limit) {
     for (; IsDigitUnit(text[i]); ++i) take(text[i], false);
     if (text[i] == '.')
         for (++i; IsDigitUnit(text[i]); ++i) take(text[i], true);
-    if (!any) return ParseSpecialDouble(text, start, negative);
+    if (!any) return ParseNamedDouble(text, start, negative);
     if (AsciiLowerUnit(text[i]) == 'e') {
         size_t j = i + 1;
         bool down = text[j] == '-';

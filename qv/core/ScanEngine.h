@@ -39,7 +39,7 @@ inline bool IsScanSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-struct ScanSpec {
+struct ScanDirective {
     bool suppress = false;
     size_t width = SIZE_MAX; // none given
     ArgSize size = ArgSize::None;
@@ -52,14 +52,31 @@ inline bool IsIntegerSize(ArgSize size) {
 
 template <class Char> bool ScanSizeFits(ArgSize size, char conversion) {
     switch (conversion) {
-    case 'd': case 'i': case 'u': case 'o': case 'x': case 'X': case 'n': return IsIntegerSize(size);
-    case 'e': case 'E': case 'f': case 'F': case 'g': case 'G': case 'a': case 'A':
+    case 'd':
+    case 'i':
+    case 'u':
+    case 'o':
+    case 'x':
+    case 'X':
+    case 'n':
+        return IsIntegerSize(size);
+    case 'e':
+    case 'E':
+    case 'f':
+    case 'F':
+    case 'g':
+    case 'G':
+    case 'a':
+    case 'A':
         return size == ArgSize::None || size == ArgSize::Long || size == ArgSize::LongDouble;
-    case 'c': case 's': case '[':
+    case 'c':
+    case 's':
+    case '[':
         // Text is stored in the format's own unit type only.
         return size == ArgSize::None ||
                (std::is_same_v<Char, char16_t> && (size == ArgSize::Long || size == ArgSize::Wide));
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -72,7 +89,8 @@ public:
     int Run(Char const *fmt) {
         while (*fmt && !stopped) {
             if (IsScanSpace(*fmt)) {
-                while (IsScanSpace(*fmt)) ++fmt;
+                while (IsScanSpace(*fmt))
+                    ++fmt;
                 SkipSpace();
             } else if (*fmt != '%' || fmt[1] == '%') {
                 fmt += *fmt == '%' ? 2 : 1;
@@ -86,7 +104,8 @@ public:
 
 private:
     void SkipSpace() {
-        while (IsScanSpace(*in)) ++in;
+        while (IsScanSpace(*in))
+            ++in;
     }
     void Fail() { stopped = true; }
     // Whether input is left for a field; input ending here is an input failure.
@@ -98,8 +117,10 @@ private:
     }
     void MatchLiteral(Char c) {
         if (!HaveInput()) return;
-        if (*in == c) ++in;
-        else Fail();
+        if (*in == c)
+            ++in;
+        else
+            Fail();
     }
     void Completed(bool stored) {
         converted = true;
@@ -107,38 +128,65 @@ private:
     }
 
     Char const *Directive(Char const *fmt) {
-        ScanSpec spec;
-        if (*fmt == '*') spec.suppress = true, ++fmt;
+        ScanDirective directive;
+        if (*fmt == '*') directive.suppress = true, ++fmt;
         int width = 0;
         fmt = ParseCount(fmt, width);
-        if (width > 0) spec.width = size_t(width);
-        fmt = ParseArgSize(fmt, spec.size);
+        if (width > 0) directive.width = size_t(width);
+        fmt = ParseArgSize(fmt, directive.size);
         auto c = static_cast<std::make_unsigned_t<Char>>(*fmt);
-        if (!c || c >= 0x80 || !ScanSizeFits<Char>(spec.size, char(c))) {
+        if (!c || c >= 0x80 || !ScanSizeFits<Char>(directive.size, char(c))) {
             Fail(); // unknown directives end the scan
             return fmt;
         }
-        spec.conversion = char(c);
+        directive.conversion = char(c);
         ++fmt;
-        switch (spec.conversion) {
-        case 'n': StoreInteger(spec, uint64_t(in - start)); return fmt;
-        case 'c': ScanCharacters(spec); return fmt;
-        case 's': ScanWord(spec); return fmt;
-        case '[': return ScanSet(spec, fmt);
-        case 'e': case 'E': case 'f': case 'F': case 'g': case 'G': case 'a': case 'A': ScanFloat(spec); return fmt;
-        default: ScanInteger(spec); return fmt;
+        switch (directive.conversion) {
+        case 'n':
+            StoreInteger(directive, uint64_t(in - start));
+            return fmt;
+        case 'c':
+            ScanCharacters(directive);
+            return fmt;
+        case 's':
+            ScanWord(directive);
+            return fmt;
+        case '[':
+            return ScanSet(directive, fmt);
+        case 'e':
+        case 'E':
+        case 'f':
+        case 'F':
+        case 'g':
+        case 'G':
+        case 'a':
+        case 'A':
+            ScanFloat(directive);
+            return fmt;
+        default:
+            ScanInteger(directive);
+            return fmt;
         }
     }
 
-    void StoreInteger(ScanSpec const &spec, uint64_t value) {
-        if (spec.suppress) return;
-        switch (spec.size) {
-        case ArgSize::Char: *targets.template Next<int8_t>() = int8_t(value); break;
-        case ArgSize::Short: *targets.template Next<int16_t>() = int16_t(value); break;
-        case ArgSize::LongLong: case ArgSize::Int64: case ArgSize::SizeT: case ArgSize::LongDouble:
+    void StoreInteger(ScanDirective const &directive, uint64_t value) {
+        if (directive.suppress) return;
+        switch (directive.size) {
+        case ArgSize::Char:
+            *targets.template Next<int8_t>() = int8_t(value);
+            break;
+        case ArgSize::Short:
+            *targets.template Next<int16_t>() = int16_t(value);
+            break;
+        case ArgSize::LongLong:
+        case ArgSize::Int64:
+        case ArgSize::SizeT:
+        case ArgSize::LongDouble:
             *targets.template Next<int64_t>() = int64_t(value);
             break;
-        default: *targets.template Next<int32_t>() = int32_t(value); break; // int and the 32-bit long
+        default:
+            *targets.template Next<int32_t>() = int32_t(value);
+            break; // int and the 32-bit long
         }
     }
 
@@ -148,11 +196,11 @@ private:
         return lower >= 'a' && lower <= 'z' ? lower - 'a' + 10 : 99;
     }
 
-    void ScanInteger(ScanSpec const &spec) {
+    void ScanInteger(ScanDirective const &directive) {
         SkipSpace();
         if (!HaveInput()) return;
-        BoundedText<Char> text(in, spec.width);
-        char c = spec.conversion;
+        BoundedText<Char> text(in, directive.width);
+        char c = directive.conversion;
         unsigned base = c == 'o' ? 8 : (c == 'x' || c == 'X') ? 16 : c == 'i' ? 0 : 10;
         size_t i = 0;
         bool negative = text[0] == '-';
@@ -162,51 +210,57 @@ private:
         if (base == 0) base = text[i] == '0' ? 8 : 10;
         uint64_t value = 0;
         size_t first = i;
-        for (int d; (d = DigitValue(text[i])) < int(base); ++i) value = value * base + unsigned(d);
+        for (int d; (d = DigitValue(text[i])) < int(base); ++i)
+            value = value * base + unsigned(d);
         if (i == first) return Fail();
         in += i;
-        StoreInteger(spec, negative ? 0 - value : value);
-        Completed(!spec.suppress);
+        StoreInteger(directive, negative ? 0 - value : value);
+        Completed(!directive.suppress);
     }
 
-    void ScanFloat(ScanSpec const &spec) {
+    void ScanFloat(ScanDirective const &directive) {
         SkipSpace();
         if (!HaveInput()) return;
-        ParsedNumber number = ParseDouble(in, spec.width);
+        ParsedNumber number = ParseDouble(in, directive.width);
         if (!number.length) return Fail();
         in += number.length;
-        if (!spec.suppress) {
-            if (spec.size == ArgSize::None) *targets.template Next<float>() = float(number.value);
-            else *targets.template Next<double>() = number.value;
+        if (!directive.suppress) {
+            if (directive.size == ArgSize::None)
+                *targets.template Next<float>() = float(number.value);
+            else
+                *targets.template Next<double>() = number.value;
         }
-        Completed(!spec.suppress);
+        Completed(!directive.suppress);
     }
 
     // Copies n units of input to the next destination, terminated if asked.
-    void StoreText(ScanSpec const &spec, size_t n, bool terminate) {
-        if (!spec.suppress) {
+    void StoreText(ScanDirective const &directive, size_t n, bool terminate) {
+        if (!directive.suppress) {
             Char *out = targets.template Next<Char>();
-            for (size_t i = 0; i < n; ++i) out[i] = in[i];
+            for (size_t i = 0; i < n; ++i)
+                out[i] = in[i];
             if (terminate) out[n] = 0;
         }
         in += n;
-        Completed(!spec.suppress);
+        Completed(!directive.suppress);
     }
 
-    void ScanCharacters(ScanSpec const &spec) {
+    void ScanCharacters(ScanDirective const &directive) {
         if (!HaveInput()) return;
-        size_t width = spec.width == SIZE_MAX ? 1 : spec.width;
+        size_t width = directive.width == SIZE_MAX ? 1 : directive.width;
         size_t n = 0;
-        while (n < width && in[n]) ++n;
-        StoreText(spec, n, false);
+        while (n < width && in[n])
+            ++n;
+        StoreText(directive, n, false);
     }
 
-    void ScanWord(ScanSpec const &spec) {
+    void ScanWord(ScanDirective const &directive) {
         SkipSpace();
         if (!HaveInput()) return;
         size_t n = 0;
-        while (n < spec.width && in[n] && !IsScanSpace(in[n])) ++n;
-        StoreText(spec, n, true);
+        while (n < directive.width && in[n] && !IsScanSpace(in[n]))
+            ++n;
+        StoreText(directive, n, true);
     }
 
     // set points past the '[' (and '^'); a ']' right there is a member.
@@ -223,20 +277,24 @@ private:
         return false;
     }
 
-    Char const *ScanSet(ScanSpec const &spec, Char const *fmt) {
+    Char const *ScanSet(ScanDirective const &directive, Char const *fmt) {
         bool negate = *fmt == '^';
         Char const *set = fmt + negate;
         Char const *end = set + (*set == ']');
-        while (*end && *end != ']') ++end;
+        while (*end && *end != ']')
+            ++end;
         if (!*end) {
             Fail(); // no closing bracket: not a directive
             return end;
         }
         if (!HaveInput()) return end + 1;
         size_t n = 0;
-        while (n < spec.width && in[n] && InSet(set, end, in[n]) != negate) ++n;
-        if (!n) Fail();
-        else StoreText(spec, n, true);
+        while (n < directive.width && in[n] && InSet(set, end, in[n]) != negate)
+            ++n;
+        if (!n)
+            Fail();
+        else
+            StoreText(directive, n, true);
         return end + 1;
     }
 

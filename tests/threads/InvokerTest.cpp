@@ -16,25 +16,7 @@ namespace {
 
 using test::kLimitMs;
 
-// A call that runs a function and counts its own deletion.
-class Call : public IInvokable {
-public:
-    explicit Call(std::function<void()> body, std::atomic<int> *deleted = nullptr)
-        : body(std::move(body)), deleted(deleted) {}
-    ~Call() override {
-        if (deleted) ++*deleted;
-    }
-    void Invoke() override { body(); }
-    bool UsesHandler(void *target, CMethodId const &method) const override {
-        return target == this->target && method == this->method;
-    }
-    void *target = nullptr;
-    CMethodId method;
-
-private:
-    std::function<void()> body;
-    std::atomic<int> *deleted;
-};
+using test::Call;
 
 // The calling thread's id, as invokers give it.
 uint32_t GetCurrentThreadId() {

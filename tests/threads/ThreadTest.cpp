@@ -18,19 +18,7 @@ uint32_t CurrentId() {
     return directInvoker->GetThreadID();
 }
 
-class Call : public IInvokable {
-public:
-    explicit Call(std::function<void()> body, std::atomic<int> *deleted = nullptr)
-        : body(std::move(body)), deleted(deleted) {}
-    ~Call() override {
-        if (deleted) ++*deleted;
-    }
-    void Invoke() override { body(); }
-
-private:
-    std::function<void()> body;
-    std::atomic<int> *deleted;
-};
+using test::Call;
 
 class Worker : public CThread {
 public:

@@ -2,6 +2,7 @@
 // a test instead of hanging the run.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -9,6 +10,7 @@
 #include <type_traits>
 
 #include "qv/platform/Ticks.h"
+#include "qv/threads/Invokable.h"
 
 namespace qv::test {
 
@@ -69,6 +71,27 @@ public:
 
 private:
     uint32_t saved;
+};
+
+// A call that runs a function and counts its own deletion; target and method
+// say which handler it stands for.
+class Call : public IInvokable {
+public:
+    explicit Call(std::function<void()> body, std::atomic<int> *deleted = nullptr)
+        : body(std::move(body)), deleted(deleted) {}
+    ~Call() override {
+        if (deleted) ++*deleted;
+    }
+    void Invoke() override { body(); }
+    bool UsesHandler(void *target, CMethodId const &method) const override {
+        return target == this->target && method == this->method;
+    }
+    void *target = nullptr;
+    CMethodId method;
+
+private:
+    std::function<void()> body;
+    std::atomic<int> *deleted;
 };
 
 } // namespace qv::test
