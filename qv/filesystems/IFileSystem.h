@@ -24,7 +24,13 @@
 // copies one of its files to another of its paths itself (the protected
 // CopyFileW(srcPath, dstPath, ...)); kCapabilityCopyAcross, it copies to and
 // from other file systems and IFile objects itself (the other protected
-// forms). The library's own file systems answer 0.
+// forms); kCapabilityRename, RenameFileW works. The disk answers
+// kCapabilityRename; the base answers 0.
+//
+// Renaming (RenameFileW): moves the file at oldPath to newPath, replacing a
+// file there, in one step that leaves either the old or the new state, never
+// a mix. The base answers false. It is how whole-file saves stay atomic (see
+// qv/filesystems/AtomicSave.h).
 //
 // Copying (the static CopyFileW forms). The core form copies count bytes
 // from src's position to dst's in blocks of 0x80000 bytes (one heap block per
@@ -63,6 +69,7 @@ using CopyProgressRoutine = void (*)(int64_t total, int64_t done, void *context)
 
 inline constexpr uint32_t kCapabilityCopyWithin = 0x2;
 inline constexpr uint32_t kCapabilityCopyAcross = 0x4;
+inline constexpr uint32_t kCapabilityRename = 0x8;
 
 // Block size of the copy loop.
 inline constexpr uint32_t kCopyBlockSize = 0x80000;
@@ -119,6 +126,8 @@ public:
     virtual bool FileExists(char16_t const *path);
     virtual bool IsFile(char16_t const *path);      // GetFileInfo has kAttributeFile
     virtual bool IsDirectory(char16_t const *path); // GetFileInfo has kAttributeDirectory
+    // Added after the designed slots: see "Renaming" above. False: nothing moved.
+    virtual bool RenameFileW(char16_t const *oldPath, char16_t const *newPath); // false
 
     // ---- Helpers (2,048-unit buffers; empty where the virtual fails) ----
     CString GetCurrentWorkingDirectory();

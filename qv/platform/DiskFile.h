@@ -35,5 +35,9 @@ int64_t GetDiskFileSize(intptr_t handle); // -1 on failure
 bool SetDiskFileSize(intptr_t handle, int64_t size);
 bool FlushDiskFile(intptr_t handle);
 bool RemoveDiskFile(char const *path);
+// Moves from over to (replacing a file there) after syncing from's data, then
+// syncs to's directory. False if from could not be synced or renamed; then
+// both names are as they were.
+bool RenameDiskFile(char const *from, char const *to);
 
 } // namespace qv

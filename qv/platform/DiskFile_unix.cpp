@@ -20,7 +20,9 @@
 #include "qv/platform/DiskFile.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
 
 #include "qv/platform/ShareLocks.h"
@@ -134,6 +136,34 @@ bool FlushDiskFile(intptr_t handle) {
 
 bool RemoveDiskFile(char const *path) {
     return SysUnlink(path) == 0;
+}
+
+namespace {
+
+// Makes what path names durable. A directory may refuse fsync on some file
+// systems; only a regular file's failure counts.
+bool SyncDiskPath(char const *path, bool directory) {
+    int fd = SysOpen(path, directory ? O_RDONLY | O_DIRECTORY : O_RDONLY, 0);
+    if (fd == -1) return directory;
+    bool synced = SysFsync(fd) == 0;
+    SysClose(fd);
+    return synced || directory;
+}
+
+std::string DirectoryOf(char const *path) {
+    char const *slash = std::strrchr(path, '/');
+    if (!slash) return ".";
+    return slash == path ? "/" : std::string(path, slash);
+}
+
+} // namespace
+
+bool RenameDiskFile(char const *from, char const *to) {
+    // The data reaches the disk before the name moves, so a crash never
+    // leaves the new name on a file whose blocks were not written.
+    if (!SyncDiskPath(from, false) || SysRename(from, to) != 0) return false;
+    SyncDiskPath(DirectoryOf(to).c_str(), true);
+    return true;
 }
 
 } // namespace qv
