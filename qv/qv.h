@@ -72,6 +72,7 @@
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/AtomicSave.h"
 #include "qv/filesystems/CWDFixer.h"
 #include "qv/filesystems/DirectoryMonitor.h"
 #include "qv/filesystems/DiskDirectoryMonitor.h"
