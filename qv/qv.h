@@ -76,6 +76,8 @@
 #include "qv/filesystems/CWDFixer.h"
 #include "qv/filesystems/DirectoryMonitor.h"
 #include "qv/filesystems/DiskDirectoryMonitor.h"
+#include "qv/filesystems/FlatFileSystem.h"
+#include "qv/filesystems/MemFileSystem.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
