@@ -30,6 +30,7 @@
 #include "qv/core/ModuleResources.h"
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
+#include "qv/core/CmdLine.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
