@@ -31,6 +31,7 @@
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
 #include "qv/core/CmdLine.h"
+#include "qv/core/VersionInfo.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"

@@ -67,6 +67,8 @@ public:
     // Sets the size; the position does not move. False if the system refuses.
     bool SetSize(int64_t size) override;
     void Flush() override;
+    // Flush that tells whether the system wrote the data to the device.
+    bool Sync();
     void Close() override; // nothing on a closed file
 
     using IFile::Remove; // the file's Remove(pos, n) beside the static one
