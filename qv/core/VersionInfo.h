@@ -29,7 +29,8 @@
 // Extract takes the version resource (type 16, id 1) in language 0x0409,
 // else the language-neutral one, else the first. Update writes the block
 // into the resource of type 16, id 1 and language 0x0409 in place: it
-// refuses a file it cannot parse completely, a file without that resource,
+// refuses a file it cannot parse completely (the block it would replace
+// included), a file without that resource,
 // and a block larger than the room the resource has (its bytes and the zero
 // bytes behind them up to the next structure of the resource section). The
 // file's other bytes stay as they were, the PE checksum included. A failed
@@ -49,6 +50,7 @@ namespace qv {
 
 class IFile;
 class CMemFile;
+struct SPEResource;
 
 struct VS_FIXEDFILEINFO {
     uint32_t dwSignature; // 0xFEEF04BD
@@ -166,6 +168,8 @@ public:
 
 private:
     VS_STRING *FindString(char16_t const *name);
+    // Parses the resource's data in file.
+    bool ParseResource(IFile &file, SPEResource const &leaf);
     static void SetValue(VS_STRING &entry, CString const &value); // with its wValueLength
     // Measures the edited block; if it is too long, goes back to before.
     bool KeepIfItFits(CVersionInfo const &before);

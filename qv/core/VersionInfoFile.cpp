@@ -52,17 +52,20 @@ bool CVersionInfo::Save(char16_t const *path) {
            file.WriteBytes(block.GetData(), uint32_t(block.GetSize())) && file.Sync();
 }
 
+bool CVersionInfo::ParseResource(IFile &file, SPEResource const &leaf) {
+    uint32_t const n = std::min(leaf.size, kMaxBlockBytes);
+    TSimpleArray<uint8_t> bytes;
+    return bytes.SetSize(n) && file.SetPosition(leaf.dataOffset) == leaf.dataOffset &&
+           file.ReadBytes(bytes.GetData(), n) && Parse(bytes.GetData(), n);
+}
+
 bool CVersionInfo::Extract(char16_t const *path) {
     Destroy();
     CFile file;
     CPEResources tree;
     if (!path || !file.Open(path, 0x02 | 0x10 | 0x200) || !tree.Read(file)) return false;
     SPEResource const *leaf = tree.FindPreferred(kVersionType, kVersionId, kExtractLanguages, 2);
-    if (!leaf) return false;
-    uint32_t const n = std::min(leaf->size, kMaxBlockBytes);
-    TSimpleArray<uint8_t> bytes;
-    return bytes.SetSize(n) && file.SetPosition(leaf->dataOffset) == leaf->dataOffset &&
-           file.ReadBytes(bytes.GetData(), n) && Parse(bytes.GetData(), n);
+    return leaf && ParseResource(file, *leaf);
 }
 
 bool CVersionInfo::Update(char16_t const *path) {
@@ -72,7 +75,10 @@ bool CVersionInfo::Update(char16_t const *path) {
     if (!path || !Serialize(block) || !file.Open(path, 0x02 | 0x10 | 0x20) || !tree.Read(file)) return false;
     SPEResource const *leaf = tree.Find(kVersionType, kVersionId, kUpdateLanguage);
     uint32_t const size = uint32_t(block.GetSize());
-    if (!leaf || size > tree.Room(*leaf)) return false;
+    // The block it replaces must be well formed too: a file is only written
+    // where all of it that matters could be read.
+    CVersionInfo present;
+    if (!leaf || size > tree.Room(*leaf) || !present.ParseResource(file, *leaf)) return false;
     // The new block, then zeros over what the old one held beyond it.
     if (leaf->size > size && (!block.SeekToEnd() || !block.WriteZeros(leaf->size - size))) return false;
     uint8_t const sizeField[4] = {uint8_t(size), uint8_t(size >> 8), 0, 0};
