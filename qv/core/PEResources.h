@@ -1,6 +1,7 @@
 // CPEResources: the resource tree of a Windows PE32 or PE32+ executable,
 // read through IFile on any platform, so that version resources can be
-// extracted and stamped without the platform's loader. Internal to libqv.
+// extracted and stamped without the platform's loader. Internal to libqv;
+// exported for its tests and fuzz targets.
 //
 // Read checks the whole file structure it walks and refuses (false) what is
 // not well formed: a missing "MZ" or "PE\0\0" signature, headers or a
@@ -25,6 +26,7 @@
 #include <cstdint>
 
 #include "qv/core/Array.h"
+#include "qv/core/Export.h"
 
 namespace qv {
 
@@ -42,7 +44,7 @@ struct SPEResource {
     int64_t entryOffset = 0;  // where its IMAGE_RESOURCE_DATA_ENTRY starts
 };
 
-class CPEResources {
+class QV_API CPEResources {
 public:
     static constexpr uint32_t kMaxSectionBytes = 256u << 20;
 

@@ -97,7 +97,7 @@ bool ReadStringTable(SByteSpan const &bytes, uint64_t at, uint64_t limit, VS_STR
 bool ReadVar(SByteSpan const &bytes, uint64_t at, uint64_t limit, VS_VAR &out, uint64_t &end) {
     SBlock block;
     if (!ReadBlock(bytes, at, limit, block)) return false;
-    if (block.valueAt + block.wValueLength > block.end) return false;
+    if (block.wValueLength && block.valueAt + block.wValueLength > block.end) return false;
     out.wLength = block.wLength;
     out.wValueLength = block.wValueLength;
     out.wType = block.wType;

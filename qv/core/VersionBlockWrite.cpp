@@ -25,7 +25,9 @@ public:
         while (out.GetPosition() % 4)
             Word(0);
     }
-    // The header with a wLength to be patched, and the key with its NUL.
+    // The header with a wLength to be patched, and the key with its NUL. A
+    // value or child that follows pads to 32 bits first; a block without
+    // either ends behind the key.
     int64_t Begin(uint16_t wValueLength, uint16_t wType, CString const &key) {
         int64_t const start = out.GetPosition();
         Word(0);
@@ -35,7 +37,6 @@ public:
         for (int i = 0; i < key.GetLength(); ++i)
             Word(text[i]);
         Word(0);
-        Pad();
         return start;
     }
     // Patches the block's wLength, which must fit 16 bits.
@@ -56,6 +57,7 @@ void WriteString(CBlockWriter &w, VS_STRING &entry) {
     int64_t const start = w.Begin(entry.wValueLength, entry.wType, entry.key);
     char16_t const *text = entry.value.GetUTF16();
     int const length = entry.value.GetLength();
+    if (entry.wValueLength) w.Pad();
     for (int i = 0; i < entry.wValueLength; ++i)
         w.Word(i < length ? text[i] : 0);
     w.End(start, entry.wLength);
@@ -84,6 +86,7 @@ void WriteVarFileInfo(CBlockWriter &w, CVersionInfo &info) {
         VS_VAR &var = info.vars[v];
         w.Pad();
         int64_t const varStart = w.Begin(var.wValueLength, var.wType, var.key);
+        if (var.wValueLength) w.Pad();
         uint32_t const stored = var.value.GetSize() < var.wValueLength ? var.value.GetSize() : var.wValueLength;
         w.Bytes(var.value.GetData(), stored);
         for (uint32_t i = stored; i < var.wValueLength; ++i)

@@ -80,7 +80,8 @@ bool CVersionInfo::Update(char16_t const *path) {
     CVersionInfo present;
     if (!leaf || size > tree.Room(*leaf) || !present.ParseResource(file, *leaf)) return false;
     // The new block, then zeros over what the old one held beyond it.
-    if (leaf->size > size && (!block.SeekToEnd() || !block.WriteZeros(leaf->size - size))) return false;
+    block.SeekToEnd();
+    if (leaf->size > size && !block.WriteZeros(leaf->size - size)) return false;
     uint8_t const sizeField[4] = {uint8_t(size), uint8_t(size >> 8), 0, 0};
     CInPlaceWrite data, entry;
     bool const done = data.Apply(file, leaf->dataOffset, block.GetData(), uint32_t(block.GetSize())) &&

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "files/FileTestSupport.h"
+#include "qv/core/PEResources.h"
 #include "qv/core/VersionInfo.h"
 #include "qv/files/MemFile.h"
 #include "qv/platform/Syscalls.h"
@@ -75,6 +76,36 @@ TEST_P(PEVersion, ExtractReadsTheGeneratedResource) {
     ASSERT_TRUE(info.Serialize(out));
     EXPECT_EQ(Bytes(out.GetData(), out.GetData() + out.GetSize()),
               Bytes(original.begin() + kVersionData, original.begin() + kVersionData + kVersionSize));
+}
+
+TEST_P(PEVersion, TheTreeAndTheRoomOfEachLeaf) {
+    CMemFile file;
+    file.WriteBytes(original.data(), uint32_t(original.size()));
+    CPEResources tree;
+    ASSERT_TRUE(tree.Read(file));
+    ASSERT_EQ(tree.Count(), 2u);
+    SPEResource const *version = tree.Find(16, 1, 0x0409);
+    SPEResource const *manifest = tree.Find(24, 1, 0x0409);
+    ASSERT_TRUE(version && manifest);
+    EXPECT_EQ(version->dataOffset, int64_t(kVersionData));
+    EXPECT_EQ(version->entryOffset, int64_t(kVersionEntry));
+    EXPECT_EQ(version->size, kVersionSize);
+    EXPECT_EQ(manifest->dataOffset, 0x4A0);
+    EXPECT_EQ(manifest->size, 0x85u);
+    EXPECT_EQ(tree.Find(16, 1, 0x0407), nullptr);
+    uint16_t const prefer[] = {0x0407, 0x0000};
+    EXPECT_EQ(tree.FindPreferred(16, 1, prefer, 2), version) << "else the first language";
+    // The version data runs to the section's end; the manifest to the
+    // version data, across the zeros that align it.
+    EXPECT_EQ(tree.Room(*version), kSectionEnd - kVersionData);
+    EXPECT_EQ(tree.Room(*manifest), kVersionData - 0x4A0);
+    // A byte that is not zero ends the room.
+    Bytes marked = original;
+    marked[0x900] = 1;
+    CMemFile other;
+    other.WriteBytes(marked.data(), uint32_t(marked.size()));
+    ASSERT_TRUE(tree.Read(other));
+    EXPECT_EQ(tree.Room(*tree.Find(16, 1, 0x0409)), 0x900 - kVersionData);
 }
 
 TEST_P(PEVersion, UpdateRewritesOnlyTheBlockAndItsSize) {
