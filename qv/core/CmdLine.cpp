@@ -158,7 +158,7 @@ bool CCmdLine::SetPositional(uint32_t &index, char16_t *value) {
 
 bool CCmdLine::Parse(int argc, char16_t **const argv) {
     uint32_t positional = 0;
-    for (int i = 1; i < argc; ++i) {
+    for (int i = 1; argv && i < argc; ++i) {
         char16_t *token = argv[i];
         if (!token) continue;
         if (token[0] == u'-') {
