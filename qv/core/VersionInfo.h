@@ -20,6 +20,7 @@
 // Untrusted input. Load refuses a block whose lengths pass its parent or
 // the bytes there are, whose key runs past the block, whose string value is
 // longer than its block, whose fixed part is neither absent nor 52 bytes,
+// whose StringFileInfo, VarFileInfo or string table claims a value,
 // whose root key is not "VS_VERSION_INFO", or whose children are neither a
 // StringFileInfo nor a VarFileInfo (or come twice). The depth is fixed, so
 // nothing recurses on input.
@@ -28,15 +29,19 @@
 // Windows PE32 or PE32+ file through qv/core/PEResources.h, on any platform.
 // Extract takes the version resource (type 16, id 1) in language 0x0409,
 // else the language-neutral one, else the first. Update writes the block
-// into the resource of type 16, id 1 and language 0x0409 in place: it
+// into the resource of type 16, id 1 and language 0x0409 in place. It
 // refuses a file it cannot parse completely (the block it would replace
-// included), a file without that resource,
-// and a block larger than the room the resource has (its bytes and the zero
-// bytes behind them up to the next structure of the resource section). The
-// file's other bytes stay as they were, the PE checksum included. A failed
-// Update leaves the file byte for byte as it was.
+// included), a block larger than the room the resource has (its bytes and
+// the zero bytes behind them up to the next structure of the resource
+// section), and a file without a resource in 0x0409: adding one, as the
+// platform's updater would, means rebuilding the section, which is not done
+// in place. The file's other bytes stay as they were, the PE checksum
+// included. A failed Update leaves the file byte for byte as it was: the
+// replaced bytes are kept and written back when a write or the final sync
+// fails.
 //
-// Failures are false results; nothing is logged and nothing throws.
+// Failures are false results; nothing throws, and nothing is logged but
+// CFile's own line for a file that cannot be opened.
 // Threads: an object belongs to one thread at a time.
 #pragma once
 
