@@ -30,6 +30,8 @@
 #include "qv/core/ModuleResources.h"
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
+#include "qv/core/CmdLine.h"
+#include "qv/core/VersionInfo.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"

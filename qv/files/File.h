@@ -69,6 +69,8 @@ public:
     // later write. False if the system refuses; the file is then as it was.
     bool SetSize(int64_t size) override;
     void Flush() override;
+    // Flush that tells whether the system wrote the data to the device.
+    bool Sync();
     void Close() override; // nothing on a closed file
 
     using IFile::Remove; // the file's Remove(pos, n) beside the static one

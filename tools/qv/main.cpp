@@ -17,6 +17,10 @@ Command const kCommands[] = {
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
      "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+    {"version show", "EXE", "print the version resource of a Windows executable (PE32 or PE32+)", RunVersionShow},
+    {"version set", "EXE NAME VALUE",
+     "stamp a version string, Version (a.b.c.d) or Beta (yes/no) into a Windows executable in place",
+     RunVersionSet},
 };
 
 int CountWords(char const *text) {
