@@ -93,3 +93,4 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+#include "qv/calibration/FrameTemperatures.h"
