@@ -10,6 +10,7 @@
 
 #include "CalTestSupport.h"
 #include "qv/calibration/FrameTemperatures.h"
+#include "qv/core/CpuPath.h"
 #include "qv/numerics/Curve.h"
 #include "qv/numerics/Math.h"
 #include "qv/numerics/TypedArray.h"
@@ -68,6 +69,12 @@ template <class C> std::vector<C> Spread(int64_t from, int64_t step, int n) {
 
 TEST(FrameTemperatures, IntegerCountsAreBitIdenticalOnEveryScale) {
     CalibratedPage p;
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        for (ETempType scale : kScales)
+            ExpectBitIdentical<uint16_t, float>(p, Spread<uint16_t>(1500, 3, 3001), DT_UInt16, scale);
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
     for (ETempType scale : kScales) {
         ExpectBitIdentical<uint16_t, float>(p, Spread<uint16_t>(1500, 3, 3000), DT_UInt16, scale);
         ExpectBitIdentical<uint16_t, double>(p, Spread<uint16_t>(1500, 3, 3000), DT_UInt16, scale);
