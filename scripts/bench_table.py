@@ -26,7 +26,7 @@ def main(paths):
             ratio = b['speed_ratio']
             met = '' if not goal else (' ✓' if ratio >= goal else ' ✗')
             rows.append('| %s | %s | %s | %.2f%s | %s |' % (
-                b.get('label', b['run_name']), rate(b.get('items_per_second', 0)),
+                b.get('label', b['run_name']), rate(b.get('qv_per_second', 0)),
                 rate(b.get('reference_per_second', 0)), ratio, met, '≥ %.3g' % goal if goal else '—'))
     print('# Benchmark results')
     print()
