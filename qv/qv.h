@@ -99,3 +99,4 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+#include "qv/calibration/FrameTemperatures.h"
