@@ -16,7 +16,8 @@
 // followed), kept as the file name; a full path longer than 511 units fails.
 // Sharing behaves as on Windows between the opens of one file, also across
 // processes; a refused open never truncates or removes the file. Only regular
-// files open. Delete-on-close removes the name at once. On failure the handle
+// files open. An open that should start at the end (0x40) and cannot seek
+// there fails. Delete-on-close removes the name at once. On failure the handle
 // stays as it was, the log gets "CFile::Open(<full path>) FAILED." and the
 // result is false. Open does not close a handle it already has: open a CFile
 // once.

@@ -37,10 +37,14 @@
 // copy); progress, if not null, is called with (count, 0) first and with
 // (count, done) after each write. Zero bytes succeed and report (0, 0) once.
 // A source that ends early, a short write or a negative count give false.
-// Opening for writing uses 0x28 (create or truncate) with overwrite and 0x24
-// (must not exist) without. Where a copy to a path fails after the
-// destination was opened, the destination is deleted; a destination that
-// could not be opened (one that exists, without overwrite) is left alone.
+// A copy to a path with overwrite writes a new file beside the destination
+// and renames it over the destination at the end (CAtomicSave), so a copy
+// that fails leaves an existing destination whole and removes the new file;
+// on a file system without kCapabilityRename it opens the destination with
+// 0x28 (create or truncate) and a failure leaves it damaged. Without
+// overwrite it opens with 0x24 (must not exist); a destination that could not
+// be opened (one that exists) is left alone, and one that was opened and then
+// not filled is deleted.
 //
 // Deriving: overriding GetFullPath, GetCurrentWorkingDirectory or a CopyFileW
 // form hides the other forms of that name; bring them back with a
