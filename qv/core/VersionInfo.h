@@ -138,9 +138,9 @@ public:
     // Writes the block at the file's position; false with nothing loaded or
     // a block above 65535 bytes, or when a write falls short.
     bool Save(IFile &file);
-    // A file that holds only the block. Save creates or truncates the file and
-    // writes it directly (IFileSystem has no rename to replace it through a
-    // temporary yet), so a failed Save can leave it short; it is false then.
+    // A file that holds only the block. Save writes a temporary file beside
+    // path and renames it over path, so a failed Save (false) leaves the old
+    // file whole.
     bool Load(char16_t const *path);
     bool Save(char16_t const *path);
     // From and into a Windows executable; see the header comment.

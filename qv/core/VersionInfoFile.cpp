@@ -6,6 +6,7 @@
 #include "qv/core/VersionInfo.h"
 #include "qv/files/File.h"
 #include "qv/files/MemFile.h"
+#include "qv/filesystems/AtomicSave.h"
 
 namespace qv {
 
@@ -47,9 +48,9 @@ bool CVersionInfo::Load(char16_t const *path) {
 
 bool CVersionInfo::Save(char16_t const *path) {
     CMemFile block;
-    CFile file;
-    return path && Serialize(block) && file.Open(path, 0x08 | 0x20) &&
-           file.WriteBytes(block.GetData(), uint32_t(block.GetSize())) && file.Sync();
+    return path && Serialize(block) && SaveAtomically(nullptr, path, [&](IFile &file) {
+               return file.WriteBytes(block.GetData(), uint32_t(block.GetSize()));
+           });
 }
 
 bool CVersionInfo::ParseResource(IFile &file, SPEResource const &leaf) {

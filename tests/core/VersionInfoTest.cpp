@@ -10,6 +10,7 @@
 #include "files/FileTestSupport.h"
 #include "qv/core/VersionInfo.h"
 #include "qv/files/MemFile.h"
+#include "support/FaultInjection.h"
 
 namespace qv::test {
 namespace {
@@ -296,6 +297,37 @@ TEST(VersionInfo, BlockFileByPath) {
     EXPECT_EQ(Serialized(back), block);
     EXPECT_FALSE(back.Load(Wide(dir.Path("missing.bin")).c_str()));
     EXPECT_EQ(back.wLength, 0);
+}
+
+// Every fault but a failing close: the new file's data is synced through its
+// name before the rename, which is what counts.
+std::vector<Fault> SaveFaults() {
+    auto kinds = AllFaults();
+    std::erase(kinds, Fault::kClose);
+    return kinds;
+}
+
+TEST(VersionInfo, AFailedSaveKeepsTheOldBlockFile) {
+    ScratchDir dir;
+    std::string const file = dir.Path("version.bin");
+    std::u16string const path = Wide(file);
+    CVersionInfo info;
+    Bytes const block = SmallBlock();
+    ASSERT_TRUE(info.Parse(block.data(), uint32_t(block.size())));
+    ASSERT_TRUE(info.SetVersion(1, 2, 3, 4));
+    FaultBytes const before(30, uint8_t(0x6F));
+    FaultBytes after;
+    RunUnderFaults([&] { std::ofstream(file, std::ios::binary | std::ios::trunc) << std::string(30, 'o'); },
+                   [&] { return info.Save(path.c_str()); },
+                   [&](FaultRun const &run) {
+                       if (run.IsClean()) {
+                           after = FileBytes(file);
+                           return;
+                       }
+                       ExpectFailureReported(run);
+                       ExpectBeforeOrAfter(run, FileBytes(file), before, after);
+                   },
+                   SaveFaults());
 }
 
 } // namespace
