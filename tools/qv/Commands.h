@@ -48,5 +48,9 @@ int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
 int RunCal(char *const *args);
+int RunSbfShow(char *const *args);
+int RunXmlShow(char *const *args);
+int RunTagsShow(char *const *args);
+int RunTagsConvert(char *const *args);
 
 } // namespace qvtool

@@ -17,6 +17,11 @@ Command const kCommands[] = {
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
      "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+    {"sbf show", "FILE", "print a structured binary file's identifier, strings and element tree", RunSbfShow},
+    {"xml show", "FILE", "print the node tree of an XML file as the library reads it", RunXmlShow},
+    {"tags show", "FILE", "print a tag dictionary (binary TAGF, SBF or XML), one entry a line", RunTagsShow},
+    {"tags convert", "IN OUT", "convert a tag dictionary to the form OUT's extension names (.xml, .sbf, else TAGF)",
+     RunTagsConvert},
 };
 
 int CountWords(char const *text) {
