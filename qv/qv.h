@@ -83,6 +83,9 @@
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
+#include "qv/formats/tagged/SAFSelfTest.h"
+#include "qv/formats/tagged/SBFile.h"
+#include "qv/formats/tagged/TagFile.h"
 #include "qv/formats/tagged/XMLFile.h"
 
 // Numerics.

@@ -55,5 +55,9 @@ int RunVersionSet(char *const *args);
 // Extracts the version resource of the executable at path; on failure the
 // message is printed and false returned.
 bool ExtractVersion(char const *path, qv::CVersionInfo &info);
+int RunSbfShow(char *const *args);
+int RunXmlShow(char *const *args);
+int RunTagsShow(char *const *args);
+int RunTagsConvert(char *const *args);
 
 } // namespace qvtool

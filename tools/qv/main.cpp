@@ -21,6 +21,11 @@ Command const kCommands[] = {
     {"version set", "EXE NAME VALUE",
      "stamp a version string, Version (a.b.c.d) or Beta (yes/no) into a Windows executable in place",
      RunVersionSet},
+    {"sbf show", "FILE", "print a structured binary file's identifier, strings and element tree", RunSbfShow},
+    {"xml show", "FILE", "print the node tree of an XML file as the library reads it", RunXmlShow},
+    {"tags show", "FILE", "print a tag dictionary (binary TAGF, SBF or XML), one entry a line", RunTagsShow},
+    {"tags convert", "IN OUT", "convert a tag dictionary to the form OUT's extension names (.xml, .sbf, else TAGF)",
+     RunTagsConvert},
 };
 
 int CountWords(char const *text) {
