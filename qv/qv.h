@@ -77,6 +77,7 @@
 #include "qv/filesystems/DiskDirectoryMonitor.h"
 #include "qv/filesystems/FlatFileSystem.h"
 #include "qv/filesystems/MemFileSystem.h"
+#include "qv/filesystems/CDFileSystem.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
