@@ -150,6 +150,8 @@ bool CCDFileSystem::LoadFileTable() {
     }
     rootRegion = {0, capacity};
     if (!AcceptTable(stored, loaded)) return false;
+    root.properties.Clear();
+    SetRegion(-1, 0, capacity);
     root.size = table.GetPosition();
     return true;
 }
