@@ -79,6 +79,7 @@
 #include "qv/filesystems/MemFileSystem.h"
 #include "qv/filesystems/CDFileSystem.h"
 #include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
 #include "qv/filesystems/CompositeFile.h"
 
 // Tagged formats.

@@ -24,6 +24,7 @@
 #include "qv/filesystems/CDFileSystem.h"
 #include "qv/filesystems/MemFileSystem.h"
 #include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
 #include "qv/filesystems/Path.h"
 #include "tests/filesystems/FileSystemTestSupport.h"
 
@@ -75,6 +76,21 @@ public:
 private:
     CMemFileSystem fs;
     std::deque<std::string> blocks;
+};
+
+// The program's own resources: the seeded files are compiled in
+// (tests/filesystems/resources.qvrc), so seeding only checks them.
+class ResourcesUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return fs; }
+    CString Root() const override { return u"/CONTRACT/t/"; }
+    bool Writes() const override { return false; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+    bool Seed(CString const &path, std::string const &bytes) override { return ReadWhole(fs, path) == bytes; }
+
+private:
+    CRFSFileSystem fs;
 };
 
 // A CDFS, its host given by the kind; a flat table with files only.
@@ -154,6 +170,7 @@ std::vector<FileSystemKind> Kinds() {
     return {
         {"Disk", [] { return std::make_unique<DiskUnderTest>(); }},
         {"Memory", [] { return std::make_unique<MemoryUnderTest>(); }},
+        {"Resources", [] { return std::make_unique<ResourcesUnderTest>(); }},
         {"CDFSOnDisk", [] { return std::make_unique<CDFSOnDisk>(); }},
         {"CDFSInMemory", [] { return std::make_unique<CDFSInMemory>(); }},
         {"CDFSInCDFS", [] { return std::make_unique<CDFSInCDFS>(); }},
