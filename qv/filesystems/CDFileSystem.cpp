@@ -73,6 +73,17 @@ bool CCDFileSystem::Open(char16_t const *path, bool readOnly) {
     return Open(&GetFileSystem(), path, readOnly);
 }
 
+bool CCDFileSystem::Check(IFileSystem *fs, char16_t const *path, CString &problem) {
+    CCDFileSystem cdfs;
+    cdfs.refusal = "the file cannot be opened";
+    if (fs && path && fs->FileExists(path) && cdfs.Open(fs, path, true)) {
+        problem = CString();
+        return true;
+    }
+    problem = CString(cdfs.refusal);
+    return false;
+}
+
 bool CCDFileSystem::Create(IFileSystem *fs, char16_t const *path, bool append) {
     CAutoCriticalSection guard(&lock);
     Close();
@@ -115,7 +126,8 @@ bool CCDFileSystem::Open(IFileSystem *fs, char16_t const *path, bool openReadOnl
     host = fs->CreateFileW(path, openReadOnly ? 0x12 : 0x32);
     if (!host) return false;
     readOnly = openReadOnly;
-    if (LocateCDFS(*host, base) && LoadFileTable()) return true;
+    if (!LocateCDFS(*host, base)) Refuse("no \"CDFS\" at the start, nor a foot that points at one");
+    else if (LoadFileTable()) return true;
     Close();
     return false;
 }

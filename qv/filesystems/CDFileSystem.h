@@ -104,6 +104,10 @@ public:
     static bool IsCDFile(char16_t const *path);
     static bool IsCDFile(IFileSystem *fs, char16_t const *path);
 
+    // Opens path in fs read-only as Open does; on a refusal problem tells
+    // why in one sentence (English), otherwise it is emptied.
+    static bool Check(IFileSystem *fs, char16_t const *path, CString &problem);
+
     // Makes a CDFS at path in fs (the disk for the short form): a new file, or
     // with append one appended to an existing file that holds none yet (its
     // bytes stay; a failure cuts it back to its old length).
@@ -141,6 +145,7 @@ private:
         int64_t capacity;
     };
 
+    bool Refuse(char const *why);
     bool SaveFileTable();
     bool LoadFileTable();
     bool WriteHeader();
@@ -161,6 +166,7 @@ private:
     void RemoveEntry(int index);
 
     IFile *host = nullptr;
+    char const *refusal = nullptr; // why the last Open refused, for Check
     bool readOnly = false;
     int64_t base = 0;
     CDirectoryEntry root;

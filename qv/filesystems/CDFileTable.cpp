@@ -62,6 +62,11 @@ bool PathsAreDistinct(TArray<CDirectoryEntry> const &loaded) {
 
 } // namespace
 
+bool CCDFileSystem::Refuse(char const *why) {
+    refusal = why;
+    return false;
+}
+
 bool CCDFileSystem::GetDirectoryEntry(IFile *file, CDirectoryEntry *entry) {
     if (!file || !entry) return false;
     char16_t name[kNameLimit + 1], path[kNameLimit + 1];
@@ -131,22 +136,24 @@ bool CCDFileSystem::LoadFileTable() {
     if (!host) return false;
     int64_t available = host->GetSize() - base;
     CMemFile table;
-    if (available < kHeaderSize || !ReadHostAt(*host, base, table, std::min(available, kBlock))) return false;
+    if (available < kHeaderSize || !ReadHostAt(*host, base, table, std::min(available, kBlock)))
+        return Refuse("the header cannot be read");
     CDirectoryEntry stored;
     table.SetPosition(kHeaderSize);
-    if (!GetDirectoryEntry(&table, &stored)) return false;
+    if (!GetDirectoryEntry(&table, &stored)) return Refuse("the table's own record cannot be read");
     int64_t capacity = 0, recordEnd = table.GetPosition();
     if (!ParseCount(stored.properties.GetValue(kCapacityKey), capacity) || capacity < recordEnd + 4 ||
         capacity > available || capacity > kMaxTable)
-        return false;
-    if (!ReadHostAt(*host, base, table, capacity)) return false;
+        return Refuse("the table's capacity does not fit the table or the host");
+    if (!ReadHostAt(*host, base, table, capacity)) return Refuse("the table cannot be read");
     table.SetPosition(recordEnd);
     uint32_t count = 0;
-    if (!table.GetDWORD(count) || count > (capacity - table.GetPosition()) / kMinRecord) return false;
+    if (!table.GetDWORD(count) || count > (capacity - table.GetPosition()) / kMinRecord)
+        return Refuse("the count of entries is more than the table can hold");
     TArray<CDirectoryEntry> loaded;
     for (uint32_t i = 0; i < count; ++i) {
         CDirectoryEntry entry;
-        if (!GetDirectoryEntry(&table, &entry) || !loaded.Add(entry)) return false;
+        if (!GetDirectoryEntry(&table, &entry) || !loaded.Add(entry)) return Refuse("an entry's record is cut short");
     }
     rootRegion = {0, capacity};
     if (!AcceptTable(stored, loaded)) return false;
@@ -168,18 +175,18 @@ bool CCDFileSystem::AcceptTable(CDirectoryEntry const &stored, TArray<CDirectory
         if (entry.attributes != kAttributeFile || entry.path[0] != u'/' || entry.size < 0 ||
             !ParseCount(entry.properties.GetValue(kOffsetKey), offset) ||
             (*capacityText && !ParseCount(capacityText, capacity)))
-            return false;
+            return Refuse("an entry is not a file with an absolute path, a size and a numeric offset");
         if (capacity < entry.size || offset < rootRegion.capacity || offset > available ||
             capacity > available - offset)
-            return false;
+            return Refuse("an entry's region lies outside the host or inside the table, or is smaller than its size");
         entry.SetName(GetFilename(entry.path));
         found.Add(SRegion{offset, capacity});
         if (capacity > 0) used.push_back(SRegion{offset, capacity});
     }
     std::sort(used.begin(), used.end(), [](SRegion a, SRegion b) { return a.offset < b.offset; });
     for (size_t i = 1; i < used.size(); ++i)
-        if (used[i].offset < used[i - 1].offset + used[i - 1].capacity) return false;
-    if (!PathsAreDistinct(loaded)) return false;
+        if (used[i].offset < used[i - 1].offset + used[i - 1].capacity) return Refuse("two entries' regions overlap");
+    if (!PathsAreDistinct(loaded)) return Refuse("a path is there twice, or a file stands where a directory is");
     root.modified = stored.modified;
     entries = loaded;
     regions = found;

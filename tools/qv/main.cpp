@@ -17,6 +17,10 @@ Command const kCommands[] = {
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
      "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+    {"cdfs list", "FILE", "list the files of a CDFS composite: size, offset, capacity, path", RunCdfsList},
+    {"cdfs add", "FILE PATH", "store a disk file (- for standard input) in a CDFS, made when missing", RunCdfsAdd},
+    {"cdfs extract", "FILE NAME OUT", "copy the file NAME out of a CDFS into OUT (- for standard output)", RunCdfsExtract},
+    {"cdfs check", "FILE", "walk the table of a CDFS and say what is wrong, or ok", RunCdfsCheck},
 };
 
 int CountWords(char const *text) {
