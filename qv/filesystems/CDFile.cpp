@@ -29,21 +29,25 @@ IFileSystem &CCDFileSystem::CCDFile::GetFileSystem() {
 }
 
 uint32_t CCDFileSystem::CCDFile::Write(void const *p, uint32_t n) {
-    if (!owner || index < -1 || !p) return 0;
+    if (!owner) return 0;
+    CAutoCriticalSection guard(&owner->lock); // a delete on another thread re-targets index
+    if (index < -1 || !p) return 0;
     uint32_t written = owner->WriteEntry(index, position, p, n);
     position += written;
     return written;
 }
 
 uint32_t CCDFileSystem::CCDFile::Read(void *p, uint32_t n) {
-    if (!owner || index < -1 || !p) return 0;
+    if (!owner) return 0;
+    CAutoCriticalSection guard(&owner->lock); // a delete on another thread re-targets index
+    if (index < -1 || !p) return 0;
     uint32_t read = owner->ReadEntry(index, position, p, n);
     position += read;
     return read;
 }
 
 int64_t CCDFileSystem::CCDFile::GetSize() {
-    if (!owner || index < -1) return 0;
+    if (!owner) return 0;
     CAutoCriticalSection guard(&owner->lock);
     return index < -1 ? 0 : owner->EntrySize(index);
 }
@@ -61,7 +65,9 @@ int64_t CCDFileSystem::CCDFile::Seek(int64_t offset, uint32_t origin) {
 }
 
 bool CCDFileSystem::CCDFile::SetSize(int64_t size) {
-    return owner && index >= -1 && size >= 0 && owner->SetEntrySize(index, size) == size;
+    if (!owner) return false;
+    CAutoCriticalSection guard(&owner->lock);
+    return index >= -1 && size >= 0 && owner->SetEntrySize(index, size) == size;
 }
 
 void CCDFileSystem::CCDFile::Flush() {

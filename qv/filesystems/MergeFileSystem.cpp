@@ -49,6 +49,8 @@ CMergeFileSystem::CMergeFileSystem() : currentDirectory{u'/', 0} {}
 CMergeFileSystem::~CMergeFileSystem() = default;
 
 bool CMergeFileSystem::Mount(char16_t const *mountPoint, IFileSystem *fs, char16_t const *subPath) {
+    // A text that does not fit is refused rather than cut to another path.
+    if (!fs || (subPath && wcslen(subPath) >= 260) || (mountPoint && wcslen(mountPoint) >= 260)) return false;
     MOUNT mount{};
     mount.fileSystem = fs;
     StrCpy(mount.subPath, subPath ? subPath : u"", 260);

@@ -58,7 +58,8 @@ public:
     CMergeFileSystem &operator=(CMergeFileSystem const &) = default;
     ~CMergeFileSystem() override;
 
-    // Appends a mount (texts cut to 259 units). False only if the table cannot grow.
+    // Appends a mount. False for a null fs, a text of 260 units or more, or a
+    // table that cannot grow.
     bool Mount(char16_t const *mountPoint, IFileSystem *fs, char16_t const *subPath);
     // Removes the first mount of fs at mountPoint (case ignored); false if none.
     bool Unmount(char16_t const *mountPoint, IFileSystem *fs);
