@@ -134,7 +134,7 @@ IFile *CCDFileSystem::CreateFileW(char16_t const *path, uint32_t flags) {
     CAutoCriticalSection guard(&lock);
     char16_t full[kNameLimit + 1];
     if (!host || !path || !GetFullPath(full, path, kNameLimit + 1)) return nullptr;
-    int index = FindFile(full);
+    int index = FindFullPath(full);
     if (index >= 0 ? (flags & 0x04) != 0 : (flags & 0x02) != 0 || readOnly) return nullptr;
     if (index < 0) {
         if (IsDirectory(full)) return nullptr;
@@ -185,7 +185,7 @@ bool CCDFileSystem::RenameFileW(char16_t const *oldPath, char16_t const *newPath
     char16_t full[kNameLimit + 1];
     int index = host && !readOnly ? FindFile(oldPath) : -1;
     if (index < 0 || !newPath || !GetFullPath(full, newPath, kNameLimit + 1)) return false;
-    int target = FindFile(full);
+    int target = FindFullPath(full);
     if (target == index) return true;
     if (target < 0 && IsDirectory(full)) return false;
     if (target >= 0) {

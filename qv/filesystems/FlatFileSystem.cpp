@@ -33,7 +33,10 @@ bool CFlatFileSystem::GetFullPath(char16_t *out, char16_t const *path, int size)
 
 int CFlatFileSystem::FindFile(char16_t const *path) {
     char16_t full[PathBufferSize];
-    if (!path || !GetFullPath(full, path, PathBufferSize)) return -1;
+    return path && GetFullPath(full, path, PathBufferSize) ? FindFullPath(full) : -1;
+}
+
+int CFlatFileSystem::FindFullPath(char16_t const *full) const {
     for (uint32_t i = 0; i < entries.GetSize(); ++i)
         if (_wcsicmp(entries.GetAt(i).path, full) == 0) return int(i);
     return -1;
@@ -42,7 +45,7 @@ int CFlatFileSystem::FindFile(char16_t const *path) {
 CDirectoryEntry CFlatFileSystem::GetFileInfo(char16_t const *path) {
     char16_t full[PathBufferSize];
     if (!path || !GetFullPath(full, path, PathBufferSize)) return CDirectoryEntry();
-    int index = FindFile(full);
+    int index = FindFullPath(full);
     if (index >= 0) return entries.GetAt(uint32_t(index));
     AppendTrailingSlash(full, u'/');
     size_t length = wcslen(full);
@@ -93,7 +96,7 @@ CDirectoryEntry CFlatFileSystem::MakeFileEntry(char16_t const *fullPath) {
 bool CFlatFileSystem::MoveEntry(int &index, char16_t const *newPath) {
     char16_t full[PathBufferSize];
     if (!newPath || !GetFullPath(full, newPath, PathBufferSize)) return false;
-    int target = FindFile(full);
+    int target = FindFullPath(full);
     if (target == index) return true;
     if (target < 0 && IsDirectory(full)) return false;
     CDirectoryEntry &entry = entries.GetItem(uint32_t(index));
