@@ -129,7 +129,7 @@ void GrowFrontAgainstBlockMove(benchmark::State &state) {
     std::remove(plainPath.c_str());
 }
 
-BENCHMARK(ReadEntryAgainstCFile)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadEntryAgainstCFile)->UseManualTime()->Iterations(60)->Unit(benchmark::kMillisecond);
 BENCHMARK(GrowFrontAgainstBlockMove)->UseManualTime()->Iterations(4)->Unit(benchmark::kMillisecond);
 
 } // namespace
