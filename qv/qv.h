@@ -80,6 +80,10 @@
 #include "qv/filesystems/DiskDirectoryMonitor.h"
 #include "qv/filesystems/FlatFileSystem.h"
 #include "qv/filesystems/MemFileSystem.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
+#include "qv/filesystems/CompositeFile.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"

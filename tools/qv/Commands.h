@@ -7,6 +7,8 @@
 
 #include "qv/core/VersionInfo.h"
 #include "qv/files/File.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/FileSystem.h"
 #include "qv/formats/tagged/SAFFile.h"
 
 namespace qvtool {
@@ -39,6 +41,10 @@ int Fail(char const *format, ...) __attribute__((format(printf, 1, 2)));
 // message is printed and false returned.
 bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf);
 
+// Opens the CDFS at path (read-only, or made when missing); on failure the
+// message, with the reason a table was refused, is printed and false returned.
+bool OpenCdfs(char const *path, bool readOnly, qv::CCDFileSystem &cdfs);
+
 // The list of sub-commands; qv help prints it to standard output, a wrong
 // command line to standard error.
 void PrintUsage(std::FILE *out);
@@ -59,5 +65,9 @@ int RunSbfShow(char *const *args);
 int RunXmlShow(char *const *args);
 int RunTagsShow(char *const *args);
 int RunTagsConvert(char *const *args);
+int RunCdfsList(char *const *args);
+int RunCdfsAdd(char *const *args);
+int RunCdfsExtract(char *const *args);
+int RunCdfsCheck(char *const *args);
 
 } // namespace qvtool

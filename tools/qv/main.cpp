@@ -26,6 +26,10 @@ Command const kCommands[] = {
     {"tags show", "FILE", "print a tag dictionary (binary TAGF, SBF or XML), one entry a line", RunTagsShow},
     {"tags convert", "IN OUT", "convert a tag dictionary to the form OUT's extension names (.xml, .sbf, else TAGF)",
      RunTagsConvert},
+    {"cdfs list", "FILE", "list the files of a CDFS composite: size, offset, capacity, path", RunCdfsList},
+    {"cdfs add", "FILE PATH", "store a disk file (- for standard input) in a CDFS, made when missing", RunCdfsAdd},
+    {"cdfs extract", "FILE NAME OUT", "copy the file NAME out of a CDFS into OUT (- for standard output)", RunCdfsExtract},
+    {"cdfs check", "FILE", "walk the table of a CDFS and say what is wrong, or ok", RunCdfsCheck},
 };
 
 int CountWords(char const *text) {
