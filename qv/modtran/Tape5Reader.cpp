@@ -4,7 +4,7 @@
 
 #include "qv/core/WideChar.h"
 #include "qv/files/IFile.h"
-#include "qv/modtran/CardReader.h"
+#include "qv/modtran/LineReader.h"
 #include "qv/modtran/ModtranTape5File.h"
 #include "qv/modtran/Tape5Rules.h"
 #include "qv/numerics/CurveText.h"
@@ -28,7 +28,7 @@ template <size_t N> void StoreText(char (&to)[N], char const *text) {
 
 class CRunReader {
 public:
-    CRunReader(CModtranTape5File &owner, IFile &file, RUN &run) : owner(owner), cards(file), r(run) {}
+    CRunReader(CModtranTape5File &owner, IFile &file, RUN &run) : owner(owner), cards(file, kCardBytes), r(run) {}
     ~CRunReader() { cards.Finish(); }
 
     bool Read() {
@@ -510,7 +510,7 @@ private:
     }
 
     CModtranTape5File &owner;
-    CCardReader cards;
+    CLineReader cards;
     RUN &r;
 };
 

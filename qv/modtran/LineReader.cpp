@@ -1,5 +1,5 @@
-// The line and field reader of tape5 cards.
-#include "qv/modtran/CardReader.h"
+// The line and fixed-column field reader of tape5 and tape7 files.
+#include "qv/modtran/LineReader.h"
 
 #include <cstring>
 
@@ -17,18 +17,24 @@ bool IsBlank(char c) {
 
 } // namespace
 
-CCardReader::CCardReader(IFile &file) : file(file), start(file.GetPosition()), used(0), length(0) {
+CLineReader::CLineReader(IFile &file, int lineBytes)
+    : file(file), lineBytes(lineBytes < kMaxLineBytes ? lineBytes : kMaxLineBytes), pushedBack(false),
+      start(file.GetPosition()), used(0), length(0) {
     std::memset(line, 0, sizeof line);
 }
 
-bool CCardReader::Fill() {
+bool CLineReader::Fill() {
     start += length;
     used = 0;
     length = file.Read(block, sizeof block);
     return length > 0;
 }
 
-bool CCardReader::Next() {
+bool CLineReader::Next() {
+    if (pushedBack) {
+        pushedBack = false;
+        return true;
+    }
     std::memset(line, 0, sizeof line);
     if (used == length && !Fill()) return false;
     int kept = 0;
@@ -38,17 +44,17 @@ bool CCardReader::Next() {
             char c = block[used++];
             if (c == '\n') return true;
             ended |= c == '\r' || c == '\0';
-            if (!ended && kept < kCardBytes - 1) line[kept++] = c;
+            if (!ended && kept < lineBytes - 1) line[kept++] = c;
         }
         if (!Fill()) return true; // the last line, without LF
     }
 }
 
-char const *CCardReader::Text(int column, int width) {
+char const *CLineReader::Text(int column, int width) {
     field[0] = '\0';
-    if (column < 0 || width <= 0 || column >= kCardBytes - 1) return field;
+    if (column < 0 || width <= 0 || column >= lineBytes - 1) return field;
     int n = 0;
-    for (int i = column; i < column + width && i < kCardBytes - 1 && line[i]; ++i)
+    for (int i = column; i < column + width && i < lineBytes - 1 && line[i]; ++i)
         field[n++] = line[i];
     while (n > 0 && IsBlank(field[n - 1])) --n;
     field[n] = '\0';
@@ -57,22 +63,26 @@ char const *CCardReader::Text(int column, int width) {
     return text;
 }
 
-int CCardReader::Int(int column, int width) {
+int CLineReader::Int(int column, int width) {
     return FieldInt(Text(column, width));
 }
 
-float CCardReader::Float(int column, int width) {
+float CLineReader::Float(int column, int width) {
     return FieldFloat(Text(column, width));
 }
 
-void CCardReader::Finish() {
+double CLineReader::Double(int column, int width) {
+    return c_atof(Text(column, width));
+}
+
+void CLineReader::Finish() {
     file.Seek(start + used, 1);
 }
 
 int FieldInt(char const *text) {
-    char16_t wide[kCardBytes];
+    char16_t wide[kMaxLineBytes];
     int n = 0;
-    for (; n < kCardBytes - 1 && text[n]; ++n)
+    for (; n < kMaxLineBytes - 1 && text[n]; ++n)
         wide[n] = char16_t(static_cast<unsigned char>(text[n]));
     wide[n] = 0;
     return int(_wtol(wide));
