@@ -1,6 +1,9 @@
 // Number texts of the tape5 writer: scientific fields, the surface
 // reflectance and vertical column fields.
+#include <cstring>
+
 #include "qv/core/WideFormat.h"
+#include "qv/modtran/LineReader.h"
 #include "qv/modtran/ModtranTape5File.h"
 #include "qv/modtran/Tape5Rules.h"
 
@@ -12,9 +15,14 @@ char const *FormatScientific(double value, int decimals) {
     static char ring[32][128];
     static unsigned next = 0;
     char *out = ring[next++ % 32];
-    // The run-time's %E writes sign, digit, point, digits, 'E', sign and at
-    // least two exponent digits: the card's form for every float.
-    c_snprintf(out, 128, "%.*E", decimals, value);
+    // The digits come correctly rounded from %E; the card's exponent has two
+    // digits (three only where a double needs them), where the run-time's
+    // %E writes at least three.
+    int n = c_snprintf(out, 128, "%.*E", decimals, value);
+    char *e = n > 0 ? std::strchr(out, 'E') : nullptr;
+    if (!e || (e[1] != '+' && e[1] != '-')) return out;
+    int exponent = FieldInt(e + 2);
+    c_snprintf(e + 2, size_t(128 - (e + 2 - out)), "%02d", exponent);
     return out;
 }
 
