@@ -411,10 +411,7 @@ private:
         if (!Letter(40, "TR ", r.outputYUnit, "Unrecognized output y unit %c.") ||
             !Letter(41, "WMN ", r.outputXUnit, "Unrecognized output x unit %c."))
             return false;
-        std::memcpy(r.delimiter, cards.Line() + 42, 8);
-        for (char &d : r.delimiter)
-            if (d == '\0') d = ' ';
-        r.delimiter[8] = '\0';
+        StoreText(r.delimiter, cards.Text(42, 8));
         if (!Letter(50, "WMN ", c, "Urecognized input x unit %c.")) return false;
         r.inputXUnit = INPUT_X_UNIT(c);
         if (!Letter(51, "TRGSCHU1234567 ", c, "Urecognized slit function %c.")) return false;
