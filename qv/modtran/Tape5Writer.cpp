@@ -75,6 +75,34 @@ void ClearUnusedGeometry(RUN &r) {
         if (field) *field = 0.0f;
 }
 
+// The columns a format fills when every value fits its width; -1 when a
+// conversion has no width (free-format cards).
+int NominalWidth(char const *format) {
+    int width = 0;
+    for (char const *p = format; *p; ++p) {
+        if (*p != '%') {
+            ++width;
+            continue;
+        }
+        if (*++p == '%') {
+            ++width;
+            continue;
+        }
+        while (*p == '-' || *p == '+' || *p == ' ' || *p == '0' || *p == '#')
+            ++p;
+        int field = 0;
+        for (; *p >= '0' && *p <= '9'; ++p)
+            field = field * 10 + (*p - '0');
+        if (*p == '.')
+            for (++p; *p >= '0' && *p <= '9'; ++p) {
+            }
+        if (field == 0 && *p != 'c') return -1;
+        width += field ? field : 1;
+        if (!*p) break;
+    }
+    return width;
+}
+
 class CRunWriter {
 public:
     CRunWriter(CModtranTape5File &owner, RUN &run, ICardSink &sink) : owner(owner), r(run), sink(sink) {}
@@ -92,9 +120,26 @@ private:
         int n = c_vsnprintf(text, sizeof text, format, args);
         va_end(args);
         if (n < 0 || size_t(n) >= sizeof text) n = int(std::strlen(text));
+        // A value wider than its field would shift every later column.
+        int nominal = NominalWidth(format);
+        if (nominal >= 0 && n != nominal) return Overflow(name);
         if (sink.Card(name, text, size_t(n))) return true;
         owner.SetLastError("The card %s could not be written.", name);
         return false;
+    }
+
+    bool Overflow(char const *name) {
+        owner.SetLastError("A value of card %s does not fit its columns.", name);
+        return false;
+    }
+
+    // One piece of a card made of pieces; false when a value overflows.
+    template <class... Args> bool Piece(char const *name, char *line, size_t size, size_t &used,
+                                        char const *format, Args... args) {
+        int n = c_snprintf(line + used, size - used, format, args...);
+        if (n < 0 || n != NominalWidth(format) || used + size_t(n) >= size) return Overflow(name);
+        used += size_t(n);
+        return true;
     }
 
     bool Card1() {
@@ -102,7 +147,7 @@ private:
         char reflectance[16];
         std::strcpy(reflectance, CModtranTape5File::FormatSurfaceReflectance(SURFACE_REFLECTANCE(r.surfaceReflectance),
                                                                              r.surfaceValue));
-        return Put("1", "%c%c%3d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%8.3f%s", char(r.bandModel), char(r.speed),
+        return Put("1", "%c%c%3d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%8.3f%7s", char(r.bandModel), char(r.speed),
                    int(r.atmosphereModel), int(r.losPath), int(r.executionMode), int(r.multipleScattering),
                    int(m[0]), int(m[1]), int(m[2]), int(m[3]), int(m[4]), int(m[5]), r.heavySpecies,
                    r.atmosphereCache, r.secondCache, D(r.tempAtFirstBoundary), reflectance);
@@ -114,7 +159,7 @@ private:
         char columns[2][16];
         for (int i = 0; i < 2; ++i)
             std::strcpy(columns[i], CModtranTape5File::FormatVerticalColumnType(r.columnType[i], r.columnValue[i]));
-        return Put("1A", "%c%c%3d%c%4d%10.3f%s%s %c %c %c %c  %10.3f", char(r.scatteringAlgo),
+        return Put("1A", "%c%c%3d%c%4d%10.3f%10s%10s %c %c %c %c  %10.3f", char(r.scatteringAlgo),
                    Flag(r.azimuthDependence), r.streams, Flag(r.solarIrradianceFile), r.solarIndex,
                    D(r.co2MixingRatio), columns[0], columns[1], Flag(r.solarUserFile), Flag(r.bandModelFile),
                    Flag(r.instrumentFilterFile), Flag(r.updateH2OAerosol), D(r.solarConstant)) &&
@@ -127,7 +172,7 @@ private:
 
     bool Card2() {
         float const *v = r.card2;
-        if (!Put("2", "%s%3d%c%4d%s%2d%5d%5d%5d%10.3f%10.3f%10.3f%10.3f%10.3f", r.aerosolPlus ? "A+" : "  ",
+        if (!Put("2", "%2s%3d%c%4d%3s%2d%5d%5d%5d%10.3f%10.3f%10.3f%10.3f%10.3f", r.aerosolPlus ? "A+" : "  ",
                  int(r.aerosolAttenuation), r.navyFlag ? 'N' : ' ', int(r.aerosolProfile), r.ussFlag ? "USS" : "   ",
                  int(r.volcano), r.coastal, int(r.cloudModel), r.avsa ? 1 : 0, D(v[0]), D(v[1]), D(v[2]), D(v[3]),
                  D(v[4])))
@@ -201,8 +246,9 @@ private:
                 size_t n = 0;
                 for (int j = k; j < k + 3 && j < spectra; ++j) {
                     float const *s = g[i].spectra[j];
-                    n += size_t(c_snprintf(line + n, sizeof line - n, "%6.2f%7.4f%7.4f%6.3f", D(s[0]), D(s[1]),
-                                           D(s[2]), D(s[3])));
+                    if (!Piece("2D2", line, sizeof line, n, "%6.2f%7.4f%7.4f%6.3f", D(s[0]), D(s[1]), D(s[2]),
+                               D(s[3])))
+                        return false;
                 }
                 if (!Put("2D2", "%s", line)) return false;
             }
@@ -247,9 +293,9 @@ private:
         char line[128] = "";
         size_t n = 0;
         for (int i = 0; i < count; ++i) {
-            n += size_t(scientific ? c_snprintf(line + n, sizeof line - n, " %9s", Sci(values[i]))
-                                   : c_snprintf(line + n, sizeof line - n, " %9.0f", D(values[i])));
-            if (n >= sizeof line) n = sizeof line - 1;
+            if (!(scientific ? Piece(name, line, sizeof line, n, " %9s", Sci(values[i]))
+                             : Piece(name, line, sizeof line, n, " %9.0f", D(values[i]))))
+                return false;
             if ((i + 1) % 8 == 0 || i + 1 == count) {
                 if (!Put(name, "%s", line)) return false;
                 n = 0;

@@ -375,3 +375,24 @@ TEST(Tape5Cards, SaveAndLoadThroughAPath) {
     EXPECT_NE(std::strstr(back.GetLastError(), "could not be opened"), nullptr);
     EXPECT_FALSE(back.Save(u"/nonexistent-dir/tape5"));
 }
+
+// The writer refuses a value that would shift every later column of its card
+// (the tool would read other numbers than the run holds).
+TEST(Tape5Cards, AValueWiderThanItsFieldIsRefused) {
+    CModtranTape5File tape5;
+    ASSERT_TRUE(tape5.SetGeometry(1.0e12f, 0.0f, 0.0f));
+    CMemFile out;
+    EXPECT_FALSE(tape5.Save(out));
+    EXPECT_STREQ(tape5.GetLastError(), "A value of card 3 does not fit its columns.");
+    ASSERT_TRUE(tape5.SetGeometry(-99999.5f, 0.0f, 0.0f)); // "-99999.500" fills its ten columns
+    EXPECT_TRUE(tape5.Save(out));
+    ASSERT_TRUE(tape5.SetSurfaceReflectance(SR_VALUE, 12345.0f));
+    EXPECT_FALSE(tape5.Save(out));
+    EXPECT_STREQ(tape5.GetLastError(), "A value of card 1 does not fit its columns.");
+    ASSERT_TRUE(tape5.SetSurfaceReflectance(SR_VALUE, 0.5f));
+    ASSERT_TRUE(tape5.SetAerosolInfo(false, true, AA_USER, AP_DEFAULT, VI_BACKGROUND, 0));
+    ASSERT_TRUE(tape5.SetAerosolRegion(0, 2, 1.0f, ""));
+    ASSERT_TRUE(tape5.SetAerosolRegionSpectra(0, 1, 1000.0f, 0.0f, 0.0f, 0.0f));
+    EXPECT_FALSE(tape5.Save(out));
+    EXPECT_STREQ(tape5.GetLastError(), "A value of card 2D2 does not fit its columns.");
+}
