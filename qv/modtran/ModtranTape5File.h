@@ -16,8 +16,12 @@
 // more rows than a table holds, or that chains more than kModtranMaxRuns runs.
 // The writer writes two columns as the tool reads them (phi of card 3 at
 // columns 71-80, the solar constant of card 1A at 51-60); the reader accepts
-// those numbers there and five columns to the left, where older writers put
-// them.
+// those numbers there and five (two) columns to the left, where older
+// writers put them. A value wider than its field is refused ("A value of
+// card %s does not fit its columns.") rather than shifting the columns
+// behind it. A vertical column field reads as "none" only when it is empty
+// or 0 ("0.5" is a scale the tool uses). Before card 3 the writer clears, in
+// the run itself, the geometry fields its line-of-sight type does not use.
 //
 // Save(path) writes the file directly (create or truncate, then write):
 // the file systems have no rename yet, so the save is not atomic; a failed

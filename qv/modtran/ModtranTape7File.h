@@ -13,9 +13,10 @@
 // is not 0 to 3, runs of different modes or lengths, columns the layout
 // lacks, columns in the high 32 bits (existing callers never ask Load for
 // those: T7C_SO2_TRANS, T7C_SOL_TR, T7C_SOLAR), and a run whose block ends
-// without its "-9999." line (a table cut short, whose last row may be
-// partial). Lines are read up to 255 bytes; the rest of a longer line is
-// skipped. Frequencies are always loaded.
+// without its "-9999." line or its whole header (a table cut short, whose
+// last row may be partial), or a file with no run at all. Blank lines
+// between blocks are skipped. Lines are read up to 255 bytes; the rest of a
+// longer line is skipped. Frequencies are always loaded.
 //
 // Ownership: the object owns its tables. Threads: one thread at a time.
 // Nothing here throws.

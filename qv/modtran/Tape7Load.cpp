@@ -21,6 +21,11 @@ struct SWanted {
     double TAPE7_DATA::*field;
 };
 
+bool IsBlank(char const *line) {
+    while (*line == ' ' || *line == '\t') ++line;
+    return *line == '\0';
+}
+
 bool IsEndOfRun(char const *line) {
     while (*line == ' ' || *line == '\t') ++line;
     return std::strncmp(line, "-9999.", 6) == 0;
@@ -34,12 +39,14 @@ public:
 
     // One run's block into run; kEnd at the end of the file.
     EResult ReadRun(TAPE7_RUN &run, int &mode, uint64_t &mask) {
-        if (!lines.Next()) return kEnd;
+        do // blank lines between blocks, or at the end, are no block
+            if (!lines.Next()) return kEnd;
+        while (IsBlank(lines.Line()));
         char digit = lines.Letter(14);
         if (digit < '0' || digit > '3') return kFailed;
         int runMode = digit - '0';
         for (int i = 1; i < kHeaderLines; ++i) {
-            if (!lines.Next()) return kEnd;
+            if (!lines.Next()) return kFailed; // a header cut short
             if (i == 5)
                 for (int k = 0; k < 3; ++k)
                     run.geometry[k] = lines.Double(k == 2 ? 30 : 10 * k, 10);

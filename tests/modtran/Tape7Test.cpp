@@ -228,6 +228,9 @@ TEST(Tape7, BrokenTablesFailAndNeverOverrun) {
     std::string cut = good.substr(0, good.find(" -9999.") - 7);
     EXPECT_FALSE(LoadText(tape7, cut, T7::T7C_TOT_TRANS)); // cut mid-line: no "-9999."
     EXPECT_FALSE(LoadText(tape7, good.substr(0, 40), T7::T7C_TOT_TRANS));
+    EXPECT_FALSE(LoadText(tape7, good + good.substr(0, 200), T7::T7C_TOT_TRANS)); // second header cut
+    EXPECT_TRUE(LoadText(tape7, good + "\r\n  \r\n" + good + "\n", T7::T7C_TOT_TRANS));
+    EXPECT_EQ(tape7.nRuns(), 2);
     EXPECT_FALSE(LoadText(tape7, "", T7::T7C_TOT_TRANS));
     EXPECT_FALSE(LoadText(tape7, good + RadianceRun(2, 2, {{1000, 0.5, 2e-6}}), T7::T7C_TOT_TRANS)); // lengths
     std::string mode3 = good;
