@@ -36,7 +36,8 @@ public:
     float Float(int column, int width);
     double Double(int column, int width);
     char Letter(int column) const { return column >= 0 && column < lineBytes ? line[column] : '\0'; }
-    // Puts the file back behind the last line taken.
+    // Puts the file back behind the last line taken (a line pushed back
+    // counts as taken).
     void Finish();
 
 private:

@@ -8,6 +8,9 @@
 // ended and has been reaped (no zombie is left); output that a grandchild
 // still writes to an inherited pipe after that is not waited for.
 //
+// A process that ignores SIGCHLD has its children reaped by the system: the
+// status is then -1 (not known).
+//
 // Threads: any thread; blocks it for as long as the child runs, without a
 // time limit.
 #pragma once
