@@ -30,6 +30,8 @@
 #include "qv/core/ModuleResources.h"
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
+#include "qv/core/CmdLine.h"
+#include "qv/core/VersionInfo.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
@@ -72,12 +74,16 @@
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/AtomicSave.h"
 #include "qv/filesystems/CWDFixer.h"
 #include "qv/filesystems/DirectoryMonitor.h"
 #include "qv/filesystems/DiskDirectoryMonitor.h"
+#include "qv/filesystems/FlatFileSystem.h"
+#include "qv/filesystems/MemFileSystem.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
+#include "qv/formats/tagged/XMLFile.h"
 
 // Numerics.
 #include "qv/numerics/TypedData.h"
@@ -93,6 +99,7 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+#include "qv/calibration/FrameTemperatures.h"
 
 // MODTRAN: tape5 decks, tape7 tables, running the tool.
 #include "qv/modtran/ModtranEnums.h"

@@ -16,7 +16,8 @@
 // followed), kept as the file name; a full path longer than 511 units fails.
 // Sharing behaves as on Windows between the opens of one file, also across
 // processes; a refused open never truncates or removes the file. Only regular
-// files open. Delete-on-close removes the name at once. On failure the handle
+// files open. An open that should start at the end (0x40) and cannot seek
+// there fails. Delete-on-close removes the name at once. On failure the handle
 // stays as it was, the log gets "CFile::Open(<full path>) FAILED." and the
 // result is false. Open does not close a handle it already has: open a CFile
 // once.
@@ -64,9 +65,13 @@ public:
     int64_t GetSize() override;
     int64_t GetPosition() override;
     int64_t Seek(int64_t offset, uint32_t origin) override;
-    // Sets the size; the position does not move. False if the system refuses.
+    // Sets the size; the position does not move. Growing takes the disk
+    // blocks at once, as Windows does, so a full disk fails here and not at a
+    // later write. False if the system refuses; the file is then as it was.
     bool SetSize(int64_t size) override;
     void Flush() override;
+    // Flush that tells whether the system wrote the data to the device.
+    bool Sync();
     void Close() override; // nothing on a closed file
 
     using IFile::Remove; // the file's Remove(pos, n) beside the static one

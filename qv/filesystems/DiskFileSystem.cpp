@@ -97,6 +97,14 @@ bool CFileSystem::DeleteFileW(char16_t const *path) {
     return RemoveDiskName(path);
 }
 
+bool CFileSystem::RenameFileW(char16_t const *oldPath, char16_t const *newPath) {
+    return oldPath && newPath && RenameDiskName(oldPath, newPath);
+}
+
+uint32_t CFileSystem::GetCapabilities() {
+    return kCapabilityRename;
+}
+
 bool CFileSystem::CreateDirectoryW(char16_t const *path, bool recursive) {
     if (!path) return false;
     if (!recursive) return MakeDiskDirectory(path);

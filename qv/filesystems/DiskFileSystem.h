@@ -16,6 +16,8 @@
 // SetFileAttributesW only (read-only: the write permission bits; hidden: an
 // extended attribute where the disk keeps one) and never reported.
 // DeleteFileW first makes the file normal, so a read-only file goes too.
+// RenameFileW syncs the file's data before the name moves and replaces a file
+// at the new name (never a directory); capabilities: kCapabilityRename.
 // CreateDirectoryW(path, true) makes every missing level (a failure marks the
 // result false, the walk goes on) and keeps a leading '/'.
 // RemoveDirectoryW(path, true) removes the tree below path, links as names
@@ -47,6 +49,7 @@ public:
     using CWin32DirectoryMonitor = ::qv::CWin32DirectoryMonitor; // qv/filesystems/DiskDirectoryMonitor.h
 
     IDirectoryMonitor *MonitorDirectory(char16_t const *dir, uint32_t flags) override;
+    uint32_t GetCapabilities() override;
     IFile *CreateFileW(char16_t const *path, uint32_t flags) override;
     CDirectoryListing GetDirectoryListing(char16_t const *dir, char16_t const *pattern) override;
     CDirectoryEntry GetFileInfo(char16_t const *path) override;
@@ -58,6 +61,7 @@ public:
     bool RemoveDirectoryW(char16_t const *path, bool recursive) override;
     bool SetCurrentWorkingDirectory(char16_t const *path) override;
     bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
+    bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override;
     using IFileSystem::GetCurrentWorkingDirectory;
     using IFileSystem::GetFullPath;
 

@@ -54,6 +54,10 @@ bool IFileSystem::SetFileModifiedTime(char16_t const *, CDateTime) {
     return false;
 }
 
+bool IFileSystem::RenameFileW(char16_t const *, char16_t const *) {
+    return false;
+}
+
 bool IFileSystem::FileExists(char16_t const *path) {
     return IsFile(path);
 }

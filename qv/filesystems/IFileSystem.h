@@ -24,17 +24,27 @@
 // copies one of its files to another of its paths itself (the protected
 // CopyFileW(srcPath, dstPath, ...)); kCapabilityCopyAcross, it copies to and
 // from other file systems and IFile objects itself (the other protected
-// forms). The library's own file systems answer 0.
+// forms); kCapabilityRename, RenameFileW works. The disk answers
+// kCapabilityRename; the base answers 0.
+//
+// Renaming (RenameFileW): moves the file at oldPath to newPath, replacing a
+// file there, in one step that leaves either the old or the new state, never
+// a mix. The base answers false. It is how whole-file saves stay atomic (see
+// qv/filesystems/AtomicSave.h).
 //
 // Copying (the static CopyFileW forms). The core form copies count bytes
 // from src's position to dst's in blocks of 0x80000 bytes (one heap block per
 // copy); progress, if not null, is called with (count, 0) first and with
 // (count, done) after each write. Zero bytes succeed and report (0, 0) once.
 // A source that ends early, a short write or a negative count give false.
-// Opening for writing uses 0x28 (create or truncate) with overwrite and 0x24
-// (must not exist) without. Where a copy to a path fails after the
-// destination was opened, the destination is deleted; a destination that
-// could not be opened (one that exists, without overwrite) is left alone.
+// A copy to a path with overwrite writes a new file beside the destination
+// and renames it over the destination at the end (CAtomicSave), so a copy
+// that fails leaves an existing destination whole and removes the new file;
+// on a file system without kCapabilityRename it opens the destination with
+// 0x28 (create or truncate) and a failure leaves it damaged. Without
+// overwrite it opens with 0x24 (must not exist); a destination that could not
+// be opened (one that exists) is left alone, and one that was opened and then
+// not filled is deleted.
 //
 // Deriving: overriding GetFullPath, GetCurrentWorkingDirectory or a CopyFileW
 // form hides the other forms of that name; bring them back with a
@@ -63,6 +73,7 @@ using CopyProgressRoutine = void (*)(int64_t total, int64_t done, void *context)
 
 inline constexpr uint32_t kCapabilityCopyWithin = 0x2;
 inline constexpr uint32_t kCapabilityCopyAcross = 0x4;
+inline constexpr uint32_t kCapabilityRename = 0x8;
 
 // Block size of the copy loop.
 inline constexpr uint32_t kCopyBlockSize = 0x80000;
@@ -119,6 +130,8 @@ public:
     virtual bool FileExists(char16_t const *path);
     virtual bool IsFile(char16_t const *path);      // GetFileInfo has kAttributeFile
     virtual bool IsDirectory(char16_t const *path); // GetFileInfo has kAttributeDirectory
+    // Added after the designed slots: see "Renaming" above. False: nothing moved.
+    virtual bool RenameFileW(char16_t const *oldPath, char16_t const *newPath); // false
 
     // ---- Helpers (2,048-unit buffers; empty where the virtual fails) ----
     CString GetCurrentWorkingDirectory();

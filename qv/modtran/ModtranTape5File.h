@@ -23,9 +23,10 @@
 // or 0 ("0.5" is a scale the tool uses). Before card 3 the writer clears, in
 // the run itself, the geometry fields its line-of-sight type does not use.
 //
-// Save(path) writes the file directly (create or truncate, then write):
-// the file systems have no rename yet, so the save is not atomic; a failed
-// write gives false.
+// Save(path) writes the deck beside the file and renames it over the file
+// (CAtomicSave, qv/filesystems/AtomicSave.h): a save that fails leaves the
+// old file whole, with "The file %s could not be opened." or "... could not
+// be replaced." or the writer's own text.
 //
 // Ownership: the object owns its runs; files are the caller's. Threads: no
 // locks, and FormatSurfaceReflectance / FormatVerticalColumnType give

@@ -1,5 +1,6 @@
 // Load and Save of a whole deck, from an IFile or a disk path.
 #include "qv/files/File.h"
+#include "qv/filesystems/AtomicSave.h"
 #include "qv/modtran/ModtranTape5File.h"
 
 namespace qv {
@@ -28,12 +29,15 @@ bool CModtranTape5File::Load(char16_t const *path) {
 }
 
 bool CModtranTape5File::Save(char16_t const *path) {
-    CFile file;
-    if (!file.Open(path, 0x08 | 0x20)) {
+    CAtomicSave save(nullptr, path);
+    if (!save.File()) {
         SetLastError("The file %s could not be opened.", CString(path).GetUTF8());
         return false;
     }
-    return Save(static_cast<IFile &>(file));
+    if (!Save(*save.File())) return false; // the old file stays; the text says what failed
+    if (save.Commit()) return true;
+    SetLastError("The file %s could not be replaced.", CString(path).GetUTF8());
+    return false;
 }
 
 } // namespace qv

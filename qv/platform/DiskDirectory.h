@@ -31,6 +31,7 @@ bool ListDiskDirectory(char16_t const *dir, TArray<DiskDirectoryItem> &items);
 bool MakeDiskDirectory(char16_t const *path);   // one level
 bool RemoveDiskDirectory(char16_t const *path); // an empty one
 bool RemoveDiskName(char16_t const *path);      // a file or link, never a directory
+bool RenameDiskName(char16_t const *from, char16_t const *to); // see RenameDiskFile
 bool SetDiskWorkingDirectory(char16_t const *path);
 
 } // namespace qv

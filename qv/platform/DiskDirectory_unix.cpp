@@ -78,6 +78,10 @@ bool RemoveDiskName(char16_t const *path) {
     return RemoveDiskFile(ToDiskName(path).c_str());
 }
 
+bool RenameDiskName(char16_t const *from, char16_t const *to) {
+    return RenameDiskFile(ToDiskName(from).c_str(), ToDiskName(to).c_str());
+}
+
 bool SetDiskWorkingDirectory(char16_t const *path) {
     return ::chdir(ToDiskName(path).c_str()) == 0;
 }

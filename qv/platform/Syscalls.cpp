@@ -2,6 +2,7 @@
 #include "qv/platform/Syscalls.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <unistd.h>
 
 namespace qv {
@@ -26,7 +27,8 @@ ssize_t CopyFileRangeDefault(int in, int out, size_t n) {
 
 constexpr SyscallTable kSystem{
     &OpenDefault, &::close,      &::read,  &::write,  &::lseek,    &::ftruncate,          &::fsync,
-    &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault, &CopyFileRangeDefault,
+    &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault, &CopyFileRangeDefault, &::rename,
+    &::fallocate,
 };
 
 SyscallTable table = kSystem;
@@ -89,6 +91,12 @@ int SysDup(int fd) {
 }
 ssize_t SysCopyFileRange(int in, int out, size_t n) {
     return Retry([&] { return table.copyFileRange(in, out, n); });
+}
+int SysRename(char const *from, char const *to) {
+    return Retry([&] { return table.rename(from, to); });
+}
+int SysFallocate(int fd, int mode, off_t offset, off_t length) {
+    return Retry([&] { return table.fallocate(fd, mode, offset, length); });
 }
 
 } // namespace qv

@@ -36,6 +36,9 @@ struct SyscallTable {
     int (*dup)(int fd); // the default returns a close-on-exec duplicate
     // copy_file_range from the current offset of in to that of out.
     ssize_t (*copyFileRange)(int in, int out, size_t n);
+    int (*rename)(char const *from, char const *to);
+    // Reserves the blocks of [offset, offset + length) (mode 0: the size grows to cover them).
+    int (*fallocate)(int fd, int mode, off_t offset, off_t length);
 };
 
 // The live table; tests replace entries and call ResetSyscalls() after.
@@ -57,5 +60,7 @@ int SysFstat(int fd, struct stat *st);
 int SysUnlink(char const *path);
 int SysDup(int fd);
 ssize_t SysCopyFileRange(int in, int out, size_t n);
+int SysRename(char const *from, char const *to);
+int SysFallocate(int fd, int mode, off_t offset, off_t length);
 
 } // namespace qv

@@ -182,7 +182,7 @@ TEST(DiskFileSystem, IsTheOneDiskEverywhere) {
     ScratchDir dir;
     EXPECT_EQ(&GetFileSystem(), static_cast<IFileSystem *>(FileSystem));
     EXPECT_EQ(&CFile().GetFileSystem(), &GetFileSystem());
-    EXPECT_EQ(FileSystem->GetCapabilities(), 0u);
+    EXPECT_EQ(FileSystem->GetCapabilities(), kCapabilityRename);
     EXPECT_FALSE(FileSystem->Defragment());
     ASSERT_TRUE(WriteWhole(*FileSystem, dir.Text("f"), ""));
     EXPECT_EQ(FileSystem->MonitorDirectory(dir.Text("f"), 1), nullptr); // not a directory

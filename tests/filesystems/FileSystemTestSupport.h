@@ -88,6 +88,9 @@ public:
     bool GetCurrentWorkingDirectory(char16_t *out, int size) override {
         return inner.GetCurrentWorkingDirectory(out, size);
     }
+    bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override {
+        return inner.RenameFileW(oldPath, newPath);
+    }
     using IFileSystem::GetCurrentWorkingDirectory;
     using IFileSystem::GetFullPath;
 

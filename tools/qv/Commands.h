@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "qv/core/VersionInfo.h"
 #include "qv/files/File.h"
 #include "qv/formats/tagged/SAFFile.h"
 
@@ -53,5 +54,11 @@ int RunModtranShow(char *const *args);
 int RunModtranWrite(char *const *args);
 int RunModtranRun(char *const *args);
 int RunModtranTable(char *const *args);
+int RunVersionShow(char *const *args);
+int RunVersionSet(char *const *args);
+
+// Extracts the version resource of the executable at path; on failure the
+// message is printed and false returned.
+bool ExtractVersion(char const *path, qv::CVersionInfo &info);
 
 } // namespace qvtool

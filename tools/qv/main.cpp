@@ -22,6 +22,10 @@ Command const kCommands[] = {
     {"modtran run", "TAPE5 [--tool PATH]", "run the MODTRAN tool on a deck and print its tape7 table",
      RunModtranRun},
     {"modtran table", "TAPE7 [--csv]", "print the columns of a MODTRAN tape7 table", RunModtranTable},
+    {"version show", "EXE", "print the version resource of a Windows executable (PE32 or PE32+)", RunVersionShow},
+    {"version set", "EXE NAME VALUE",
+     "stamp a version string, Version (a.b.c.d) or Beta (yes/no) into a Windows executable in place",
+     RunVersionSet},
 };
 
 int CountWords(char const *text) {
