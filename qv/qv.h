@@ -107,3 +107,10 @@
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
 #include "qv/calibration/FrameTemperatures.h"
+
+// MODTRAN: tape5 decks, tape7 tables, running the tool.
+#include "qv/modtran/ModtranEnums.h"
+#include "qv/modtran/ModtranRun.h"
+#include "qv/modtran/ModtranTape5File.h"
+#include "qv/modtran/ModtranTape7File.h"
+#include "qv/modtran/RunModtran.h"

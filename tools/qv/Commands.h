@@ -17,12 +17,13 @@ namespace qvtool {
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
 
-// A handler gets exactly the arguments its row names, as UTF-8 text.
+// A handler gets the arguments its row names, as UTF-8 text, followed by a
+// null; arguments in [brackets] may be left out.
 using Handler = int (*)(char *const *args);
 
 struct Command {
     char const *words;     // what selects it, e.g. "saf show"
-    char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument
+    char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument, optional ones in [ ]
     char const *summary;   // one line for the help
     Handler run;
 };
@@ -55,6 +56,10 @@ int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
 int RunCal(char *const *args);
+int RunModtranShow(char *const *args);
+int RunModtranWrite(char *const *args);
+int RunModtranRun(char *const *args);
+int RunModtranTable(char *const *args);
 int RunVersionShow(char *const *args);
 int RunVersionSet(char *const *args);
 

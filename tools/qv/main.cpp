@@ -17,6 +17,11 @@ Command const kCommands[] = {
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
      "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+    {"modtran show", "TAPE5 [--json]", "print each run of a MODTRAN deck and its cards, named", RunModtranShow},
+    {"modtran write", "TAPE5 OUT", "read a MODTRAN deck and write it back as qv lays out its cards", RunModtranWrite},
+    {"modtran run", "TAPE5 [--tool PATH]", "run the MODTRAN tool on a deck and print its tape7 table",
+     RunModtranRun},
+    {"modtran table", "TAPE7 [--csv]", "print the columns of a MODTRAN tape7 table", RunModtranTable},
     {"version show", "EXE", "print the version resource of a Windows executable (PE32 or PE32+)", RunVersionShow},
     {"version set", "EXE NAME VALUE",
      "stamp a version string, Version (a.b.c.d) or Beta (yes/no) into a Windows executable in place",
@@ -36,6 +41,16 @@ int CountWords(char const *text) {
     int words = 0;
     for (char const *p = text; *p; ++p)
         if (*p != ' ' && (p == text || p[-1] == ' ')) ++words;
+    return words;
+}
+
+// Words of an argument list outside [brackets]: the ones a command needs.
+int CountRequiredWords(char const *text) {
+    int words = 0, depth = 0;
+    for (char const *p = text; *p; ++p) {
+        depth += (*p == '[') - (*p == ']');
+        if (*p != ' ' && *p != ']' && depth == 0 && (p == text || p[-1] == ' ')) ++words;
+    }
     return words;
 }
 
@@ -69,7 +84,8 @@ int main(int argc, char **argv) {
         Command const &command = table.rows[i];
         if (!Matches(command.words, argc - 1, argv + 1)) continue;
         int used = CountWords(command.words);
-        if (argc - 1 - used != CountWords(command.arguments)) {
+        int given = argc - 1 - used;
+        if (given < CountRequiredWords(command.arguments) || given > CountWords(command.arguments)) {
             std::fprintf(stderr, "usage: qv %s %s\n", command.words, command.arguments);
             return kExitUsage;
         }
