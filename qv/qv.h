@@ -72,9 +72,12 @@
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/AtomicSave.h"
 #include "qv/filesystems/CWDFixer.h"
 #include "qv/filesystems/DirectoryMonitor.h"
 #include "qv/filesystems/DiskDirectoryMonitor.h"
+#include "qv/filesystems/FlatFileSystem.h"
+#include "qv/filesystems/MemFileSystem.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"

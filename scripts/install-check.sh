@@ -19,4 +19,20 @@ flags=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs qv)
 # shellcheck disable=SC2086
 c++ cmake/install-check/main.cpp $flags -o "$prefix/consumer-pc"
 LD_LIBRARY_PATH="$prefix/lib" "$prefix/consumer-pc"
+
+# The examples build against the installed library and run.
+cmake -S examples -B "$prefix/examples" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$prefix/examples" >/dev/null
+"$prefix/examples/read_saf_header" data/sample.saf >/dev/null
+cp data/sample.saf "$prefix/sample.saf"
+"$prefix/examples/change_saf_tag" "$prefix/sample.saf" Operator example >/dev/null
+"$prefix/examples/read_saf_header" "$prefix/sample.saf" | grep -q '^Operator = example$'
+"$prefix/examples/calibrate_frame" >/dev/null
+mkdir "$prefix/watched"
+"$prefix/examples/watch_directory" "$prefix/watched" 2 >"$prefix/watched.log" &
+watcher=$!
+sleep 1
+touch "$prefix/watched/new.txt"
+wait "$watcher"
+grep -q '^added new.txt$' "$prefix/watched.log"
 echo "install check passed"

@@ -10,7 +10,7 @@ packages="
   zlib1g-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libsqlite3-dev libcminpack-dev
   libtiff-tools pngcheck libjpeg-turbo-progs sqlite3 libxml2-utils
   python3 python3-numpy python3-scipy python3-dateutil
-  locales
+  locales doxygen
 "
 
 missing=""

@@ -64,7 +64,9 @@ public:
     int64_t GetSize() override;
     int64_t GetPosition() override;
     int64_t Seek(int64_t offset, uint32_t origin) override;
-    // Sets the size; the position does not move. False if the system refuses.
+    // Sets the size; the position does not move. Growing takes the disk
+    // blocks at once, as Windows does, so a full disk fails here and not at a
+    // later write. False if the system refuses; the file is then as it was.
     bool SetSize(int64_t size) override;
     void Flush() override;
     void Close() override; // nothing on a closed file

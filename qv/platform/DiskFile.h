@@ -32,6 +32,9 @@ uint32_t WriteDiskFile(intptr_t handle, void const *p, uint32_t n);
 // The new position, -1 on failure.
 int64_t SeekDiskFile(intptr_t handle, int64_t offset, SeekOrigin origin);
 int64_t GetDiskFileSize(intptr_t handle); // -1 on failure
+// Growing reserves the new blocks first (fallocate; where the file system
+// cannot, the new bytes are written as zeros), so a full disk fails here with
+// the file as it was. The position does not move.
 bool SetDiskFileSize(intptr_t handle, int64_t size);
 bool FlushDiskFile(intptr_t handle);
 bool RemoveDiskFile(char const *path);

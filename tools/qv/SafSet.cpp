@@ -13,6 +13,9 @@ int RunSafSet(char *const *args) {
     qv::CFile file;
     qv::CSAFFile saf;
     if (!OpenSaf(path, 0x02 | 0x10 | 0x20, file, saf)) return kExitFailed;
+    if (!saf.HeaderEndsAsStated())
+        return Fail("%s has a fixed-size header whose HdSize falls inside a line; it cannot be rewritten in place",
+                    path);
 
     char16_t const *old = saf.GetTagValue(name.GetUTF16());
     qv::CString before(old ? old : u"");

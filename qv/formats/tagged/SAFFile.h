@@ -20,8 +20,8 @@
 //     value): the reader takes lines of at most 511 bytes before the LF;
 //   - a new tag named HdSize, DATA or saf_padding (the reader treats those
 //     lines specially);
-//   - an HdSize value other than "auto" (any case): a number there makes the
-//     reader stop at that byte, as in the older fixed-size headers.
+//   - an HdSize value other than "auto" (any case): a number there is read as
+//     an older fixed-size header's size (see Load).
 // Leading and trailing blanks of a value are not kept by a load. The tag
 // returned by operator[](index) is the stored tag itself: what a caller
 // writes through it is not checked.
@@ -31,6 +31,13 @@
 // line gets a DATA tag, so that the last tag is always DATA and a rewrite never
 // drops a real tag. Older fixed-size headers (HdSize holding the header's size
 // in bytes, no DATA line) load with HdSize "Auto" and a DATA tag supplied.
+// Such a header ends where a line ends exactly at that byte count. Lines are
+// read whole, so a count that falls inside a line is passed over and the
+// reader goes on into the data up to a DATA line or one of the ends above
+// (the tags it finds there are kept: existing readers see the same). Then the
+// header did not end at its stated size, HeaderEndsAsStated() is false, and
+// Update refuses the file: its data position is not trustworthy, and
+// rewriting the header would overwrite image data.
 //
 // Failures are reported by bool only; nothing throws on bad file content.
 // A failed Load keeps the tags read so far, with filename cleared.
@@ -102,9 +109,14 @@ public:
     // stays within 16..4096 bytes, otherwise the data moves once so that 2048
     // bytes of padding remain. f is left positioned at the data segment. The
     // object's own data position and file name are not changed. False with
-    // no f or no tags (f untouched), or if moving the data failed (the header
-    // is then not written; IFile::Insert/Remove tell what they leave behind).
-    // Short header writes are not detected: they show at the next Load.
+    // no f or no tags, after a Load whose header did not end at its stated
+    // size (see HeaderEndsAsStated), or with a header too large (f untouched
+    // in all these). On a failure of f it is false too, dataPosition keeps its
+    // value, and f is left as IFile::Insert/Remove leave it: unchanged when
+    // the data could not move (a full disk among others); when the header
+    // write itself fails or falls short, the move is undone and the old
+    // header bytes put back, so that the file still says where its data is.
+    // Only if those writes fail as well is the file damaged.
     bool Update(IFile *f, uint32_t &dataPosition, bool pad) const;
     // dataPosition = 0, then Update: whatever f holds becomes the data segment.
     bool SaveTo(IFile *f, uint32_t &dataPosition, bool pad) const;
@@ -140,6 +152,9 @@ public:
     bool RemoveTag(char16_t const *name);
 
     uint32_t GetDataPosition() const;
+    // False after a Load of a fixed-size header whose HdSize fell inside a
+    // line (see Load); true otherwise.
+    bool HeaderEndsAsStated() const;
     char16_t const *GetFilename() const; // never null
     IFileSystem *GetFileSystem() const;
 
@@ -148,6 +163,7 @@ protected:
     IFileSystem *fileSystem; // not owned; null until a load or save by path
     uint32_t dataPosition;   // offset of the data segment (the header's size)
     TArray<SAF_TAG> tags;
+    bool headerEndsAsStated = true;
 
 private:
     bool FindTag(char16_t const *name, SAF_TAG *&tag);
