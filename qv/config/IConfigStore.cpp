@@ -23,12 +23,11 @@ CString IConfigStore::ExpandPath(char16_t const *name) const {
     CString base = CPathAlgebra::IsSeparator(text[0]) ? CString(u"/") : current;
     CString expanded = path::ExpandRelativePath(base, CString(text), u'/');
     if (expanded.GetLength() >= PathSize) expanded.Truncate(PathSize - 1);
-    return expanded;
+    return expanded.IsEmpty() ? CString(u"/") : expanded; // ".." above the root stays there
 }
 
 bool IConfigStore::cd(char16_t const *path) {
     current = ExpandPath(path);
-    if (current.IsEmpty()) current = u"/";
     return true;
 }
 

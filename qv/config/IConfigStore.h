@@ -106,7 +106,7 @@ public:
                      char16_t const *sourcePath);
 
     // The absolute, expanded form of name against the current path, '/'
-    // separated, cut to PathSize - 1 units.
+    // separated, cut to PathSize - 1 units; "/" when nothing is left.
     CString ExpandPath(char16_t const *name) const;
 
 protected:

@@ -77,23 +77,28 @@ bool CINIStore::Load(IFile *file) {
     return complete;
 }
 
-bool CINIStore::SaveNode(int32_t node, CString const &parentPath, IFile &file) {
+void CINIStore::SaveNode(int32_t node, CString const &parentPath, std::string &text) const {
     SNode const &self = nodes.GetAt(uint32_t(node));
     CString nodePath = node == 0 ? self.name : path::MakePath(parentPath, self.name, u'/');
-    bool written = true;
-    if (node != 0) written = file.WriteFormattedString("[%S]\r\n", nodePath.GetUTF16());
+    if (node != 0) text.append("[").append(nodePath.GetUTF8()).append("]\r\n");
     // Depth is bounded: paths are cut at IConfigStore::PathSize units, so a
     // tree holds at most PathSize / 2 levels.
-    for (int32_t child = self.firstChild; child >= 0 && written; child = nodes.GetAt(uint32_t(child)).nextSibling) {
+    for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling) {
         SNode const &leaf = nodes.GetAt(uint32_t(child));
-        if (leaf.firstChild < 0) written = file.WriteFormattedString("%S=%S\r\n", leaf.name.GetUTF16(), leaf.value.GetUTF16());
-        else written = SaveNode(child, nodePath, file);
+        if (leaf.firstChild >= 0) {
+            SaveNode(child, nodePath, text);
+            continue;
+        }
+        text.append(leaf.name.GetUTF8()).append("=").append(leaf.value.GetUTF8()).append("\r\n");
     }
-    return written;
 }
 
 bool CINIStore::Save(IFile *file) {
-    return file && SaveNode(0, CString(u""), *file);
+    if (!file) return false;
+    std::string text;
+    SaveNode(0, CString(u""), text);
+    // One write: the text is formed in memory first.
+    return text.size() <= UINT32_MAX && file->WriteBytes(text.data(), uint32_t(text.size()));
 }
 
 } // namespace qv

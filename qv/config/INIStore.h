@@ -19,6 +19,8 @@
 // on the format behaving so, and it is kept.
 #pragma once
 
+#include <string>
+
 #include "qv/config/FileStore.h"
 
 namespace qv {
@@ -32,7 +34,7 @@ public:
 
 private:
     void LoadLine(char *line, CString &section);
-    bool SaveNode(int32_t node, CString const &parentPath, IFile &file);
+    void SaveNode(int32_t node, CString const &parentPath, std::string &text) const;
 };
 
 } // namespace qv
