@@ -28,6 +28,25 @@ inline std::set<std::string> NameSet(TArray<CString> const &names) {
     return set;
 }
 
+// A scratch directory in memory (/dev/shm) where there is one, for the
+// tests whose many synced saves would otherwise wait on a disk.
+class MemoryScratchDir {
+public:
+    MemoryScratchDir() {
+        std::error_code error;
+        std::string base = std::filesystem::is_directory("/dev/shm", error) ? "/dev/shm/" : testing::TempDir();
+        std::string pattern = base + "qv_config_XXXXXX";
+        path = mkdtemp(pattern.data()) ? pattern : std::string();
+    }
+    ~MemoryScratchDir() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    std::string Path(char const *name) const { return path + "/" + name; }
+    CString Text(char const *name) const { return CString(Path(name).c_str()); }
+    std::string path;
+};
+
 // One kind of store and the ways it differs from CMemStore by design.
 struct StoreKind {
     std::string name;

@@ -231,6 +231,8 @@ TEST_F(Registry, StoreTypesListsAndUnlinks) {
 
 TEST_F(Registry, WritersInSeveralProcessesLoseNothing) {
     constexpr int kProcesses = 4, kWrites = 200;
+    MemoryScratchDir shared;
+    RegSetRootDirectory(HKEY_CURRENT_USER, shared.Text("reg"));
     std::vector<pid_t> children;
     for (int p = 0; p < kProcesses; ++p) {
         pid_t pid = fork();
