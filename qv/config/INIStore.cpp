@@ -81,16 +81,17 @@ void CINIStore::SaveNode(int32_t node, CString const &parentPath, std::string &t
     SNode const &self = nodes.GetAt(uint32_t(node));
     CString nodePath = node == 0 ? self.name : path::MakePath(parentPath, self.name, u'/');
     if (node != 0) text.append("[").append(nodePath.GetUTF8()).append("]\r\n");
-    // Depth is bounded: paths are cut at IConfigStore::PathSize units, so a
-    // tree holds at most PathSize / 2 levels.
+    // A node's leaves go before its sub-entries: written after a sub-entry's
+    // header they would read back inside it, and the key would be lost from
+    // its own path. Depth is bounded: paths are cut at IConfigStore::PathSize
+    // units, so a tree holds at most PathSize / 2 levels.
     for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling) {
         SNode const &leaf = nodes.GetAt(uint32_t(child));
-        if (leaf.firstChild >= 0) {
-            SaveNode(child, nodePath, text);
-            continue;
-        }
-        text.append(leaf.name.GetUTF8()).append("=").append(leaf.value.GetUTF8()).append("\r\n");
+        if (leaf.firstChild < 0)
+            text.append(leaf.name.GetUTF8()).append("=").append(leaf.value.GetUTF8()).append("\r\n");
     }
+    for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling)
+        if (nodes.GetAt(uint32_t(child)).firstChild >= 0) SaveNode(child, nodePath, text);
 }
 
 bool CINIStore::Save(IFile *file) {

@@ -13,10 +13,11 @@
 // line reads as something; Load(IFile*) is false only when a read fails.
 //
 // Save writes the root's leaves first with no header, then "[path]\r\n" for
-// each entry followed by its leaves as "name=value\r\n", depth first in child
-// order. A leaf that follows a sub-entry in child order lands under that
-// sub-entry's header and so comes back there on load; existing files depend
-// on the format behaving so, and it is kept.
+// each entry, path being "/a/b" as MakePath forms it from the root's empty
+// name, with the entry's leaves as "name=value\r\n", then its sub-entries,
+// depth first in child order. Leaves always come before sub-entries: a leaf
+// written after a sub-entry's header would come back inside that sub-entry on
+// load, its own path lost.
 #pragma once
 
 #include <string>

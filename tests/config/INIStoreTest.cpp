@@ -70,16 +70,19 @@ TEST(INIStore, SaveWritesTheDesignedBytes) {
     store.SetString(u"/a/three", u"3");
     store.SetString(u"/c/d", u"ü");
     // Section paths start with the separator, as existing files have them.
-    EXPECT_EQ(SavedText(store), "root=r\r\n[/a]\r\none=1\r\n[/a/b]\r\ntwo=2\r\nthree=3\r\n[/c]\r\nd=\xC3\xBC\r\n");
+    EXPECT_EQ(SavedText(store), "root=r\r\n[/a]\r\none=1\r\nthree=3\r\n[/a/b]\r\ntwo=2\r\n[/c]\r\nd=\xC3\xBC\r\n");
 }
 
-TEST(INIStore, AKeyAfterASubsectionComesBackInIt) {
+TEST(INIStore, AKeyMadeAfterASubsectionComesBackWhereItWas) {
     CINIStore store;
     store.SetString(u"/a/b/two", u"2");
     store.SetString(u"/a/three", u"3");
+    store.SetString(u"/top", u"t");
     std::string text = SavedText(store);
+    EXPECT_EQ(text, "top=t\r\n[/a]\r\nthree=3\r\n[/a/b]\r\ntwo=2\r\n");
     CINIStore again = LoadText(text);
-    EXPECT_EQ(Utf8(again.GetString(u"/a/b/three", u"moved?")), "3") << "the format behaves so";
+    EXPECT_EQ(Utf8(again.GetString(u"/a/three", u"lost")), "3");
+    EXPECT_EQ(Utf8(again.GetString(u"/top", u"lost")), "t");
 }
 
 TEST(INIStore, HostileLinesNeverStopTheLoad) {

@@ -48,5 +48,8 @@ int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
 int RunCal(char *const *args);
+int RunConfigGet(char *const *args);
+int RunConfigSet(char *const *args);
+int RunConfigDump(char *const *args);
 
 } // namespace qvtool

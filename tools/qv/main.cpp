@@ -17,6 +17,9 @@ Command const kCommands[] = {
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
      "fit a calibration to measured points and convert counts to temperatures", RunCal},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+    {"config get", "STORE PATH", "print one setting of a .ini, .xml or .db file, reg:user or reg:machine", RunConfigGet},
+    {"config set", "STORE PATH VALUE", "write one setting (as text) and save the store", RunConfigSet},
+    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump},
 };
 
 int CountWords(char const *text) {
