@@ -81,6 +81,7 @@
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
+#include "qv/formats/tagged/XMLFile.h"
 
 // Numerics.
 #include "qv/numerics/TypedData.h"
