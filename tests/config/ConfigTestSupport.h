@@ -14,6 +14,7 @@
 #include "qv/config/MemStore.h"
 #include "qv/config/RegStore.h"
 #include "qv/config/SqliteStore.h"
+#include "qv/config/XMLStore.h"
 
 namespace qv::test {
 
@@ -57,6 +58,7 @@ struct StoreKind {
     bool keepsTypes = false;      // a value keeps the type it was first written with
     bool valuesHoldDelimiters = true; // a value may hold '=', tab (INI may not)
     bool persists = true;
+    bool emptyValuesVanish = false; // a key holding "" is gone after a reload
 };
 
 // A store of the kind over a scratch directory. Reopen gives a second store
@@ -70,19 +72,23 @@ public:
 
     std::unique_ptr<IConfigStore> Reopen() {
         if (kind.name == "memory") return std::make_unique<CMemStore>(static_cast<CMemStore &>(*store));
-        if (kind.name == "ini") {
-            EXPECT_TRUE(static_cast<CINIStore &>(*store).Save(dir.Text("store.ini")));
-            auto again = std::make_unique<CINIStore>();
-            EXPECT_TRUE(again->Load(dir.Text("store.ini")));
-            return again;
-        }
+        if (kind.name == "ini") return SavedAndLoaded<CINIStore>("store.ini");
+        if (kind.name == "xml") return SavedAndLoaded<CXMLStore>("store.xml");
         return Make();
     }
 
 private:
+    template <class FileStore> std::unique_ptr<IConfigStore> SavedAndLoaded(char const *name) {
+        EXPECT_TRUE(static_cast<FileStore &>(*store).Save(dir.Text(name)));
+        auto again = std::make_unique<FileStore>();
+        EXPECT_TRUE(again->Load(dir.Text(name)));
+        return again;
+    }
+
     std::unique_ptr<IConfigStore> Make() {
         if (kind.name == "memory") return std::make_unique<CMemStore>();
         if (kind.name == "ini") return std::make_unique<CINIStore>();
+        if (kind.name == "xml") return std::make_unique<CXMLStore>();
         if (kind.name == "sqlite") {
             auto sqlite = std::make_unique<CsqliteStore>();
             EXPECT_TRUE(sqlite->Open(dir.Text("store.db")));
@@ -104,6 +110,8 @@ inline std::vector<StoreKind> AllStoreKinds() {
     memory.persists = false;
     StoreKind ini{"ini"};
     ini.valuesHoldDelimiters = false;
+    StoreKind xml{"xml"};
+    xml.emptyValuesVanish = true;
     StoreKind sqlite{"sqlite"};
     sqlite.missingIsLeaf = false;
     sqlite.caseBlindNames = false;
@@ -112,7 +120,7 @@ inline std::vector<StoreKind> AllStoreKinds() {
     reg.storesDefaults = false;
     reg.missingIsLeaf = false;
     reg.listEmptiesFirst = true;
-    return {memory, ini, sqlite, reg};
+    return {memory, ini, xml, sqlite, reg};
 }
 
 } // namespace qv::test

@@ -42,7 +42,7 @@ protected:
 };
 
 TEST_F(ConfigTool, SetGetAndDumpEveryKindOfStore) {
-    for (std::string store : {Quoted("t.ini"), Quoted("t.db"), std::string("reg:user")}) {
+    for (std::string store : {Quoted("t.ini"), Quoted("t.xml"), Quoted("t.db"), std::string("reg:user")}) {
         SCOPED_TRACE(store);
         EXPECT_EQ(Run("config set " + store + " /Camera/Lens/focus 12").status, 0);
         EXPECT_EQ(Run("config set " + store + " /Camera/name \"it's a camera\"").status, 0);

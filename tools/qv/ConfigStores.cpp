@@ -7,6 +7,7 @@
 #include "qv/config/INIStore.h"
 #include "qv/config/RegStore.h"
 #include "qv/config/SqliteStore.h"
+#include "qv/config/XMLStore.h"
 #include "qv/core/String.h"
 #include "qv/filesystems/DiskFileSystem.h"
 #include "qv/filesystems/Path.h"
@@ -76,6 +77,7 @@ std::unique_ptr<ConfigStore> OpenConfigStore(char const *word, bool mustExist) {
     if (std::strcmp(word, "reg:user") == 0) return std::make_unique<RegConfigStore>(qv::HKEY_CURRENT_USER);
     if (std::strcmp(word, "reg:machine") == 0) return std::make_unique<RegConfigStore>(qv::HKEY_LOCAL_MACHINE);
     if (EndsWith(word, ".ini")) return OpenFile<qv::CINIStore>(word, mustExist);
+    if (EndsWith(word, ".xml")) return OpenFile<qv::CXMLStore>(word, mustExist);
     if (EndsWith(word, ".db")) {
         if (mustExist && !qv::FileSystem->FileExists(qv::CString(word))) {
             Fail("no settings database '%s'.", word);
