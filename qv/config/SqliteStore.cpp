@@ -24,8 +24,8 @@ char const *const kStatementTexts[] = {
     "SELECT value FROM nodes WHERE path = ?1;",
     "INSERT INTO nodes VALUES(NULL, ?1, ?2, ?3, ?4, ?5);",
     "UPDATE nodes SET value = ?1 WHERE path = ?2;",
-    "SELECT name FROM nodes LEFT JOIN (SELECT id FROM nodes WHERE path = ?1) AS parents "
-    "WHERE parents.id = nodes.parent;",
+    ("SELECT name FROM nodes LEFT JOIN (SELECT id FROM nodes WHERE path = ?1) AS parents "
+     "WHERE parents.id = nodes.parent;"),
 };
 
 std::string Utf8(CString const &text) {
@@ -345,7 +345,9 @@ bool CsqliteStore::list(TArray<CString> &names, char16_t const *path) {
     sqlite3_stmt *select = Statement(ListNames);
     if (!select) return false;
     CStatementUse use(select);
-    BindText(select, 1, Utf8(ExpandPath(path)));
+    CString parent = ExpandPath(path);
+    if (parent.GetLength() > 1) parent = path::RemoveTrailingSlash(parent);
+    BindText(select, 1, Utf8(parent));
     int step;
     while ((step = sqlite3_step(select)) == SQLITE_ROW) {
         auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(select, 0));
