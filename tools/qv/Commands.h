@@ -74,5 +74,8 @@ int RunCdfsList(char *const *args);
 int RunCdfsAdd(char *const *args);
 int RunCdfsExtract(char *const *args);
 int RunCdfsCheck(char *const *args);
+int RunConfigGet(char *const *args);
+int RunConfigSet(char *const *args);
+int RunConfigDump(char *const *args);
 
 } // namespace qvtool

@@ -35,6 +35,9 @@ Command const kCommands[] = {
     {"cdfs add", "FILE PATH", "store a disk file (- for standard input) in a CDFS, made when missing", RunCdfsAdd},
     {"cdfs extract", "FILE NAME OUT", "copy the file NAME out of a CDFS into OUT (- for standard output)", RunCdfsExtract},
     {"cdfs check", "FILE", "walk the table of a CDFS and say what is wrong, or ok", RunCdfsCheck},
+    {"config get", "STORE PATH", "print one setting of a .ini, .xml or .db file, reg:user or reg:machine", RunConfigGet},
+    {"config set", "STORE PATH VALUE", "write one setting (as text) and save the store", RunConfigSet},
+    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump},
 };
 
 int CountWords(char const *text) {
