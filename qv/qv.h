@@ -30,6 +30,7 @@
 #include "qv/core/ModuleResources.h"
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
+#include "qv/core/Version.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
@@ -57,6 +58,7 @@
 #include "qv/threads/MainThread.h"
 
 // Files.
+#include "qv/files/OpenFlags.h"
 #include "qv/files/IFile.h"
 #include "qv/files/File.h"
 #include "qv/files/MemFile.h"
@@ -93,3 +95,4 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+#include "qv/calibration/CurveChecks.h"
