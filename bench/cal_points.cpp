@@ -18,7 +18,7 @@ namespace {
 using CAL_POINT = qv::CRCalFile::CAL_POINT;
 
 std::vector<CAL_POINT> MakePoints(int n) {
-    std::vector<CAL_POINT> points(size_t(n));
+    std::vector<CAL_POINT> points(static_cast<size_t>(n));
     for (int i = 0; i < n; ++i) {
         points[size_t(i)].Temperature = double((i * 37) % 100);
         points[size_t(i)].Measurement = 3000.0 + 100.0 * points[size_t(i)].Temperature + i % 7;
