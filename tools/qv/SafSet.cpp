@@ -35,7 +35,7 @@ int RunSafSet(char *const *args) {
     if (!*args[1]) return Fail("a tag name cannot be empty");
     if (IsStructureTag(args[1]))
         return Fail("%s is not a tag one can set: the header writer makes the DATA and saf_padding lines itself",
-                    args[1]);
+                    Escaped(args[1]).c_str());
     qv::CString name(args[1]), value(args[2]);
     qv::CFile file;
     qv::CSAFFile saf;
