@@ -32,6 +32,7 @@
 #include "qv/core/Locale.h"
 #include "qv/core/CmdLine.h"
 #include "qv/core/VersionInfo.h"
+#include "qv/core/Version.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
@@ -59,6 +60,7 @@
 #include "qv/threads/MainThread.h"
 
 // Files.
+#include "qv/files/OpenFlags.h"
 #include "qv/files/IFile.h"
 #include "qv/files/File.h"
 #include "qv/files/MemFile.h"
@@ -114,3 +116,4 @@
 #include "qv/modtran/ModtranTape5File.h"
 #include "qv/modtran/ModtranTape7File.h"
 #include "qv/modtran/RunModtran.h"
+#include "qv/calibration/CurveChecks.h"

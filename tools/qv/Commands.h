@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "Options.h"
 #include "qv/core/VersionInfo.h"
 #include "qv/files/File.h"
+#include "qv/files/OpenFlags.h"
 #include "qv/filesystems/CDFileSystem.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/formats/tagged/SAFFile.h"
@@ -17,8 +19,10 @@ namespace qvtool {
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
 
-// A handler gets the arguments its row names, as UTF-8 text, followed by a
-// null; arguments in [brackets] may be left out.
+// A handler gets exactly the operands its row names, as UTF-8 text, followed
+// by a null. An argument in brackets ("[COMMAND...]") is optional and takes
+// any number of words. The options given (--json, --csv) are in
+// GivenOptions(); --help never reaches a handler.
 using Handler = int (*)(char *const *args);
 
 struct Command {
@@ -26,6 +30,8 @@ struct Command {
     char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument, optional ones in [ ]
     char const *summary;   // one line for the help
     Handler run;
+    unsigned options = 0;          // kTakesJson, kTakesCsv (Options.h) the command accepts
+    char const *details = nullptr; // more lines for "qv help COMMAND", each ending in \n
 };
 
 // The table, in the order the help lists it.
@@ -49,6 +55,10 @@ bool OpenCdfs(char const *path, bool readOnly, qv::CCDFileSystem &cdfs);
 // The list of sub-commands; qv help prints it to standard output, a wrong
 // command line to standard error.
 void PrintUsage(std::FILE *out);
+// "usage: qv WORDS [OPTIONS] ARGUMENTS", the summary and the details.
+void PrintCommandUsage(Command const &command, std::FILE *out);
+// The one-line synopsis of a command, e.g. "saf show [--json] FILE".
+void PrintSynopsis(Command const &command, std::FILE *out);
 
 int RunHelp(char *const *args);
 int RunSafShow(char *const *args);

@@ -1,7 +1,5 @@
 // qv modtran run TAPE5 [--tool PATH]: runs the MODTRAN tool on a deck and
 // prints every column of the table it writes.
-#include <cstring>
-
 #include "Commands.h"
 #include "ModtranFiles.h"
 #include "qv/filesystems/PathAlgebra.h"
@@ -10,11 +8,7 @@
 namespace qvtool {
 
 int RunModtranRun(char *const *args) {
-    char const *tool = nullptr;
-    for (char *const *option = args + 1; *option; ++option) {
-        if (std::strcmp(*option, "--tool") != 0 || !option[1]) return Fail("usage: qv modtran run TAPE5 [--tool PATH]");
-        tool = *++option;
-    }
+    char const *tool = GivenOptions().tool;
     qv::CModtranTape5File tape5;
     if (!LoadTape5(args[0], tape5)) return kExitFailed;
     if (tool && !qv::SetModtranExePath(qv::CString(tool))) return Fail("no tool at %s", tool);

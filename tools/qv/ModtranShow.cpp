@@ -68,11 +68,7 @@ void PrintRun(int index, qv::RUN const &run, qv::TArray<qv::CString> &names, qv:
 } // namespace
 
 int RunModtranShow(char *const *args) {
-    bool json = false;
-    for (char *const *option = args + 1; *option; ++option) {
-        if (std::strcmp(*option, "--json") != 0) return Fail("unknown option %s", *option);
-        json = true;
-    }
+    bool json = GivenOptions().json;
     qv::CModtranTape5File tape5;
     if (!LoadTape5(args[0], tape5)) return kExitFailed;
     if (json) std::printf("{\"runs\": [");

@@ -1,18 +1,12 @@
 // qv modtran table TAPE7 [--csv]: every column of a tape7 table that qv
 // reads, row by row.
-#include <cstring>
-
 #include "Commands.h"
 #include "ModtranFiles.h"
 
 namespace qvtool {
 
 int RunModtranTable(char *const *args) {
-    bool csv = false;
-    for (char *const *option = args + 1; *option; ++option) {
-        if (std::strcmp(*option, "--csv") != 0) return Fail("unknown option %s", *option);
-        csv = true;
-    }
+    bool csv = GivenOptions().csv;
     qv::CModtranTape7File tape7;
     if (!LoadWholeTape7(args[0], tape7)) return kExitFailed;
     PrintTape7(stdout, tape7, csv);
