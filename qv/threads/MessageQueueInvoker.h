@@ -32,11 +32,11 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 
 #include "qv/core/Export.h"
-#include "qv/core/Queue.h"
 #include "qv/platform/MessageQueue.h"
 #include "qv/platform/SystemThread.h"
 #include "qv/threads/Invoker.h"
@@ -81,7 +81,7 @@ private:
     std::unique_ptr<CMessageWindow> window;
     std::mutex mutex; // guards queue
     bool busy = false;
-    TQueue<QUEUE_ENTRY> queue;
+    std::deque<QUEUE_ENTRY> queue; // taken from the front in constant time
 };
 
 class QV_API CInvokerThread : public IInvoker {
