@@ -323,6 +323,7 @@ private:
 
 } // namespace detail
 
+/// @copydoc Array.h
 template <class T> class TArray : public detail::ArrayBase<T, detail::SilentHeap> {
     using Base = detail::ArrayBase<T, detail::SilentHeap>;
 

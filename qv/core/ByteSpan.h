@@ -7,6 +7,7 @@
 
 namespace qv {
 
+/// @copydoc ByteSpan.h
 struct SByteSpan {
     uint8_t const *data = nullptr;
     uint64_t size = 0;

@@ -51,6 +51,7 @@ namespace qv {
 /// only the first capacity tokens are stored.
 QV_API void ArgParse(char16_t *line, char16_t **const argv, int &argc);
 
+/// @copydoc CmdLine.h
 class QV_API CCmdLine {
 public:
     struct FLAG {

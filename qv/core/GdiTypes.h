@@ -9,6 +9,7 @@
 
 namespace qv {
 
+/// @copydoc GdiTypes.h
 struct RECT {
     int32_t left;
     int32_t top;
@@ -21,6 +22,7 @@ using COLORREF = uint32_t;
 
 inline constexpr int LF_FACESIZE = 32;
 
+/// @copydoc GdiTypes.h
 struct LOGFONTW {
     int32_t lfHeight;
     int32_t lfWidth;

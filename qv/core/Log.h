@@ -47,6 +47,7 @@ namespace qv {
 class IFile;
 class IFileSystem;
 
+/// @copydoc Log.h
 class QV_API CLog {
 public:
     CLog();

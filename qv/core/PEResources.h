@@ -45,6 +45,7 @@ struct SPEResource {
     int64_t entryOffset = 0;  ///< where its IMAGE_RESOURCE_DATA_ENTRY starts
 };
 
+/// @copydoc PEResources.h
 class QV_API CPEResources {
 public:
     static constexpr uint32_t kMaxSectionBytes = 256u << 20;

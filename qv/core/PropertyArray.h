@@ -24,11 +24,13 @@
 
 namespace qv {
 
+/// @copydoc PropertyArray.h
 struct QV_API ENTRY {
     CString name;
     CString value;
 };
 
+/// @copydoc PropertyArray.h
 class QV_API CPropertyArray : public TArray<ENTRY> {
 public:
     class QV_API CEntry {

@@ -10,6 +10,7 @@
 
 namespace qv {
 
+/// @copydoc Queue.h
 template <class T> class TQueue : public TArray<T> {
 public:
     bool Enqueue(T const &v) { return this->Add(v); }

@@ -58,6 +58,7 @@ class IFile;
 class CMemFile;
 struct SPEResource;
 
+/// @copydoc VersionInfo.h
 struct VS_FIXEDFILEINFO {
     uint32_t dwSignature; ///< 0xFEEF04BD
     uint32_t dwStrucVersion;
@@ -109,6 +110,7 @@ struct VS_FILEINFO_HEADER {
     uint16_t wType = 1;
 };
 
+/// @copydoc VersionInfo.h
 class QV_API CVersionInfo {
 public:
     static constexpr uint32_t kPrerelease = 0x2; ///< VS_FF_PRERELEASE in dwFileFlags

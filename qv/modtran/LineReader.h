@@ -21,6 +21,7 @@ inline constexpr int kCardBytes = 128;  ///< tape5 cards
 inline constexpr int kTableBytes = 256; ///< tape7 lines
 inline constexpr int kMaxLineBytes = 512;
 
+/// @copydoc LineReader.h
 class CLineReader {
 public:
     CLineReader(IFile &file, int lineBytes);

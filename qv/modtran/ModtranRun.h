@@ -18,6 +18,7 @@ inline constexpr int kModtranMaxSurfaces = 2;
 inline constexpr int kModtranMaxBRDFRows = 50;
 inline constexpr int kModtranNameLength = 80; ///< file names on their own cards
 
+/// @copydoc ModtranRun.h
 struct USER_LEVEL {
     float altitude;
     float values[5];    ///< pressure, temperature and three species, as written
@@ -32,6 +33,7 @@ struct USER_LEVEL {
     bool flag;
 };
 
+/// @copydoc ModtranRun.h
 struct AEROSOL_REGION {
     int nSpectra; ///< as written: 1 stands for 47
     float value;
@@ -39,6 +41,7 @@ struct AEROSOL_REGION {
     float spectra[kModtranSpectraPerRegion][4];
 };
 
+/// @copydoc ModtranRun.h
 struct SURFACE {
     BRDF_FUNCTION function;
     int nRows;
@@ -47,6 +50,7 @@ struct SURFACE {
     char files[2][kModtranNameLength + 1]; ///< LAMBER: two file names
 };
 
+/// @copydoc ModtranRun.h
 struct RUN {
     /// Card 1
     ///@{

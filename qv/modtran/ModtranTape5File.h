@@ -45,6 +45,7 @@ class IFile;
 
 inline constexpr int kModtranMaxRuns = 100;
 
+/// @copydoc ModtranTape5File.h
 class QV_API CModtranTape5File {
 public:
     CModtranTape5File();

@@ -40,11 +40,13 @@ struct TAPE7_DATA {
         solTr, solar;
 };
 
+/// @copydoc ModtranTape7File.h
 struct TAPE7_RUN {
     TArray<TAPE7_DATA> data;
     double geometry[3]; ///< the sixth header line: H1, H2 and the range
 };
 
+/// @copydoc ModtranTape7File.h
 class QV_API CModtranTape7File {
 public:
     static constexpr uint64_t T7C_FREQ = 0x1;

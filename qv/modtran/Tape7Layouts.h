@@ -9,11 +9,13 @@
 
 namespace qv::modtran_detail {
 
+/// @copydoc Tape7Layouts.h
 struct SColumn {
     uint64_t bit;
     int width;
 };
 
+/// @copydoc Tape7Layouts.h
 struct SLayout {
     SColumn const *columns; ///< in file order, from byte 0
     int count;

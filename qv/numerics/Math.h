@@ -24,6 +24,7 @@ enum ETempType : int32_t {
     TT_Rankine = 3,
 };
 
+/// @copydoc Math.h
 class QV_API CMath {
 public:
     // ---- Typed buffers (MathTemperature.cpp) ----

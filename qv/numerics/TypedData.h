@@ -32,6 +32,7 @@ enum EDataType : int32_t {
 /// out of range.
 QV_API int DataTypeSize(EDataType type);
 
+/// @copydoc TypedData.h
 struct QV_API STypedData {
     /// Element i of a typed buffer, read and written in the buffer's own type.
     /// Holds a pointer to the STypedData it came from, which must outlive it.

@@ -10,6 +10,7 @@
 
 namespace qv::numerics_detail {
 
+/// @copydoc TypedDispatch.h
 template <class T> struct TypeTag {
     using type = T;
 };

@@ -11,6 +11,7 @@
 
 namespace qv {
 
+/// @copydoc AutoLock.h
 class CAutoCriticalSection {
 public:
     explicit CAutoCriticalSection(CCriticalSection *section) : section(section) {
@@ -26,6 +27,7 @@ private:
     CCriticalSection *section;
 };
 
+/// @copydoc AutoLock.h
 class CAutoMutex {
 public:
     explicit CAutoMutex(CMutex *mutex) : mutex(mutex) {

@@ -9,6 +9,7 @@
 
 namespace qv {
 
+/// @copydoc COMScope.h
 class CCOMScope {
 public:
     explicit CCOMScope(uint32_t flags) { (void)flags; }

@@ -12,6 +12,7 @@ namespace qv {
 
 template <class R = void, class A = void, class B = void, class C = void, class D = void> class TCallback;
 
+/// @copydoc Callback.h
 template <> class TCallback<void, void, void, void, void> {
 public:
     using Function = void (*)();

@@ -23,6 +23,7 @@
 
 namespace qv {
 
+/// @copydoc CriticalSection.h
 class QV_API CCriticalSection {
 public:
     explicit CCriticalSection(uint32_t spinCount = 0);

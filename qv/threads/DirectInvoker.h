@@ -13,6 +13,7 @@
 
 namespace qv {
 
+/// @copydoc DirectInvoker.h
 class QV_API CDirectInvoker : public IInvoker {
 public:
     void Invoke(IInvokable *invokable) override;

@@ -25,6 +25,7 @@
 
 namespace qv {
 
+/// @copydoc Event.h
 class QV_API CEvent final : private IWaitable {
 public:
     explicit CEvent(bool signalled = false, bool manualReset = false);

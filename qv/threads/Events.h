@@ -59,8 +59,11 @@ template <class... Args> struct TEventHandler {
 
 namespace detail {
 
+/// @copydoc Events.h
 template <class... Args> struct InvokableFor;
+/// @copydoc Events.h
 template <> struct InvokableFor<void *> { using type = invokable1<void *>; };
+/// @copydoc Events.h
 template <class A> struct InvokableFor<void *, A> { using type = invokable2<void *, A>; };
 template <class A, class B> struct InvokableFor<void *, A, B> { using type = invokable3<void *, A, B>; };
 

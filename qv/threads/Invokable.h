@@ -96,6 +96,7 @@ private:
     bool plain = false;
 };
 
+/// @copydoc Invokable.h
 class QV_API IInvokable {
 public:
     virtual ~IInvokable() = default;
@@ -146,21 +147,25 @@ protected:
     std::tuple<Args...> arguments;
 };
 
+/// @copydoc Invokable.h
 class invokable0 : public TInvokable<> {
 public:
     using TInvokable<>::TInvokable;
 };
 
+/// @copydoc Invokable.h
 template <class A> class invokable1 : public TInvokable<A> {
 public:
     using TInvokable<A>::TInvokable;
 };
 
+/// @copydoc Invokable.h
 template <class A, class B> class invokable2 : public TInvokable<A, B> {
 public:
     using TInvokable<A, B>::TInvokable;
 };
 
+/// @copydoc Invokable.h
 template <class A, class B, class C> class invokable3 : public TInvokable<A, B, C> {
 public:
     using TInvokable<A, B, C>::TInvokable;

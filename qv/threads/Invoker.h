@@ -39,6 +39,7 @@
 
 namespace qv {
 
+/// @copydoc Invoker.h
 class QV_API IInvoker {
 public:
     virtual ~IInvoker() = default;

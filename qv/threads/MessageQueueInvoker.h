@@ -44,6 +44,7 @@
 
 namespace qv {
 
+/// @copydoc MessageQueueInvoker.h
 class QV_API CMessageQueueInvoker : public IInvoker, private IMessageHandler {
 public:
     struct QUEUE_ENTRY {
@@ -87,6 +88,7 @@ private:
     std::deque<QUEUE_ENTRY> queue; ///< taken from the front in constant time
 };
 
+/// @copydoc MessageQueueInvoker.h
 class QV_API CInvokerThread : public IInvoker {
 public:
     /// Starts the worker and returns once its invoker is ready.

@@ -26,6 +26,7 @@
 
 namespace qv {
 
+/// @copydoc MultiLock.h
 class QV_API CMultiLock {
 public:
     explicit CMultiLock(int slots);

@@ -23,6 +23,7 @@ namespace qv {
 
 class NamedMutex;
 
+/// @copydoc Mutex.h
 class QV_API CMutex {
 public:
     explicit CMutex(char16_t const *name = nullptr);

@@ -25,6 +25,7 @@
 
 namespace qv {
 
+/// @copydoc RWLock.h
 class QV_API CRWLock {
 public:
     CRWLock();

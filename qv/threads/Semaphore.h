@@ -24,6 +24,7 @@ namespace qv {
 
 class CEvent;
 
+/// @copydoc Semaphore.h
 class QV_API CSemaphore {
 public:
     explicit CSemaphore(uint32_t count);

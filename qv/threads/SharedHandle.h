@@ -21,6 +21,7 @@
 
 namespace qv {
 
+/// @copydoc SharedHandle.h
 class QV_API CSharedHandle {
 public:
     static constexpr intptr_t None = -1;

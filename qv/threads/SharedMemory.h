@@ -31,6 +31,7 @@
 
 namespace qv {
 
+/// @copydoc SharedMemory.h
 class QV_API CSharedMemory {
 public:
     CSharedMemory() = default;

@@ -31,6 +31,7 @@
 
 namespace qv {
 
+/// @copydoc Thread.h
 class QV_API CThread {
 public:
     CThread() = default;

@@ -23,6 +23,7 @@
 
 namespace qv {
 
+/// @copydoc Timer.h
 class QV_API CTimer {
 public:
     CTimer() = default;
