@@ -35,7 +35,7 @@
 // moved data (no journal). A growth that fails leaves the host and the table
 // as they were (see MoveTailUp) and the write answers short.
 //
-// Differences from the designed behaviour, to keep data: every file handle is
+// Choices that keep data where the older behaviour lost it: every handle is
 // kept in the open files (also one that created its entry), so deleting an
 // earlier entry re-targets it and never makes it write into another file;
 // a table that outgrew 0x1000 bytes is read back whole; failed writes answer
