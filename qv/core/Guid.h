@@ -1,4 +1,5 @@
-// The 16-byte identifier value type, laid out field by field as files store it.
+/// @file
+/// The 16-byte identifier value type, laid out field by field as files store it.
 #pragma once
 
 #include <cstdint>

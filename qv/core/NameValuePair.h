@@ -1,5 +1,6 @@
-// SNameValuePair: one free name/value text pair, as lists of tags hold them.
-// A plain record; the strings share their text by reference count.
+/// @file
+/// SNameValuePair: one free name/value text pair, as lists of tags hold them.
+/// A plain record; the strings share their text by reference count.
 #pragma once
 
 #include "qv/core/String.h"

@@ -253,13 +253,28 @@ public:
 
     // ---- Editing in place ----
     // Both stream the tail through one block (0x80000 bytes, growing with the
-    // file size up to 0x500000), one Read and one Write per block, with no
-    // second file. The bytes inside an inserted gap are left as they were.
-    // False if the block cannot be allocated, if pos is negative, or if a
-    // transfer falls short (the file may then be partly moved). With an empty
-    // tail (pos at or past the end) both change nothing and are true.
+    // file size up to 0x500000), with no second file, in pieces no longer than
+    // n. The bytes inside an inserted gap are left as they were. With an
+    // empty tail (pos at or past the end) or n of 0 both change nothing and
+    // are true; Remove of the whole tail is one SetSize(pos).
+    //
+    // On failure (false), outcome says what is left:
+    //   Unchanged  the file is byte for byte as before: a negative pos, no
+    //              memory for the block, no room (Insert grows the file with
+    //              SetSize before moving anything, which on a disk reserves
+    //              the blocks, so a full disk lands here), or a transfer that
+    //              failed and was undone;
+    //   Damaged    a transfer failed and undoing it failed too: the file is
+    //              neither the old nor the new layout. Every original byte
+    //              is still at its old place or its new one (a piece never
+    //              covers a byte not yet copied); Remove's dropped bytes are
+    //              kept for the undo only up to one block.
+    // On success outcome is Done.
+    enum class EditOutcome { Done, Unchanged, Damaged };
     bool Remove(int64_t pos, uint32_t n);
     bool Insert(int64_t pos, uint32_t n);
+    bool Remove(int64_t pos, uint32_t n, EditOutcome &outcome);
+    bool Insert(int64_t pos, uint32_t n, EditOutcome &outcome);
 
 protected:
     // For files that clamp their position to 0..size: the target of a Seek by

@@ -1,6 +1,14 @@
 // Editing a file in place: Remove closes a gap, Insert opens one, both by
 // streaming the tail through one block, so multi-gigabyte files need neither
 // a second file nor memory in proportion to their size.
+//
+// Safety. Insert takes the room it needs (SetSize, which on a disk reserves
+// the blocks) before a byte moves, so a full disk stops it with the file
+// untouched. No single write ever covers a byte that is not yet at its new
+// place: the tail moves in pieces no longer than the shift, so a write that
+// dies half-way leaves every original byte at its old place or its new one.
+// After a failure the moved part goes back the same careful way; if that
+// fails too, the caller hears that the file is damaged.
 #include <memory>
 #include <new>
 
@@ -22,45 +30,114 @@ std::unique_ptr<unsigned char[]> EditBlock(uint32_t size) {
     return std::unique_ptr<unsigned char[]>(new (std::nothrow) unsigned char[size]);
 }
 
-} // namespace
-
-bool IFile::Remove(int64_t pos, uint32_t n) {
-    if (pos < 0) return false;
-    int64_t size = GetSize();
-    if (size <= pos) return true; // nothing behind pos: nothing to close
-    uint32_t blockSize = EditBlockSize(size);
-    auto block = EditBlock(blockSize);
-    if (!block) return false;
-    int64_t source = pos + n, target = pos;
-    for (;;) {
-        Seek(source, 1);
-        uint32_t got = Read(block.get(), blockSize);
-        if (got == 0) break;
-        Seek(target, 1);
-        if (Write(block.get(), got) != got) return false;
-        source += got;
-        target += got;
-    }
-    return SetSize(target);
+bool SeekExactly(IFile &f, int64_t pos) {
+    return f.Seek(pos, 1) == pos;
 }
 
+bool ReadAt(IFile &f, int64_t pos, unsigned char *p, uint32_t n) {
+    return SeekExactly(f, pos) && f.Read(p, n) == n;
+}
+
+bool WriteAt(IFile &f, int64_t pos, unsigned char const *p, uint32_t n) {
+    return SeekExactly(f, pos) && f.Write(p, n) == n;
+}
+
+// Moves length bytes from from to to, in pieces no longer than the distance
+// and the block, in the order that never overwrites a byte not yet copied:
+// from the top down when moving up, from the bottom up when moving down.
+// Returns the bytes moved (the top ones moving up, the bottom ones moving
+// down); length itself on success. wrote tells whether any write was tried.
+int64_t MoveRange(IFile &f, int64_t from, int64_t to, int64_t length, unsigned char *block, uint32_t blockSize,
+                  bool &wrote) {
+    int64_t distance = to > from ? to - from : from - to;
+    uint32_t piece = distance < blockSize ? uint32_t(distance) : blockSize;
+    bool up = to > from;
+    for (int64_t moved = 0; moved < length;) {
+        uint32_t n = length - moved < piece ? uint32_t(length - moved) : piece;
+        int64_t offset = up ? length - moved - n : moved;
+        if (!ReadAt(f, from + offset, block, n)) return moved;
+        wrote = true;
+        if (!WriteAt(f, to + offset, block, n)) return moved;
+        moved += n;
+    }
+    return length;
+}
+
+int64_t MoveRange(IFile &f, int64_t from, int64_t to, int64_t length, unsigned char *block, uint32_t blockSize) {
+    bool wrote = false;
+    return MoveRange(f, from, to, length, block, blockSize, wrote);
+}
+
+} // namespace
+
 bool IFile::Insert(int64_t pos, uint32_t n) {
+    EditOutcome outcome;
+    return Insert(pos, n, outcome);
+}
+
+bool IFile::Remove(int64_t pos, uint32_t n) {
+    EditOutcome outcome;
+    return Remove(pos, n, outcome);
+}
+
+bool IFile::Insert(int64_t pos, uint32_t n, EditOutcome &outcome) {
+    outcome = EditOutcome::Unchanged;
     if (pos < 0) return false;
     int64_t size = GetSize();
-    if (size <= pos) return true; // an empty tail: nothing moves
+    if (size < 0) return false;
+    if (size <= pos || n == 0) {
+        outcome = EditOutcome::Done;
+        return true; // an empty tail: nothing moves
+    }
     uint32_t blockSize = EditBlockSize(size);
     auto block = EditBlock(blockSize);
-    if (!block) return false;
-    // From the last block to the first, so nothing is overwritten unread.
-    for (int64_t rest = size - pos; rest > 0;) {
-        uint32_t chunk = rest < blockSize ? uint32_t(rest) : blockSize;
-        rest -= chunk;
-        Seek(pos + rest, 1);
-        if (Read(block.get(), chunk) != chunk) return false;
-        Seek(pos + rest + n, 1);
-        if (Write(block.get(), chunk) != chunk) return false;
+    if (!block || !SetSize(size + n)) return false; // the room first
+    int64_t tail = size - pos;
+    int64_t moved = MoveRange(*this, pos, pos + n, tail, block.get(), blockSize);
+    if (moved == tail) {
+        outcome = EditOutcome::Done;
+        return true;
     }
-    return true;
+    // The top moved bytes go back down, then the room is given back.
+    int64_t start = pos + (tail - moved);
+    bool restored = MoveRange(*this, start + n, start, moved, block.get(), blockSize) == moved && SetSize(size);
+    outcome = restored ? EditOutcome::Unchanged : EditOutcome::Damaged;
+    return false;
+}
+
+bool IFile::Remove(int64_t pos, uint32_t n, EditOutcome &outcome) {
+    outcome = EditOutcome::Unchanged;
+    if (pos < 0) return false;
+    int64_t size = GetSize();
+    if (size < 0) return false;
+    if (size <= pos || n == 0) {
+        outcome = EditOutcome::Done;
+        return true; // nothing behind pos: nothing to close
+    }
+    if (size - pos <= n) { // the whole tail goes: one cut
+        if (!SetSize(pos)) return false;
+        outcome = EditOutcome::Done;
+        return true;
+    }
+    uint32_t blockSize = EditBlockSize(size);
+    auto block = EditBlock(blockSize);
+    // The bytes to drop are kept in memory (up to one block) so that a
+    // failed move can put them back and leave the file as it was.
+    auto dropped = n <= blockSize ? EditBlock(n) : nullptr;
+    if (!block || (n <= blockSize && !dropped)) return false;
+    if (dropped && !ReadAt(*this, pos, dropped.get(), n)) return false;
+    int64_t tail = size - pos - n;
+    bool wrote = false;
+    int64_t moved = MoveRange(*this, pos + n, pos, tail, block.get(), blockSize, wrote);
+    if (moved == tail && SetSize(size - n)) {
+        outcome = EditOutcome::Done;
+        return true;
+    }
+    if (!wrote) return false; // nothing was overwritten
+    bool restored = MoveRange(*this, pos, pos + n, moved, block.get(), blockSize) == moved && dropped &&
+                    WriteAt(*this, pos, dropped.get(), n);
+    outcome = restored ? EditOutcome::Unchanged : EditOutcome::Damaged;
+    return false;
 }
 
 } // namespace qv

@@ -32,12 +32,16 @@ uint32_t WriteDiskFile(intptr_t handle, void const *p, uint32_t n);
 // The new position, -1 on failure.
 int64_t SeekDiskFile(intptr_t handle, int64_t offset, SeekOrigin origin);
 int64_t GetDiskFileSize(intptr_t handle); // -1 on failure
+// Growing reserves the new blocks first (fallocate; where the file system
+// cannot, the new bytes are written as zeros), so a full disk fails here with
+// the file as it was. The position does not move.
 bool SetDiskFileSize(intptr_t handle, int64_t size);
 bool FlushDiskFile(intptr_t handle);
 bool RemoveDiskFile(char const *path);
 // Moves from over to (replacing a file there) after syncing from's data, then
-// syncs to's directory. False if from could not be synced or renamed; then
-// both names are as they were.
+// syncs to's directory. False if from could not be synced or renamed (then
+// both names are as they were), or if the directory's sync failed after the
+// rename (then to is the new file, but a crash may still undo the rename).
 bool RenameDiskFile(char const *from, char const *to);
 
 } // namespace qv

@@ -20,6 +20,7 @@
 #include "qv/platform/DiskFile.h"
 
 #include <cerrno>
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
@@ -126,8 +127,46 @@ int64_t GetDiskFileSize(intptr_t handle) {
     return SysFstat(Descriptor(handle), &st) == 0 ? st.st_size : -1;
 }
 
+namespace {
+
+// Writes zeros over [from, to) to make the file system find the blocks, then
+// puts the position back. False at the first write that falls short.
+bool WriteZerosAt(int fd, int64_t from, int64_t to) {
+    static char const zeros[65536] = {};
+    off_t position = SysLseek(fd, 0, SEEK_CUR);
+    if (position == -1 || SysLseek(fd, from, SEEK_SET) != from) return false;
+    bool written = true;
+    for (int64_t at = from; written && at < to;) {
+        uint32_t n = uint32_t(std::min<int64_t>(to - at, sizeof zeros));
+        written = TransferAll(n, [&](uint32_t done, uint32_t left) { return SysWrite(fd, zeros + done, left); }) == n;
+        at += n;
+    }
+    return SysLseek(fd, position, SEEK_SET) == position && written;
+}
+
+// Grows the file from size old to size with its blocks reserved, so that a
+// full disk shows here and not at a later write. Where the file system cannot
+// reserve (EOPNOTSUPP), the new bytes are written as zeros instead, and a
+// failure cuts the file back.
+bool GrowDiskFile(int fd, int64_t old, int64_t size) {
+    if (SysFallocate(fd, FALLOC_FL_KEEP_SIZE, old, size - old) == 0) return SysFtruncate(fd, size) == 0;
+    if (errno != EOPNOTSUPP && errno != ENOSYS) return false;
+    if (SysFtruncate(fd, size) != 0) return false;
+    if (WriteZerosAt(fd, old, size)) return true;
+    int reason = errno;
+    SysFtruncate(fd, old);
+    errno = reason;
+    return false;
+}
+
+} // namespace
+
 bool SetDiskFileSize(intptr_t handle, int64_t size) {
-    return SysFtruncate(Descriptor(handle), size) == 0;
+    int fd = Descriptor(handle);
+    int64_t old = GetDiskFileSize(handle);
+    if (old < 0 || size < 0) return false;
+    if (size > old) return GrowDiskFile(fd, old, size);
+    return SysFtruncate(fd, size) == 0;
 }
 
 bool FlushDiskFile(intptr_t handle) {
@@ -140,14 +179,14 @@ bool RemoveDiskFile(char const *path) {
 
 namespace {
 
-// Makes what path names durable. A directory may refuse fsync on some file
-// systems; only a regular file's failure counts.
+// Makes what path names durable. Some file systems cannot sync a directory
+// (they answer EINVAL) or open one for it; that is no failure, any other is.
 bool SyncDiskPath(char const *path, bool directory) {
     int fd = SysOpen(path, directory ? O_RDONLY | O_DIRECTORY : O_RDONLY, 0);
     if (fd == -1) return directory;
-    bool synced = SysFsync(fd) == 0;
+    bool synced = SysFsync(fd) == 0 || (directory && (errno == EINVAL || errno == EOPNOTSUPP));
     SysClose(fd);
-    return synced || directory;
+    return synced;
 }
 
 std::string DirectoryOf(char const *path) {
@@ -162,8 +201,7 @@ bool RenameDiskFile(char const *from, char const *to) {
     // The data reaches the disk before the name moves, so a crash never
     // leaves the new name on a file whose blocks were not written.
     if (!SyncDiskPath(from, false) || SysRename(from, to) != 0) return false;
-    SyncDiskPath(DirectoryOf(to).c_str(), true);
-    return true;
+    return SyncDiskPath(DirectoryOf(to).c_str(), true);
 }
 
 } // namespace qv

@@ -82,13 +82,14 @@ TYPED_TEST(IFileEdit, EmptyTailsChangeNothing) {
     EXPECT_EQ(AllBytes(f), Bytes(model.begin(), model.begin() + 40));
 }
 
-TEST(IFileEditLimits, ShortWritesAreReported) {
+TEST(IFileEditLimits, NoRoomLeavesTheFileAsItWas) {
     CMemFile f;
     Bytes model = Pattern(100);
     SetBytes(f, model);
-    f.SetGrow(false); // the gap cannot open
-    EXPECT_FALSE(f.Insert(10, 5));
-    EXPECT_EQ(f.GetSize(), 100);
+    IFile::EditOutcome outcome = IFile::EditOutcome::Done;
+    EXPECT_FALSE(f.Insert(10, 0x40000000, outcome)); // beyond what a memory file may hold
+    EXPECT_EQ(outcome, IFile::EditOutcome::Unchanged);
+    EXPECT_EQ(AllBytes(f), model);
 }
 
 } // namespace

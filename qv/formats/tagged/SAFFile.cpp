@@ -12,10 +12,12 @@ void CSAFFile::ForgetFile() {
     filename = u"";
     fileSystem = nullptr;
     dataPosition = 0;
+    headerEndsAsStated = true;
 }
 
 bool CSAFFile::New(bool keepFile) {
     if (!keepFile) ForgetFile();
+    headerEndsAsStated = true;
     tags.Empty();
     tags.Add(SAF_TAG{CString(saf::kHdSize), CString(u"auto")});
     tags.Add(SAF_TAG{CString(saf::kData), CString(u"")});
@@ -106,6 +108,10 @@ bool CSAFFile::RemoveTag(char16_t const *name) {
 
 uint32_t CSAFFile::GetDataPosition() const {
     return dataPosition;
+}
+
+bool CSAFFile::HeaderEndsAsStated() const {
+    return headerEndsAsStated;
 }
 
 char16_t const *CSAFFile::GetFilename() const {

@@ -20,8 +20,8 @@
 //     value): the reader takes lines of at most 511 bytes before the LF;
 //   - a new tag named HdSize, DATA or saf_padding (the reader treats those
 //     lines specially);
-//   - an HdSize value other than "auto" (any case): a number there makes the
-//     reader stop at that byte, as in the older fixed-size headers.
+//   - an HdSize value other than "auto" (any case): a number there is read as
+//     an older fixed-size header's size (see Load).
 // Leading and trailing blanks of a value are not kept by a load. The tag
 // returned by operator[](index) is the stored tag itself: what a caller
 // writes through it is not checked.
@@ -31,9 +31,36 @@
 // line gets a DATA tag, so that the last tag is always DATA and a rewrite never
 // drops a real tag. Older fixed-size headers (HdSize holding the header's size
 // in bytes, no DATA line) load with HdSize "Auto" and a DATA tag supplied.
+// Such a header ends where a line ends exactly at that byte count. Lines are
+// read whole, so a count that falls inside a line is passed over and the
+// reader goes on into the data up to a DATA line or one of the ends above
+// (the tags it finds there are kept: existing readers see the same). Then the
+// header did not end at its stated size, HeaderEndsAsStated() is false, and
+// Update refuses the file: its data position is not trustworthy, and
+// rewriting the header would overwrite image data.
 //
 // Failures are reported by bool only; nothing throws on bad file content.
 // A failed Load keeps the tags read so far, with filename cleared.
+//
+// By path (qv/formats/tagged/SAFFileSave.cpp). Load(fs, path) opens with
+// 0x212 and remembers the file and file system. Save(fs, path, pad) takes
+// one of three roads:
+//   - a new file (no file name yet): the header alone, with 2048 bytes of
+//     padding if pad is set, written to a temporary file beside path and
+//     renamed over it;
+//   - save as (path differs from the file name, compared exactly since disk
+//     names are case-sensitive, or fs differs): the header, padded with 2048
+//     bytes if the old file has data behind its header, then the old data
+//     segment, all into a temporary file renamed over path; the old file is
+//     only read;
+//   - in place (all other cases): Update on the file itself, since only that
+//     keeps a multi-gigabyte data segment where it is; Update's own rules
+//     about failures hold (see there).
+// On a file system without rename the first two write path directly.
+// Save reports every failed write; after a failure the object is unchanged.
+// Tag groups (BubbleGroups, SortByGroups) arrange the header by the shared
+// dictionary (qv/formats/tagged/TagFile.h); safTest is the library's self
+// check of the padding rules (qv/formats/tagged/SAFSelfTest.h).
 //
 // Ownership: the object owns its tags; fileSystem is not owned. Update works on
 // the caller's open IFile and leaves it open, positioned at the data segment.
@@ -51,6 +78,8 @@ namespace qv {
 
 class IFile;
 class IFileSystem;
+class CTagFile;
+QV_API CTagFile &GetTagFile();
 
 struct SAF_TAG {
     CString name;
@@ -102,9 +131,14 @@ public:
     // stays within 16..4096 bytes, otherwise the data moves once so that 2048
     // bytes of padding remain. f is left positioned at the data segment. The
     // object's own data position and file name are not changed. False with
-    // no f or no tags (f untouched), or if moving the data failed (the header
-    // is then not written; IFile::Insert/Remove tell what they leave behind).
-    // Short header writes are not detected: they show at the next Load.
+    // no f or no tags, after a Load whose header did not end at its stated
+    // size (see HeaderEndsAsStated), or with a header too large (f untouched
+    // in all these). On a failure of f it is false too, dataPosition keeps its
+    // value, and f is left as IFile::Insert/Remove leave it: unchanged when
+    // the data could not move (a full disk among others); when the header
+    // write itself fails or falls short, the move is undone and the old
+    // header bytes put back, so that the file still says where its data is.
+    // Only if those writes fail as well is the file damaged.
     bool Update(IFile *f, uint32_t &dataPosition, bool pad) const;
     // dataPosition = 0, then Update: whatever f holds becomes the data segment.
     bool SaveTo(IFile *f, uint32_t &dataPosition, bool pad) const;
@@ -139,7 +173,40 @@ public:
     bool RemoveTag(uint32_t i);
     bool RemoveTag(char16_t const *name);
 
+    // ---- By path ----
+    // fs null: the disk. True when the file loaded; then filename and
+    // fileSystem name it.
+    bool Load(IFileSystem *fs, char16_t const *path);
+    bool Load(char16_t const *path);
+    // See "By path" above. path null: the file name of the last load or
+    // save. Save() is Save(disk, null, true).
+    bool Save(IFileSystem *fs, char16_t const *path, bool pad);
+    bool Save(char16_t const *path, bool pad);
+    bool Save();
+    // Whether the file begins with "HDSize" in any case (Load may still
+    // refuse it). False if it cannot be opened.
+    static bool IsSAFFile(IFileSystem *fs, char16_t const *path);
+
+    // ---- Groups ----
+    // Brings the known "group" tags (values: the 17 group names of the
+    // dictionary's categories 0..16), each with the "groupcomment" tags that
+    // follow it, to the front of the header behind HdSize, in their order.
+    // True.
+    bool BubbleGroups();
+    // As BubbleGroups, then moves every tag behind the header of its
+    // category's group in dictionary order (CTagFile::CompareTags), the
+    // comment tags (category 17) in front of it going along. Comments are
+    // exchanged into place rather than moved, an order existing files show.
+    // A tag whose group has no header stays where it is, or with addGroups
+    // gets a new "Group" tag behind the last group. True.
+    bool SortByGroups(bool addGroups);
+    // The dictionary consulted: the shared one.
+    CTagFile &GetTagFile() { return *tagFile; }
+
     uint32_t GetDataPosition() const;
+    // False after a Load of a fixed-size header whose HdSize fell inside a
+    // line (see Load); true otherwise.
+    bool HeaderEndsAsStated() const;
     char16_t const *GetFilename() const; // never null
     IFileSystem *GetFileSystem() const;
 
@@ -148,6 +215,8 @@ protected:
     IFileSystem *fileSystem; // not owned; null until a load or save by path
     uint32_t dataPosition;   // offset of the data segment (the header's size)
     TArray<SAF_TAG> tags;
+    bool headerEndsAsStated = true;
+    CTagFile *tagFile = &::qv::GetTagFile(); // not owned
 
 private:
     bool FindTag(char16_t const *name, SAF_TAG *&tag);

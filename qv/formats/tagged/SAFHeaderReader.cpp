@@ -63,6 +63,7 @@ bool CSAFFile::Load(IFile *f) {
         if (HasName(tag, saf::kData) || position == uint32_t(limit)) break;
     }
     dataPosition = uint32_t(f->GetPosition());
+    headerEndsAsStated = limit <= 0 || dataPosition == uint32_t(limit);
 
     if (tags.nItems() == 0 || !HasName(tags.GetAt(0), saf::kHdSize)) return false;
     // Older headers name their size in HdSize; every loaded header says
