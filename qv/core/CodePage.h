@@ -1,14 +1,15 @@
-// Conversion between UTF-16 and byte code pages with the count rules of the
-// platform the library was designed on: a length of -1 converts up to and
-// including the terminator (and counts it); an output size of 0 asks for the
-// size needed; a too-small output gives 0. 65001 (UTF-8) and 1252 (Western,
-// also the "ANSI" code page 0 here) are built in; others go through iconv.
-// Bad input converts as that platform does: U+FFFD for invalid UTF-8 and lone
-// surrogates, the five undefined 1252 bytes map to the same code points, and
-// characters a code page lacks become '?' (one per character, so a surrogate
-// pair becomes one '?'). Other bad arguments (null text, a length of 0 or
-// below -1, a negative size, a null output with a nonzero size) and unknown
-// code pages give 0. Thread-safe; nothing is allocated for 65001 and 1252.
+/// @file
+/// Conversion between UTF-16 and byte code pages with the count rules of the
+/// platform the library was designed on: a length of -1 converts up to and
+/// including the terminator (and counts it); an output size of 0 asks for the
+/// size needed; a too-small output gives 0. 65001 (UTF-8) and 1252 (Western,
+/// also the "ANSI" code page 0 here) are built in; others go through iconv.
+/// Bad input converts as that platform does: U+FFFD for invalid UTF-8 and lone
+/// surrogates, the five undefined 1252 bytes map to the same code points, and
+/// characters a code page lacks become '?' (one per character, so a surrogate
+/// pair becomes one '?'). Other bad arguments (null text, a length of 0 or
+/// below -1, a negative size, a null output with a nonzero size) and unknown
+/// code pages give 0. Thread-safe; nothing is allocated for 65001 and 1252.
 #pragma once
 
 #include <cstdint>

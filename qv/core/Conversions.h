@@ -1,5 +1,6 @@
-// The conversion classes, all in one include: CBool, CInt8 ... CUInt64,
-// CIntPtr, CUIntPtr, CFlt32, CFlt64, CGUID, and FmtFloat.
+/// @file
+/// The conversion classes, all in one include: CBool, CInt8 ... CUInt64,
+/// CIntPtr, CUIntPtr, CFlt32, CFlt64, CGUID, and FmtFloat.
 #pragma once
 
 #include "qv/core/BoolConversions.h"

@@ -1,9 +1,10 @@
-// CException: a message with an optional inner exception, for callers that
-// want to report a chain of causes. The library never constructs or throws it.
-//
-// Ownership: the message is a shared CString; inner is not owned and must
-// outlive the exception (a copy points to the same inner one).
-// Threads: a plain value; one object belongs to one thread at a time.
+/// @file
+/// CException: a message with an optional inner exception, for callers that
+/// want to report a chain of causes. The library never constructs or throws it.
+///
+/// Ownership: the message is a shared CString; inner is not owned and must
+/// outlive the exception (a copy points to the same inner one).
+/// Threads: a plain value; one object belongs to one thread at a time.
 #pragma once
 
 #include "qv/core/Export.h"
@@ -11,6 +12,7 @@
 
 namespace qv {
 
+/// @copydoc Exception.h
 class QV_API CException {
 public:
     CException(CString message, CException const *inner);

@@ -1,12 +1,13 @@
-// FILETIME and SYSTEMTIME: the library's own time records, with the fields and
-// widths that callers and file forms know them by.
-//
-// FILETIME counts 100 ns ticks since 1601-01-01 00:00 UTC, split in two 32-bit
-// halves. SYSTEMTIME is a broken-down time with millisecond resolution
-// (wDayOfWeek: 0 is Sunday).
-//
-// The conversions here are pure calendar arithmetic (proleptic Gregorian) and
-// thread-safe. Reading the clock and the time zone lives in qv/platform/Clock.h.
+/// @file
+/// FILETIME and SYSTEMTIME: the library's own time records, with the fields and
+/// widths that callers and file forms know them by.
+///
+/// FILETIME counts 100 ns ticks since 1601-01-01 00:00 UTC, split in two 32-bit
+/// halves. SYSTEMTIME is a broken-down time with millisecond resolution
+/// (wDayOfWeek: 0 is Sunday).
+///
+/// The conversions here are pure calendar arithmetic (proleptic Gregorian) and
+/// thread-safe. Reading the clock and the time zone lives in qv/platform/Clock.h.
 #pragma once
 
 #include <cstdint>
@@ -15,11 +16,13 @@
 
 namespace qv {
 
+/// @copydoc FileTime.h
 struct FILETIME {
     uint32_t dwLowDateTime;
     uint32_t dwHighDateTime;
 };
 
+/// @copydoc FileTime.h
 struct SYSTEMTIME {
     uint16_t wYear;
     uint16_t wMonth;
@@ -31,10 +34,12 @@ struct SYSTEMTIME {
     uint16_t wMilliseconds;
 };
 
-// Ticks per unit of FILETIME.
+/// Ticks per unit of FILETIME.
+///@{
 inline constexpr int64_t kFileTimeTicksPerMillisecond = 10000;
 inline constexpr int64_t kFileTimeTicksPerSecond = 10000000;
-// The largest tick count the conversions accept (the sign bit must be clear).
+///@}
+/// The largest tick count the conversions accept (the sign bit must be clear).
 inline constexpr uint64_t kFileTimeMaxTicks = 0x7FFFFFFFFFFFFFFFull;
 
 inline uint64_t FileTimeToTicks(FILETIME const &ft) {
@@ -45,12 +50,12 @@ inline FILETIME TicksToFileTime(uint64_t ticks) {
     return FILETIME{uint32_t(ticks), uint32_t(ticks >> 32)};
 }
 
-// Fails (false, *ft untouched) unless the fields form a valid time: year 1601
-// to 30827, month 1..12, day within the month, hour < 24, minute < 60,
-// second < 60, milliseconds < 1000. wDayOfWeek is ignored.
+/// Fails (false, *ft untouched) unless the fields form a valid time: year 1601
+/// to 30827, month 1..12, day within the month, hour < 24, minute < 60,
+/// second < 60, milliseconds < 1000. wDayOfWeek is ignored.
 QV_API bool SystemTimeToFileTime(SYSTEMTIME const *st, FILETIME *ft);
-// Fails (false, *st untouched) for tick counts above kFileTimeMaxTicks.
-// Fills every field, wDayOfWeek included.
+/// Fails (false, *st untouched) for tick counts above kFileTimeMaxTicks.
+/// Fills every field, wDayOfWeek included.
 QV_API bool FileTimeToSystemTime(FILETIME const *ft, SYSTEMTIME *st);
 
 } // namespace qv

@@ -1,8 +1,9 @@
-// NarrowToFloat: double to float as IEEE arithmetic rounds it (to nearest,
-// beyond the float range to an infinity, NaN stays NaN), without the
-// conversion C++ leaves undefined for values outside the float range.
-// FloatFromDouble<F> is the same for either floating type (double: as it
-// stands). Pure and thread-safe.
+/// @file
+/// NarrowToFloat: double to float as IEEE arithmetic rounds it (to nearest,
+/// beyond the float range to an infinity, NaN stays NaN), without the
+/// conversion C++ leaves undefined for values outside the float range.
+/// FloatFromDouble<F> is the same for either floating type (double: as it
+/// stands). Pure and thread-safe.
 #pragma once
 
 #include <limits>

@@ -1,9 +1,10 @@
-// Internal: the one printf engine behind the wide and the narrow families.
-// It is a template over the text's unit type and over the source of the
-// arguments, so the library reads a va_list while a fuzz target can hand in
-// safe values for any directive. It allocates nothing: numbers are built in a
-// stack buffer, zeros and padding are counted rather than stored, and text
-// longer than the caller's buffer is only counted.
+/// @file
+/// Internal: the one printf engine behind the wide and the narrow families.
+/// It is a template over the text's unit type and over the source of the
+/// arguments, so the library reads a va_list while a fuzz target can hand in
+/// safe values for any directive. It allocates nothing: numbers are built in a
+/// stack buffer, zeros and padding are counted rather than stored, and text
+/// longer than the caller's buffer is only counted.
 #pragma once
 
 #include <algorithm>
@@ -20,8 +21,8 @@
 
 namespace qv::detail {
 
-// Arguments from a va_list. The designed runtime's long is 32 bits, so %ld
-// reads an int; %lld, %I64d and the size_t forms read 64 bits.
+/// Arguments from a va_list. The designed runtime's long is 32 bits, so %ld
+/// reads an int; %lld, %I64d and the size_t forms read 64 bits.
 class VaListArgs {
 public:
     explicit VaListArgs(va_list args) { va_copy(list, args); }
@@ -40,8 +41,8 @@ private:
     va_list list;
 };
 
-// Writes what fits in the caller's buffer (keeping a unit for the
-// terminator) and counts the whole text.
+/// Writes what fits in the caller's buffer (keeping a unit for the
+/// terminator) and counts the whole text.
 template <class Char> class FormatOutput {
 public:
     FormatOutput(Char *buf, size_t size) : buf(size ? buf : nullptr), room(buf && size ? size - 1 : 0) {}
@@ -76,13 +77,14 @@ private:
     size_t count = 0;
 };
 
+/// @copydoc FormatEngine.h
 struct FormatDirective {
     bool left = false, plus = false, space = false, alt = false, zero = false;
     bool widthArg = false, precisionArg = false;
     int width = 0;
-    int precision = -1; // none
+    int precision = -1; ///< none
     ArgSize size = ArgSize::None;
-    char conversion = 0; // 0: the directive is unknown and prints as it stands
+    char conversion = 0; ///< 0: the directive is unknown and prints as it stands
 };
 
 inline bool IsIntegerConversion(char c) {
@@ -112,8 +114,8 @@ inline bool SizeFits(ArgSize size, char conversion) {
     return false;
 }
 
-// p points past the '%'. Returns the position after the directive; a
-// directive cut short by the end of the format ends at the terminator.
+/// p points past the '%'. Returns the position after the directive; a
+/// directive cut short by the end of the format ends at the terminator.
 template <class Char> Char const *ParseDirective(Char const *p, FormatDirective &directive) {
     if (*p == '%') return directive.conversion = '%', p + 1;
     for (;; ++p) {
@@ -149,17 +151,17 @@ template <class Char> Char const *ParseDirective(Char const *p, FormatDirective 
     return p;
 }
 
-// The parts of a formatted number, left to right; zeros are counts.
+/// The parts of a formatted number, left to right; zeros are counts.
 struct NumberParts {
     char prefix[3] = {};
-    size_t prefixLength = 0; // sign, then "0x" of %#x and %a
-    size_t leadingZeros = 0; // zeros the precision asks for
+    size_t prefixLength = 0; ///< sign, then "0x" of %#x and %a
+    size_t leadingZeros = 0; ///< zeros the precision asks for
     char const *body = "";
     size_t bodyLength = 0;
-    size_t trailingZeros = 0; // zeros past the last digit that can be nonzero
+    size_t trailingZeros = 0; ///< zeros past the last digit that can be nonzero
     char const *suffix = "";
-    size_t suffixLength = 0; // exponent
-    bool zeroPadding = true; // whether the 0 flag may pad (not for inf, nan)
+    size_t suffixLength = 0; ///< exponent
+    bool zeroPadding = true; ///< whether the 0 flag may pad (not for inf, nan)
 
     void AddPrefix(char c) { prefix[prefixLength++] = c; }
 };
@@ -212,12 +214,15 @@ void PutInteger(FormatOutput<Char> &out, FormatDirective directive, uint64_t mag
     PutPadded(out, directive, parts);
 }
 
-// Exact decimal expansions of a double have at most 1074 fraction digits and
-// 767 significant digits; precision beyond that only adds zeros.
+/// Exact decimal expansions of a double have at most 1074 fraction digits and
+/// 767 significant digits; precision beyond that only adds zeros.
+///@{
 constexpr int kMaxFixedDigits = 1074;
 constexpr int kMaxSignificantDigits = 800;
 constexpr size_t kFloatBuffer = 309 + 1 + kMaxFixedDigits + 8;
+///@}
 
+/// @copydoc FormatEngine.h
 struct FloatText {
     char body[kFloatBuffer];
     char exponent[8];
@@ -232,8 +237,8 @@ inline void FixedDigits(FloatText &text, double value, int precision) {
     text.parts.trailingZeros = size_t(precision - exact);
 }
 
-// Mantissa into body; returns the decimal exponent. Exponents print with at
-// least three digits, as the designed runtime does and existing files hold.
+/// Mantissa into body; returns the decimal exponent. Exponents print with at
+/// least three digits, as the designed runtime does and existing files hold.
 inline int ScientificDigits(FloatText &text, double value, int precision, char e) {
     int exact = std::min(precision, kMaxSignificantDigits);
     auto r = std::to_chars(text.body, text.body + sizeof text.body, value, std::chars_format::scientific, exact);
@@ -273,7 +278,7 @@ inline void HexDigits(FloatText &text, double value, int precision, bool upper) 
     text.parts.suffixLength = suffixLength;
 }
 
-// Removes the zeros ending the fraction, and the point if nothing is left.
+/// Removes the zeros ending the fraction, and the point if nothing is left.
 inline void StripFractionZeros(NumberParts &parts) {
     parts.trailingZeros = 0;
     if (!std::memchr(parts.body, '.', parts.bodyLength)) return;
@@ -282,7 +287,7 @@ inline void StripFractionZeros(NumberParts &parts) {
     if (parts.body[parts.bodyLength - 1] == '.') --parts.bodyLength;
 }
 
-// %g: %e or %f by the exponent, as C defines it.
+/// %g: %e or %f by the exponent, as C defines it.
 inline void GeneralDigits(FloatText &text, double value, int precision, bool alt, char e) {
     int significant = precision == 0 ? 1 : precision;
     int exponent = value == 0 ? 0 : ScientificDigits(text, value, significant - 1, e);
@@ -293,7 +298,7 @@ inline void GeneralDigits(FloatText &text, double value, int precision, bool alt
     if (!alt) StripFractionZeros(text.parts);
 }
 
-// Appends the point that '#' asks for when no digit follows it.
+/// Appends the point that '#' asks for when no digit follows it.
 inline void ForcePoint(NumberParts &parts, char *body) {
     if (std::memchr(parts.body, '.', parts.bodyLength)) return;
     body[parts.bodyLength++] = '.';
@@ -336,8 +341,8 @@ template <class Char> void PutFloat(FormatOutput<Char> &out, FormatDirective con
     PutPadded(out, directive, parts);
 }
 
-// Text of one unit type into another, one whole code point at a time, at
-// most limit output units. Returns the units produced.
+/// Text of one unit type into another, one whole code point at a time, at
+/// most limit output units. Returns the units produced.
 template <class Char, class Src, class Emit> size_t Transcode(Src const *s, size_t limit, Emit emit) {
     size_t count = 0;
     while (count < limit && *s) {
@@ -408,8 +413,8 @@ void PutCharacter(FormatOutput<Char> &out, FormatDirective const &directive, Src
     PadText(out, directive, n, false);
 }
 
-// Whether %s/%c of this directive takes wide text: l and w say wide, h narrow,
-// otherwise the lower-case letter is the format's own kind.
+/// Whether %s/%c of this directive takes wide text: l and w say wide, h narrow,
+/// otherwise the lower-case letter is the format's own kind.
 template <class Char> bool TakesWide(FormatDirective const &directive) {
     if (directive.size == ArgSize::Long || directive.size == ArgSize::Wide) return true;
     if (directive.size == ArgSize::Short) return false;
@@ -504,9 +509,9 @@ template <class Char, class Args> void Convert(FormatOutput<Char> &out, FormatDi
         PutFloat(out, directive, args.Double());
 }
 
-// Formats into buf (size units with the terminator; buf may be null when
-// size is 0) and returns the length of the whole text, or -1 if that is above
-// INT_MAX. A null format gives -1.
+/// Formats into buf (size units with the terminator; buf may be null when
+/// size is 0) and returns the length of the whole text, or -1 if that is above
+/// INT_MAX. A null format gives -1.
 template <class Char, class Args> int FormatText(Char *buf, size_t size, Char const *fmt, Args &args) {
     FormatOutput<Char> out(buf, size);
     if (!fmt) return out.Terminate(), -1;

@@ -1,4 +1,5 @@
-// Internal: the pieces of directive syntax that printf and scanf share.
+/// @file
+/// Internal: the pieces of directive syntax that printf and scanf share.
 #pragma once
 
 #include <climits>
@@ -6,11 +7,11 @@
 
 namespace qv::detail {
 
-// Size prefixes of the designed runtime's grammar: hh h l ll L w j z t and
-// I, I32, I64 (I alone is pointer-sized).
+/// Size prefixes of the designed runtime's grammar: hh h l ll L w j z t and
+/// I, I32, I64 (I alone is pointer-sized).
 enum class ArgSize : uint8_t { None, Char, Short, Long, LongLong, Int32, Int64, SizeT, LongDouble, Wide };
 
-// Reads decimal digits, saturating at INT_MAX.
+/// Reads decimal digits, saturating at INT_MAX.
 template <class Char> Char const *ParseCount(Char const *p, int &value) {
     value = 0;
     for (; *p >= '0' && *p <= '9'; ++p) value = value > (INT_MAX - 9) / 10 ? INT_MAX : value * 10 + (*p - '0');

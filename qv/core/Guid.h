@@ -1,10 +1,12 @@
-// The 16-byte identifier value type, laid out field by field as files store it.
+/// @file
+/// The 16-byte identifier value type, laid out field by field as files store it.
 #pragma once
 
 #include <cstdint>
 
 namespace qv {
 
+/// @copydoc Guid.h
 struct GUID {
     uint32_t Data1;
     uint16_t Data2;

@@ -1,16 +1,17 @@
-// CInt8 ... CUInt64, CIntPtr, CUIntPtr: the one place where integers and their
-// text convert to each other. All members are static; nothing reports a
-// failure, a null text reads as the empty text. Pure and thread-safe.
-//
-// Parse reads the run of ASCII digits from the first unit and stops at the
-// first other unit: no white space is skipped, the empty run gives 0, overflow
-// wraps in 64 bits, and the signed classes take a leading "-" (never "+").
-// ParseHex takes an optional lower-case "0x" ("0X" is not recognised), then
-// hexadecimal digits of either case. Both truncate to the class's width.
-// ToString is decimal; ToStringHex is upper-case hexadecimal with one digit
-// more than the value needs (0xAB gives "0AB", 0 gives "0"), signed values
-// first extended to 64 bits (-1 gives "0FFFFFFFFFFFFFFFF"). Existing files and
-// callers depend on that leading zero.
+/// @file
+/// CInt8 ... CUInt64, CIntPtr, CUIntPtr: the one place where integers and their
+/// text convert to each other. All members are static; nothing reports a
+/// failure, a null text reads as the empty text. Pure and thread-safe.
+///
+/// Parse reads the run of ASCII digits from the first unit and stops at the
+/// first other unit: no white space is skipped, the empty run gives 0, overflow
+/// wraps in 64 bits, and the signed classes take a leading "-" (never "+").
+/// ParseHex takes an optional lower-case "0x" ("0X" is not recognised), then
+/// hexadecimal digits of either case. Both truncate to the class's width.
+/// ToString is decimal; ToStringHex is upper-case hexadecimal with one digit
+/// more than the value needs (0xAB gives "0AB", 0 gives "0"), signed values
+/// first extended to 64 bits (-1 gives "0FFFFFFFFFFFFFFFF"). Existing files and
+/// callers depend on that leading zero.
 #pragma once
 
 #include <cstdint>
@@ -30,9 +31,10 @@ QV_API CString FormatDecimal(uint64_t v);
 QV_API CString FormatHexWithLeadingZero(uint64_t v);
 } // namespace detail
 
+/// @copydoc IntegerConversions.h
 template <class T> class TIntegerConversion {
     static_assert(std::is_integral_v<T>, "integer conversions only");
-    // Signed values widen with their sign, unsigned ones with zeros.
+    /// Signed values widen with their sign, unsigned ones with zeros.
     using Wide = std::conditional_t<std::is_signed_v<T>, int64_t, uint64_t>;
 
 public:
@@ -55,8 +57,10 @@ class CInt32 : public TIntegerConversion<int32_t> {};
 class CUInt32 : public TIntegerConversion<uint32_t> {};
 class CInt64 : public TIntegerConversion<int64_t> {};
 class CUInt64 : public TIntegerConversion<uint64_t> {};
-// Pointer-sized: the limits of intptr_t and uintptr_t on this host.
+/// Pointer-sized: the limits of intptr_t and uintptr_t on this host.
+///@{
 class CIntPtr : public TIntegerConversion<intptr_t> {};
 class CUIntPtr : public TIntegerConversion<uintptr_t> {};
+///@}
 
 } // namespace qv

@@ -1,39 +1,40 @@
-// CLocale: the texts of the string tables of the loaded modules in the
-// user's language, and the language-aware finding of module resources.
-//
-// Construction takes the language from GetUserDefaultLCID (the environment,
-// see LanguageTags.h) and the modules from the resource registry: libqv's own
-// table, then the program's (either is left out when missing). Then the
-// string table is loaded: for each module and each string block (type 6) the
-// block in the current language, with the fallback of FindResource (see
-// ModuleResources.h), is copied into one text block. Ids that no block holds
-// read as the empty text. A later module overwrites the ids of an earlier one,
-// block by block (a block sets all of its 16 ids, absent ones to the empty
-// text), so the program's texts replace the library's, and a module given to
-// AddModule replaces both.
-//
-// Languages on offer: the languages of the program's string block 15 (ids 224
-// to 239), which a program carries once per translation. Each gets the name
-// that libqv's table holds for it (kLanguageNameId, looked up in that language
-// or one of the same primary language), else its "de-DE" tag, else the id as
-// "0x0407".
-//
-// The library reserves the ids 1024 to 1039 (one block) for its own texts.
-//
-// getString never returns null: an unknown id gives the empty text. The
-// pointers stay valid until the next reload (setLocale, setLanguage,
-// AddModule) or destruction. FindResourceW and GetResourceLangID take type
-// and name in the pointer convention of ResourceId.h ("#6" or
-// MakeIntResource(6)); GetResourceLangID gives 0 when nothing is found.
-//
-// Right-to-left layout is true for the languages that IsRightToLeftLanguage
-// names.
-//
-// Failure: an exhausted heap during loading leaves the table short; those ids
-// read as the empty text.
-// Threads: no lock. Set up once (the global Locale is built on first use, safely
-// from any thread); afterwards getString and the other getters are read-only
-// and may be called from any thread. Reloading needs the caller's exclusion.
+/// @file
+/// CLocale: the texts of the string tables of the loaded modules in the
+/// user's language, and the language-aware finding of module resources.
+///
+/// Construction takes the language from GetUserDefaultLCID (the environment,
+/// see LanguageTags.h) and the modules from the resource registry: libqv's own
+/// table, then the program's (either is left out when missing). Then the
+/// string table is loaded: for each module and each string block (type 6) the
+/// block in the current language, with the fallback of FindResource (see
+/// ModuleResources.h), is copied into one text block. Ids that no block holds
+/// read as the empty text. A later module overwrites the ids of an earlier one,
+/// block by block (a block sets all of its 16 ids, absent ones to the empty
+/// text), so the program's texts replace the library's, and a module given to
+/// AddModule replaces both.
+///
+/// Languages on offer: the languages of the program's string block 15 (ids 224
+/// to 239), which a program carries once per translation. Each gets the name
+/// that libqv's table holds for it (kLanguageNameId, looked up in that language
+/// or one of the same primary language), else its "de-DE" tag, else the id as
+/// "0x0407".
+///
+/// The library reserves the ids 1024 to 1039 (one block) for its own texts.
+///
+/// getString never returns null: an unknown id gives the empty text. The
+/// pointers stay valid until the next reload (setLocale, setLanguage,
+/// AddModule) or destruction. FindResourceW and GetResourceLangID take type
+/// and name in the pointer convention of ResourceId.h ("#6" or
+/// MakeIntResource(6)); GetResourceLangID gives 0 when nothing is found.
+///
+/// Right-to-left layout is true for the languages that IsRightToLeftLanguage
+/// names.
+///
+/// Failure: an exhausted heap during loading leaves the table short; those ids
+/// read as the empty text.
+/// Threads: no lock. Set up once (the global Locale is built on first use, safely
+/// from any thread); afterwards getString and the other getters are read-only
+/// and may be called from any thread. Reloading needs the caller's exclusion.
 #pragma once
 
 #include <cstdint>
@@ -46,15 +47,17 @@
 
 namespace qv {
 
-constexpr uint32_t kLanguageNameId = 1024; // libqv: the name of the table's language
+constexpr uint32_t kLanguageNameId = 1024; ///< libqv: the name of the table's language
 constexpr uint16_t kLanguageListBlock = 15;
 
+/// @copydoc Locale.h
 struct SLocale {
     uint16_t language;
     CString name;
     bool rightToLeft;
 };
 
+/// @copydoc Locale.h
 class QV_API CLocale {
 public:
     CLocale();
@@ -82,15 +85,17 @@ private:
     TArray<HINSTANCE> modules;
     uint32_t lcid = 0;
     uint16_t language = 0;
-    TSimpleArray<char16_t> strings; // every text, each terminated; unit 0 is the empty text
-    TSimpleArray<char16_t *> table; // id to text
+    TSimpleArray<char16_t> strings; ///< every text, each terminated; unit 0 is the empty text
+    TSimpleArray<char16_t *> table; ///< id to text
     uint32_t lastID = 0;
     TArray<SLocale> languages;
     bool rightToLeft = false;
 };
 
-// The process's locale, built on first use; one instance inside libqv.so.
+/// The process's locale, built on first use; one instance inside libqv.so.
+///@{
 extern template class TSingletonPtr<CLocale>;
 extern QV_API TSingletonPtr<CLocale> Locale;
+///@}
 
 } // namespace qv

@@ -1,20 +1,23 @@
-// nullable<T>: a value of T followed by a one-byte flag telling whether it is
-// set. Used for bool, char, unsigned char, short, unsigned short, int32_t,
-// uint32_t, int64_t, uint64_t, float and double. A plain value type: no heap,
-// no locks.
-//
-// The "not set" tag is null_t with the one global qv::null (x = qv::null
-// unsets x). It is not called nullptr_t: with `using namespace qv` that name
-// would clash with the C library's ::nullptr_t and std::nullptr_t.
+/// @file
+/// nullable<T>: a value of T followed by a one-byte flag telling whether it is
+/// set. Used for bool, char, unsigned char, short, unsigned short, int32_t,
+/// uint32_t, int64_t, uint64_t, float and double. A plain value type: no heap,
+/// no locks.
+///
+/// The "not set" tag is null_t with the one global qv::null (x = qv::null
+/// unsets x). It is not called nullptr_t: with `using namespace qv` that name
+/// would clash with the C library's ::nullptr_t and std::nullptr_t.
 #pragma once
 
 namespace qv {
 
+/// @copydoc Nullable.h
 struct null_t {
     explicit constexpr null_t() = default;
 };
 inline constexpr null_t null{};
 
+/// @copydoc Nullable.h
 template <class T> class nullable {
 public:
     constexpr nullable() : value(), set(false) {}
@@ -35,15 +38,17 @@ public:
     constexpr bool IsSet() const { return set; }
     constexpr bool HasValue() const { return set; }
     constexpr bool IsNull() const { return !set; }
-    // Clears the flag; the stored value stays what it was.
+    /// Clears the flag; the stored value stays what it was.
+    ///@{
     constexpr void Unset() { set = false; }
     constexpr void Set(T const &v) {
         value = v;
         set = true;
     }
-    // The value if set, otherwise fallback.
+    ///@}
+    /// The value if set, otherwise fallback.
     constexpr T Get(T const &fallback) const { return set ? value : fallback; }
-    // The stored value, without looking at the flag (callers rely on that).
+    /// The stored value, without looking at the flag (callers rely on that).
     constexpr operator T() const { return value; }
 
 private:

@@ -1,5 +1,6 @@
-// Internal: number parsing shared by _wtof/wcstod/c_strtod and the scanf
-// engine, for either unit type and never depending on the process locale.
+/// @file
+/// Internal: number parsing shared by _wtof/wcstod/c_strtod and the scanf
+/// engine, for either unit type and never depending on the process locale.
 #pragma once
 
 #include <charconv>
@@ -17,19 +18,20 @@ template <class Char> Char AsciiLowerUnit(Char c) {
     return c >= 'A' && c <= 'Z' ? Char(c + ('a' - 'A')) : c;
 }
 
+/// @copydoc NumberParse.h
 struct ParsedNumber {
     double value;
-    size_t length; // units taken; 0 when there is no number
+    size_t length; ///< units taken; 0 when there is no number
 };
 
-// Reads units of a terminated text, never past limit units.
+/// Reads units of a terminated text, never past limit units.
 template <class Char> class BoundedText {
 public:
     BoundedText(Char const *s, size_t limit) : s(s), limit(limit) {}
-    // The unit at i, or 0 past the limit. Callers look at i only after every
-    // unit before it was nonzero, so the terminator is never passed.
+    /// The unit at i, or 0 past the limit. Callers look at i only after every
+    /// unit before it was nonzero, so the terminator is never passed.
     Char operator[](size_t i) const { return i < limit ? s[i] : Char(0); }
-    // Length of word (lower case ASCII) matched without regard to case at i, or 0.
+    /// Length of word (lower case ASCII) matched without regard to case at i, or 0.
     size_t Match(size_t i, char const *word) const {
         size_t n = 0;
         for (; word[n]; ++n)
@@ -63,11 +65,11 @@ template <class Char> ParsedNumber ParseNamedDouble(BoundedText<Char> const &tex
     return {negative ? -nan : nan, i};
 }
 
-// strtod in the "C" locale on at most limit units: optional sign, digits with
-// at most one point, an optional exponent; "inf", "infinity", "nan" and
-// "nan(...)" in any case. No leading white space, no hexadecimal form.
-// Correctly rounded: the digits go to std::from_chars, cut to more
-// significant digits than any double needs, with a sticky digit for the rest.
+/// strtod in the "C" locale on at most limit units: optional sign, digits with
+/// at most one point, an optional exponent; "inf", "infinity", "nan" and
+/// "nan(...)" in any case. No leading white space, no hexadecimal form.
+/// Correctly rounded: the digits go to std::from_chars, cut to more
+/// significant digits than any double needs, with a sticky digit for the rest.
 template <class Char> ParsedNumber ParseDouble(Char const *s, size_t limit) {
     constexpr size_t kKeep = 780;
     BoundedText<Char> text(s, limit);

@@ -1,10 +1,11 @@
-// Internal: the one scanf engine behind the wide and the narrow families, a
-// template over the text's unit type and over where results go, so the
-// library writes through va_list pointers while a fuzz target can hand in
-// scratch storage. Semantics follow the designed runtime: white space in the
-// format matches any amount of white space (none too); a literal that does
-// not match stops; widths bound every field; integers wrap rather than
-// saturate; numbers are read in the "C" locale.
+/// @file
+/// Internal: the one scanf engine behind the wide and the narrow families, a
+/// template over the text's unit type and over where results go, so the
+/// library writes through va_list pointers while a fuzz target can hand in
+/// scratch storage. Semantics follow the designed runtime: white space in the
+/// format matches any amount of white space (none too); a literal that does
+/// not match stops; widths bound every field; integers wrap rather than
+/// saturate; numbers are read in the "C" locale.
 #pragma once
 
 #include <cstdarg>
@@ -18,7 +19,7 @@
 
 namespace qv::detail {
 
-// Destinations from a va_list: every assigning conversion takes the next pointer.
+/// Destinations from a va_list: every assigning conversion takes the next pointer.
 class VaListTargets {
 public:
     explicit VaListTargets(va_list args) { va_copy(list, args); }
@@ -39,9 +40,10 @@ inline bool IsScanSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// @copydoc ScanEngine.h
 struct ScanDirective {
     bool suppress = false;
-    size_t width = SIZE_MAX; // none given
+    size_t width = SIZE_MAX; ///< none given
     ArgSize size = ArgSize::None;
     char conversion = 0;
 };
@@ -80,12 +82,13 @@ template <class Char> bool ScanSizeFits(ArgSize size, char conversion) {
     }
 }
 
+/// @copydoc ScanEngine.h
 template <class Char, class Targets> class Scanner {
 public:
     Scanner(Char const *input, Targets &targets) : in(input), start(input), targets(targets) {}
 
-    // Returns the number of assigned fields, or -1 if the input ended before
-    // the first conversion.
+    /// Returns the number of assigned fields, or -1 if the input ended before
+    /// the first conversion.
     int Run(Char const *fmt) {
         while (*fmt && !stopped) {
             if (IsScanSpace(*fmt)) {
@@ -108,7 +111,8 @@ private:
             ++in;
     }
     void Fail() { stopped = true; }
-    // Whether input is left for a field; input ending here is an input failure.
+    /// Whether input is left for a field; input ending here is an input failure.
+    ///@{
     bool HaveInput() {
         if (*in) return true;
         inputFailure = true;
@@ -126,6 +130,7 @@ private:
         converted = true;
         assigned += stored;
     }
+    ///@}
 
     Char const *Directive(Char const *fmt) {
         ScanDirective directive;
@@ -233,7 +238,7 @@ private:
         Completed(!directive.suppress);
     }
 
-    // Copies n units of input to the next destination, terminated if asked.
+    /// Copies n units of input to the next destination, terminated if asked.
     void StoreText(ScanDirective const &directive, size_t n, bool terminate) {
         if (!directive.suppress) {
             Char *out = targets.template Next<Char>();
@@ -263,7 +268,7 @@ private:
         StoreText(directive, n, true);
     }
 
-    // set points past the '[' (and '^'); a ']' right there is a member.
+    /// set points past the '[' (and '^'); a ']' right there is a member.
     static bool InSet(Char const *set, Char const *end, Char c) {
         for (Char const *p = set; p < end; ++p) {
             if (p[1] == '-' && p + 2 < end) {
@@ -302,7 +307,7 @@ private:
     Char const *start;
     Targets &targets;
     int assigned = 0;
-    bool converted = false; // a conversion completed, assigned or suppressed
+    bool converted = false; ///< a conversion completed, assigned or suppressed
     bool inputFailure = false;
     bool stopped = false;
 };

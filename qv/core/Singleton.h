@@ -1,32 +1,33 @@
-// TSingletonPtr: a handle to one lazily built, process-wide instance of T,
-// destroyed at exit in a fixed order.
-//
-// A handle holds no data: every handle of one instantiation reaches the same
-// static pointer. GetInstance builds the object with new T() on first use;
-// when several threads race into it, one builds and the others wait until it
-// is done, so exactly one instance exists. Registering the object with
-// Private::DeleteAtExit makes the exit routine delete it: highest Priority
-// first, and among equal priorities the newest first.
-//
-// CreateAtStart makes a handle's constructor build the instance (for handles
-// defined at namespace scope, at load time). PostCreate::PostCreate(T *) runs
-// on the new object before any other thread can see it.
-//
-// Across modules. A handle type used by both a program and libqv.so must be
-// instantiated once, inside the library: the library's handles are declared
-// with an explicit instantiation (extern template ... QV_API) beside their
-// global, so a program reaches the library's instance, not a copy of its own.
-//
-// Delete(p) is the exit routine's deleter: it deletes p, and when p is the
-// current instance the handle forgets it, so a use after destruction builds
-// a new one (registered again) instead of reaching freed memory. A destructor
-// must therefore not use its own handle. Calling Delete elsewhere leaves the
-// exit record behind and deletes the object twice.
-//
-// Failure: an exception from new T() (an exhausted heap, T's constructor)
-// leaves GetInstance as it would leave new; the handle stays unbuilt and a
-// later call tries again.
-// Threads: GetInstance and the conversions are safe from any thread.
+/// @file
+/// TSingletonPtr: a handle to one lazily built, process-wide instance of T,
+/// destroyed at exit in a fixed order.
+///
+/// A handle holds no data: every handle of one instantiation reaches the same
+/// static pointer. GetInstance builds the object with new T() on first use;
+/// when several threads race into it, one builds and the others wait until it
+/// is done, so exactly one instance exists. Registering the object with
+/// Private::DeleteAtExit makes the exit routine delete it: highest Priority
+/// first, and among equal priorities the newest first.
+///
+/// CreateAtStart makes a handle's constructor build the instance (for handles
+/// defined at namespace scope, at load time). PostCreate::PostCreate(T *) runs
+/// on the new object before any other thread can see it.
+///
+/// Across modules. A handle type used by both a program and libqv.so must be
+/// instantiated once, inside the library: the library's handles are declared
+/// with an explicit instantiation (extern template ... QV_API) beside their
+/// global, so a program reaches the library's instance, not a copy of its own.
+///
+/// Delete(p) is the exit routine's deleter: it deletes p, and when p is the
+/// current instance the handle forgets it, so a use after destruction builds
+/// a new one (registered again) instead of reaching freed memory. A destructor
+/// must therefore not use its own handle. Calling Delete elsewhere leaves the
+/// exit record behind and deletes the object twice.
+///
+/// Failure: an exception from new T() (an exhausted heap, T's constructor)
+/// leaves GetInstance as it would leave new; the handle stays unbuilt and a
+/// later call tries again.
+/// Threads: GetInstance and the conversions are safe from any thread.
 #pragma once
 
 #include <atomic>
@@ -38,16 +39,16 @@ namespace qv {
 
 namespace Private {
 
-// Deletes object with deleter when the process exits (or libqv.so unloads).
-// Order: highest priority first, then last registered first; objects
-// registered while that routine runs are deleted by its final pass. If the
-// list cannot grow the object is never deleted. Thread-safe.
+/// Deletes object with deleter when the process exits (or libqv.so unloads).
+/// Order: highest priority first, then last registered first; objects
+/// registered while that routine runs are deleted by its final pass. If the
+/// list cannot grow the object is never deleted. Thread-safe.
 QV_API void DeleteAtExit(void *object, int priority, void (*deleter)(void *));
 
-// The creation protocol shared by singletons: the caller that claims begun
-// runs make() and then raises done; every other caller waits for done. If
-// make() throws, the claim is given up (another caller may try) and the
-// exception goes on to make()'s caller.
+/// The creation protocol shared by singletons: the caller that claims begun
+/// runs make() and then raises done; every other caller waits for done. If
+/// make() throws, the claim is given up (another caller may try) and the
+/// exception goes on to make()'s caller.
 template <class Make> void RunOnce(std::atomic<int> &begun, std::atomic<int> &done, Make make) {
     while (done.load(std::memory_order_acquire) == 0) {
         if (begun.exchange(1, std::memory_order_acq_rel) == 0) {
@@ -69,12 +70,13 @@ template <class Make> void RunOnce(std::atomic<int> &begun, std::atomic<int> &do
 
 } // namespace Private
 
-// The one post-creation policy: nothing happens. Exported, because a
-// template instantiation is no more visible than its arguments.
+/// The one post-creation policy: nothing happens. Exported, because a
+/// template instantiation is no more visible than its arguments.
 struct QV_API TSingletonPtrPostCreateDoNothing {
     template <class T> static void PostCreate(T *) {}
 };
 
+/// @copydoc Singleton.h
 template <class T, int Priority = 1, bool CreateAtStart = false, class PostCreate = TSingletonPtrPostCreateDoNothing>
 class QV_API TSingletonPtr {
 public:

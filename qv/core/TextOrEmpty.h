@@ -1,5 +1,6 @@
-// Internal: a CString's text that is never null, since a null string (see
-// qv/core/String.h) answers a null pointer where callers want the empty text.
+/// @file
+/// Internal: a CString's text that is never null, since a null string (see
+/// qv/core/String.h) answers a null pointer where callers want the empty text.
 #pragma once
 
 #include "qv/core/String.h"

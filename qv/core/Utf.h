@@ -1,6 +1,7 @@
-// Internal: one code point at a time between UTF-8, UTF-16 and UTF-32, with
-// the replacement rules the code pages and printf share: each maximal invalid
-// subpart of UTF-8 and each lone surrogate decode as one U+FFFD.
+/// @file
+/// Internal: one code point at a time between UTF-8, UTF-16 and UTF-32, with
+/// the replacement rules the code pages and printf share: each maximal invalid
+/// subpart of UTF-8 and each lone surrogate decode as one U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -10,17 +11,18 @@ namespace qv::detail {
 
 constexpr char32_t kReplacementChar = 0xFFFD;
 
+/// @copydoc Utf.h
 struct Decoded {
     char32_t codePoint;
-    size_t length; // units taken from the input, at least 1
+    size_t length; ///< units taken from the input, at least 1
 };
 
 inline bool IsContinuation(unsigned char b, unsigned char lo = 0x80, unsigned char hi = 0xBF) {
     return b >= lo && b <= hi;
 }
 
-// s has at least one byte and n >= 1 readable bytes; a terminated text may
-// pass SIZE_MAX, since the terminator is no continuation byte.
+/// s has at least one byte and n >= 1 readable bytes; a terminated text may
+/// pass SIZE_MAX, since the terminator is no continuation byte.
 inline Decoded DecodeUtf8(unsigned char const *s, size_t n) {
     unsigned char b = s[0];
     if (b < 0x80) return {b, 1};
@@ -54,7 +56,7 @@ inline bool IsLowSurrogate(char32_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
 
-// s has n >= 1 readable units; a terminated text may pass SIZE_MAX.
+/// s has n >= 1 readable units; a terminated text may pass SIZE_MAX.
 inline Decoded DecodeUtf16(char16_t const *s, size_t n) {
     char16_t c = s[0];
     if (c < 0xD800 || c > 0xDFFF) return {c, 1};
@@ -67,7 +69,7 @@ inline size_t Utf8Length(char32_t cp) {
     return cp < 0x80 ? 1 : cp < 0x800 ? 2 : cp < 0x10000 ? 3 : 4;
 }
 
-// out has room for Utf8Length(cp) bytes.
+/// out has room for Utf8Length(cp) bytes.
 inline size_t EncodeUtf8(char32_t cp, char *out) {
     size_t n = Utf8Length(cp);
     if (n == 1) {
@@ -84,7 +86,7 @@ inline size_t Utf16Length(char32_t cp) {
     return cp < 0x10000 ? 1 : 2;
 }
 
-// out has room for Utf16Length(cp) units.
+/// out has room for Utf16Length(cp) units.
 inline size_t EncodeUtf16(char32_t cp, char16_t *out) {
     if (cp < 0x10000) {
         out[0] = char16_t(cp);

@@ -1,6 +1,7 @@
-// Internal: how CVariant keeps a scalar in its eight value bytes. A bool is
-// stored as the byte 1 or 0 and read back as "not 0", so stale bytes never
-// make an invalid bool.
+/// @file
+/// Internal: how CVariant keeps a scalar in its eight value bytes. A bool is
+/// stored as the byte 1 or 0 and read back as "not 0", so stale bytes never
+/// make an invalid bool.
 #pragma once
 
 #include <cstring>

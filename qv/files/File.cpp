@@ -121,6 +121,10 @@ void CFile::Flush() {
     FlushDiskFile(handle);
 }
 
+bool CFile::Sync() {
+    return FlushDiskFile(handle);
+}
+
 void CFile::Close() {
     CloseDiskFile(handle);
     handle = kInvalidFileHandle;

@@ -15,7 +15,7 @@
 // The helpers GetCurrentWorkingDirectory() and GetFullPath(CString) give the
 // empty string where the virtual fails.
 //
-// Open flags of CreateFileW: those of CFile::Open (qv/files/OpenRequest.h):
+// Open flags of CreateFileW: those of CFile::Open, named in qv/files/OpenFlags.h:
 // 0x01 open or create, 0x02 must exist, 0x04 must not exist, 0x08 create or
 // truncate, 0x10 read, 0x20 write, 0x40 start at the end, 0x100/0x200 share
 // write/read, 0x100000 delete on close.

@@ -2,8 +2,17 @@
 // A kind gives a file system and an empty directory in it; the cases work
 // only below that directory. A kind joins by adding itself to Kinds(); one
 // that lacks a part of the contract says so and the cases that need it skip.
+//
+// Exceptions by design, each told by its kind: the memory file system serves
+// only blocks it was given (no new files, deletes or directories), the
+// resource file system only what the program carries; both are read through
+// the seeded cases. Flat tables (memory, CDFS) have no directories of their
+// own and keep no attributes or times; a CDFS answers true when deleting a
+// missing path (existing callers depend on it). A merge of two mounts makes
+// directories only with one mount.
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,6 +21,11 @@
 
 #include "qv/files/MemFile.h"
 #include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/MemFileSystem.h"
+#include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
+#include "qv/filesystems/Path.h"
 #include "tests/filesystems/FileSystemTestSupport.h"
 
 namespace qv::test {
@@ -28,6 +42,13 @@ public:
     virtual bool Writes() const { return true; }
     virtual bool MakesDirectories() const { return true; }
     virtual bool KeepsAttributesAndTimes() const { return true; }
+    // Puts a file with bytes at path (below Root()); the seeded cases read it.
+    virtual bool Seed(CString const &path, std::string const &bytes) {
+        IFileSystem &fs = Get();
+        CString dir = path::GetDirectory(path);
+        if (MakesDirectories() && !fs.IsDirectory(dir) && !fs.CreateDirectoryW(dir, true)) return false;
+        return WriteWhole(fs, path, bytes);
+    }
 };
 
 class DiskUnderTest : public FileSystemUnderTest {
@@ -39,6 +60,106 @@ private:
     ScratchDir scratch;
 };
 
+// Blocks of memory: only what was added exists, and nothing new is made.
+class MemoryUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return fs; }
+    CString Root() const override { return u"/t/"; }
+    bool Writes() const override { return false; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+    bool Seed(CString const &path, std::string const &bytes) override {
+        std::string const &block = blocks.emplace_back(bytes);
+        return fs.AddFile(path, block.data(), uint32_t(block.size()));
+    }
+
+private:
+    CMemFileSystem fs;
+    std::deque<std::string> blocks;
+};
+
+// The program's own resources: the seeded files are compiled in
+// (tests/filesystems/resources.qvrc), so seeding only checks them.
+class ResourcesUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return fs; }
+    CString Root() const override { return u"/CONTRACT/t/"; }
+    bool Writes() const override { return false; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+    bool Seed(CString const &path, std::string const &bytes) override { return ReadWhole(fs, path) == bytes; }
+
+private:
+    CRFSFileSystem fs;
+};
+
+// A CDFS, its host given by the kind; a flat table with files only.
+class CDFSUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return cdfs; }
+    CString Root() const override { return u"/t/"; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+
+protected:
+    CCDFileSystem cdfs;
+};
+
+class CDFSOnDisk : public CDFSUnderTest {
+public:
+    CDFSOnDisk() { EXPECT_TRUE(cdfs.Create(scratch.Text("host.cdfs"), false)); }
+    ~CDFSOnDisk() override { cdfs.Close(); }
+
+private:
+    ScratchDir scratch;
+};
+
+class CDFSInMemory : public CDFSUnderTest {
+public:
+    CDFSInMemory() { EXPECT_TRUE(cdfs.Create(&hosts, u"/host", false)); }
+    ~CDFSInMemory() override { cdfs.Close(); } // while the host is there
+
+private:
+    MemoryHosts hosts;
+};
+
+class CDFSInCDFS : public CDFSUnderTest {
+public:
+    CDFSInCDFS() {
+        EXPECT_TRUE(outer.Create(&hosts, u"/host", false));
+        EXPECT_TRUE(WriteWhole(outer, u"/neighbour", "neighbour"));
+        EXPECT_TRUE(cdfs.Create(&outer, u"/inner.cdfs", false));
+    }
+    ~CDFSInCDFS() override {
+        cdfs.Close();
+        EXPECT_EQ(ReadWhole(outer, u"/neighbour"), "neighbour");
+    }
+
+private:
+    MemoryHosts hosts;
+    CCDFileSystem outer;
+};
+
+// Two mounts at the root: a CDFS in memory first, then a disk directory.
+class MergeUnderTest : public FileSystemUnderTest {
+public:
+    MergeUnderTest() {
+        EXPECT_TRUE(cdfs.Create(&hosts, u"/host", false));
+        EXPECT_TRUE(merge.Mount(u"/", &cdfs, u"/"));
+        EXPECT_TRUE(merge.Mount(u"/", FileSystem, scratch.Text()));
+    }
+    IFileSystem &Get() override { return merge; }
+    CString Root() const override { return u"/t/"; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+
+private:
+    ScratchDir scratch;
+    MemoryHosts hosts;
+    CCDFileSystem cdfs;
+    CMergeFileSystem merge;
+};
+
 struct FileSystemKind {
     char const *name;
     std::function<std::unique_ptr<FileSystemUnderTest>()> make;
@@ -48,6 +169,12 @@ struct FileSystemKind {
 std::vector<FileSystemKind> Kinds() {
     return {
         {"Disk", [] { return std::make_unique<DiskUnderTest>(); }},
+        {"Memory", [] { return std::make_unique<MemoryUnderTest>(); }},
+        {"Resources", [] { return std::make_unique<ResourcesUnderTest>(); }},
+        {"CDFSOnDisk", [] { return std::make_unique<CDFSOnDisk>(); }},
+        {"CDFSInMemory", [] { return std::make_unique<CDFSInMemory>(); }},
+        {"CDFSInCDFS", [] { return std::make_unique<CDFSInCDFS>(); }},
+        {"MergeOfTwo", [] { return std::make_unique<MergeUnderTest>(); }},
     };
 }
 
@@ -94,6 +221,67 @@ protected:
     std::unique_ptr<FileSystemUnderTest> under;
     CString root;
 };
+
+// The seeded files: a file in the root, one in a directory below it.
+constexpr char kSeedA[] = "alpha";
+constexpr char kSeedC[] = "gamma, a little longer";
+
+class SeededContract : public FileSystemContract {
+protected:
+    void SetUp() override {
+        FileSystemContract::SetUp();
+        ASSERT_TRUE(under->Seed(At(u"a.txt"), kSeedA));
+        ASSERT_TRUE(under->Seed(At(u"sub/c.txt"), kSeedC));
+    }
+};
+
+TEST_P(SeededContract, ReadsFilesAndTheirDirectories) {
+    EXPECT_EQ(ReadWhole(fs(), At(u"a.txt")), kSeedA);
+    EXPECT_EQ(ReadWhole(fs(), At(u"sub/c.txt")), kSeedC);
+    IFileSystem::CDirectoryEntry info = fs().GetFileInfo(At(u"sub/c.txt"));
+    EXPECT_EQ(info.attributes, kAttributeFile);
+    EXPECT_EQ(info.size, int64_t(sizeof(kSeedC) - 1));
+    EXPECT_EQ(U16(info.name), u"c.txt");
+    EXPECT_TRUE(IFileSystem::IsSamePath(info.path, fs().GetFullPath(At(u"sub/c.txt"))));
+
+    EXPECT_TRUE(fs().IsDirectory(At(u"sub")));
+    EXPECT_FALSE(fs().FileExists(At(u"sub"))); // only files exist
+    EXPECT_EQ(fs().GetFileInfo(At(u"sub")).attributes, kAttributeDirectory);
+    EXPECT_EQ(fs().GetFileInfo(At(u"missing")).attributes, kAttributeNone);
+    EXPECT_EQ(fs().CreateFileW(At(u"missing"), 0x12), nullptr);
+}
+
+TEST_P(SeededContract, ListsFilesAndDirectories) {
+    IFileSystem::CDirectoryListing all = fs().GetDirectoryListing(root, nullptr);
+    EXPECT_EQ(all.fileSystem, &fs());
+    ASSERT_EQ(all.GetSize(), 2u);
+    all.Sort(kSortFilesFirst);
+    EXPECT_EQ(U16(all[0].name), u"a.txt");
+    EXPECT_EQ(all[0].attributes, kAttributeFile);
+    EXPECT_EQ(all[0].size, int64_t(sizeof(kSeedA) - 1));
+    EXPECT_EQ(U16(all[1].name), u"sub");
+    EXPECT_EQ(all[1].attributes, kAttributeDirectory);
+    EXPECT_TRUE(IFileSystem::IsSamePath(all[1].path, At(u"sub")));
+    IFileSystem::CDirectoryListing matched = fs().GetDirectoryListing(root, u"*.TXT");
+    ASSERT_EQ(matched.GetSize(), 1u);
+    EXPECT_EQ(U16(matched[0].name), u"a.txt");
+    EXPECT_EQ(fs().GetDirectoryListing(At(u"sub"), nullptr).GetSize(), 1u);
+}
+
+TEST_P(SeededContract, CopiesFilesOut) {
+    ScratchDir elsewhere;
+    Calls calls;
+    EXPECT_TRUE(IFileSystem::CopyFileW(&fs(), At(u"sub/c.txt"), FileSystem, elsewhere.Text("c"), false, &Record,
+                                       &calls));
+    int64_t size = int64_t(sizeof(kSeedC) - 1);
+    EXPECT_EQ(calls, (Calls{{size, 0}, {size, size}}));
+    EXPECT_EQ(ReadWhole(*FileSystem, elsewhere.Text("c")), kSeedC);
+    CMemFile memory;
+    EXPECT_TRUE(IFileSystem::CopyFileW(&fs(), At(u"a.txt"), &memory, nullptr, nullptr));
+    EXPECT_EQ(memory.GetSize(), int64_t(sizeof(kSeedA) - 1));
+    EXPECT_FALSE(IFileSystem::CopyFileW(&fs(), At(u"missing"), FileSystem, elsewhere.Text("m"), false, nullptr,
+                                        nullptr));
+}
 
 TEST_P(FileSystemContract, CreatesReadsAndDescribesFiles) {
     if (Lacks(&FileSystemUnderTest::Writes)) GTEST_SKIP() << "not kept by this kind";
@@ -272,8 +460,12 @@ TEST_P(FileSystemContract, FailedCopyDeletesTheDestination) {
     EXPECT_FALSE(fs().FileExists(At(u"dst")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, FileSystemContract, testing::ValuesIn(Kinds()),
-                         [](testing::TestParamInfo<FileSystemKind> const &info) { return info.param.name; });
+std::string KindName(testing::TestParamInfo<FileSystemKind> const &info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FileSystemContract, testing::ValuesIn(Kinds()), KindName);
+INSTANTIATE_TEST_SUITE_P(Kinds, SeededContract, testing::ValuesIn(Kinds()), KindName);
 
 } // namespace
 } // namespace qv::test
