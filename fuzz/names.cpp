@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size) {
     int n = qv::CPathAlgebra::SplitPath(items, first);
     Require(n == int(items.GetSize()));
     qv::TArray<qv::CString> more;
-    int m = qv::SplitPath(more, qv::CString(second));
+    int m = qv::path::SplitPath(more, qv::CString(second));
     Require(m == int(more.GetSize()));
     for (uint32_t i = 0; i < items.GetSize(); ++i)
         Require(items.GetAt(i).GetLength() > 0);
