@@ -14,14 +14,27 @@
 
 namespace {
 
+// The calibration reads its tables by disk path, so they go to a directory
+// in memory (/dev/shm where there is one) that is removed at exit.
 std::string const &ScratchDir() {
     static std::string dir = [] {
-        char pattern[] = "/tmp/qv_fuzz_cal_XXXXXX";
-        char *made = mkdtemp(pattern);
-        return std::string(made ? made : "/tmp");
+        std::string pattern = std::string(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") + "/qv_fuzz_cal_XXXXXX";
+        char *made = mkdtemp(pattern.data());
+        return std::string(made ? made : "");
     }();
     return dir;
 }
+
+void RemoveScratch() {
+    std::string const &dir = ScratchDir();
+    if (dir.empty()) return;
+    std::remove((dir + "/response.txt").c_str());
+    std::remove((dir + "/air.table").c_str());
+    rmdir(dir.c_str());
+}
+
+// The directory is made first, so that it still exists when the handler runs.
+bool const kCleanAtExit = (ScratchDir(), std::atexit(&RemoveScratch) == 0);
 
 qv::CString WriteFile(char const *name, uint8_t const *data, size_t size) {
     std::string path = ScratchDir() + "/" + name;
@@ -35,6 +48,7 @@ qv::CString WriteFile(char const *name, uint8_t const *data, size_t size) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size) {
+    if (ScratchDir().empty()) return 0;
     uint8_t const *split = static_cast<uint8_t const *>(std::memchr(data, 0, size));
     size_t first = split ? size_t(split - data) : size;
     qv::CString response = WriteFile("response.txt", data, first);

@@ -253,8 +253,8 @@ public:
 
     // ---- Editing in place ----
     // Both stream the tail through one block (0x80000 bytes, growing with the
-    // file size up to 0x500000), with no second file, in pieces no longer than
-    // n. The bytes inside an inserted gap are left as they were. With an
+    // file size up to 0x500000), with no second file: one Read per block, and
+    // Writes of pieces no longer than n. The bytes inside an inserted gap are left as they were. With an
     // empty tail (pos at or past the end) or n of 0 both change nothing and
     // are true; Remove of the whole tail is one SetSize(pos).
     //

@@ -5,8 +5,9 @@
 // Safety. Insert takes the room it needs (SetSize, which on a disk reserves
 // the blocks) before a byte moves, so a full disk stops it with the file
 // untouched. No single write ever covers a byte that is not yet at its new
-// place: the tail moves in pieces no longer than the shift, so a write that
-// dies half-way leaves every original byte at its old place or its new one.
+// place: the tail is read a block at a time and written in pieces no longer
+// than the shift, so a write that dies half-way leaves every original byte at
+// its old place or its new one.
 // After a failure the moved part goes back the same careful way; if that
 // fails too, the caller hears that the file is damaged.
 #include <memory>
@@ -42,22 +43,28 @@ bool WriteAt(IFile &f, int64_t pos, unsigned char const *p, uint32_t n) {
     return SeekExactly(f, pos) && f.Write(p, n) == n;
 }
 
-// Moves length bytes from from to to, in pieces no longer than the distance
-// and the block, in the order that never overwrites a byte not yet copied:
-// from the top down when moving up, from the bottom up when moving down.
-// Returns the bytes moved (the top ones moving up, the bottom ones moving
-// down); length itself on success. wrote tells whether any write was tried.
+// Moves length bytes from from to to: a block is read at a time, and written
+// back in pieces no longer than the distance, in the order that never
+// overwrites a byte not yet copied: from the top down when moving up, from
+// the bottom up when moving down. Returns the bytes moved (the top ones
+// moving up, the bottom ones moving down); length itself on success. wrote
+// tells whether any write was tried.
 int64_t MoveRange(IFile &f, int64_t from, int64_t to, int64_t length, unsigned char *block, uint32_t blockSize,
                   bool &wrote) {
     int64_t distance = to > from ? to - from : from - to;
     uint32_t piece = distance < blockSize ? uint32_t(distance) : blockSize;
     bool up = to > from;
     for (int64_t moved = 0; moved < length;) {
-        uint32_t n = length - moved < piece ? uint32_t(length - moved) : piece;
+        uint32_t n = length - moved < blockSize ? uint32_t(length - moved) : blockSize;
         int64_t offset = up ? length - moved - n : moved;
         if (!ReadAt(f, from + offset, block, n)) return moved;
         wrote = true;
-        if (!WriteAt(f, to + offset, block, n)) return moved;
+        for (uint32_t done = 0; done < n;) {
+            uint32_t m = n - done < piece ? n - done : piece;
+            uint32_t at = up ? n - done - m : done;
+            if (!WriteAt(f, to + offset + at, block + at, m)) return moved + done;
+            done += m;
+        }
         moved += n;
     }
     return length;

@@ -35,7 +35,9 @@
 // Copying (the static CopyFileW forms). The core form copies count bytes
 // from src's position to dst's in blocks of 0x80000 bytes (one heap block per
 // copy); progress, if not null, is called with (count, 0) first and with
-// (count, done) after each write. Zero bytes succeed and report (0, 0) once.
+// (count, done) after each write. Between two disk files the system copies
+// without the block, and when progress is null in steps of up to 64 MiB
+// (much faster than small steps). Zero bytes succeed and report (0, 0) once.
 // A source that ends early, a short write or a negative count give false.
 // A copy to a path with overwrite writes a new file beside the destination
 // and renames it over the destination at the end (CAtomicSave), so a copy

@@ -9,10 +9,9 @@
 /// them in the "C" locale, whatever the process locale is. Any bytes are
 /// accepted: a line that makes no sense ends the reading as described.
 ///
-/// The (IFileSystem *, path) forms open the path on the disk for reading (the
-/// file-system argument is accepted for the callers' sake; files come from the
-/// disk until file systems can open them) and close it again; a file that does
-/// not open gives false. A null IFile gives false.
+/// The (IFileSystem *, path) forms open the path for reading through that file
+/// system (null: the disk) and close it again; a file that does not open gives
+/// false. A null IFile gives false.
 ///
 /// Ownership: the arrays are the caller's, the file stays open and the
 /// caller's. Threads: no state. Nothing here throws.

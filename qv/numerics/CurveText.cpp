@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "qv/filesystems/FileSystem.h"
+
 namespace qv::numerics_detail {
 
 namespace {
@@ -37,8 +39,9 @@ char *NextToken(char **cursor, char const *separators) {
     return start;
 }
 
-bool OpenCurveFile(CFile &file, char16_t const *path) {
-    return path && file.Open(path, kOpenForReading);
+std::unique_ptr<IFile> OpenCurveFile(IFileSystem *fs, char16_t const *path) {
+    if (!path) return nullptr;
+    return std::unique_ptr<IFile>((fs ? *fs : GetFileSystem()).CreateFileW(path, kOpenForReading));
 }
 
 } // namespace qv::numerics_detail

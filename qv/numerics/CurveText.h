@@ -5,9 +5,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "qv/core/Array.h"
-#include "qv/files/File.h"
+#include "qv/files/IFile.h"
+#include "qv/filesystems/IFileSystem.h"
 
 namespace qv::numerics_detail {
 
@@ -20,8 +22,8 @@ char *TrimLine(char *line);
 /// count as one, as strtok has it); null when none is left. Advances *cursor.
 char *NextToken(char **cursor, char const *separators);
 
-/// Opens path on the disk for reading.
-bool OpenCurveFile(CFile &file, char16_t const *path);
+/// Opens path for reading through fs (null: the disk); null if it does not open.
+std::unique_ptr<IFile> OpenCurveFile(IFileSystem *fs, char16_t const *path);
 
 /// Lets an array that is filled item by item grow in large steps, and gives it
 /// its own growth rate back afterwards.

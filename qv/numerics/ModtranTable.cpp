@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "qv/core/WideChar.h"
-#include "qv/files/File.h"
+#include "qv/files/IFile.h"
 #include "qv/numerics/Curve.h"
 #include "qv/numerics/CurveFiles.h"
 #include "qv/numerics/CurveText.h"
@@ -71,10 +71,9 @@ bool ReadModtranFile(TArray<double> &x, TArray<double> &y1, TArray<double> &y2, 
     return complete;
 }
 
-bool ReadModtranFile(TArray<double> &x, TArray<double> &y1, TArray<double> &y2, IFileSystem *, char16_t const *path) {
-    CFile file;
-    if (!OpenCurveFile(file, path)) return false;
-    return ReadModtranFile(x, y1, y2, &file);
+bool ReadModtranFile(TArray<double> &x, TArray<double> &y1, TArray<double> &y2, IFileSystem *fs, char16_t const *path) {
+    std::unique_ptr<IFile> file = OpenCurveFile(fs, path);
+    return file && ReadModtranFile(x, y1, y2, file.get());
 }
 
 } // namespace qv

@@ -1,6 +1,6 @@
 // ReadXYFile: two columns of numbers, one pair a line.
 #include "qv/core/WideChar.h"
-#include "qv/files/File.h"
+#include "qv/files/IFile.h"
 #include "qv/numerics/CurveFiles.h"
 #include "qv/numerics/CurveText.h"
 
@@ -26,10 +26,9 @@ bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFile *file) {
     return true;
 }
 
-bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *, char16_t const *path) {
-    CFile file;
-    if (!OpenCurveFile(file, path)) return false;
-    return ReadXYFile(x, y, &file);
+bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *fs, char16_t const *path) {
+    std::unique_ptr<IFile> file = OpenCurveFile(fs, path);
+    return file && ReadXYFile(x, y, file.get());
 }
 
 } // namespace qv

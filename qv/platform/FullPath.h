@@ -1,5 +1,6 @@
 // Full paths of disk names, resolved lexically as the disk file layer needs
-// them. Internal to libqv (CompletePath is exported for its tests).
+// them. Internal to libqv (CompletePath and FullDiskPath are exported for its
+// tests and fuzz targets).
 #pragma once
 
 #include "qv/core/Export.h"
@@ -21,6 +22,6 @@ QV_API CString CompletePath(char16_t const *base, char16_t const *path);
 
 // CompletePath against the working directory. False if path is null or the
 // working directory is unknown.
-bool FullDiskPath(char16_t const *path, CString &out);
+QV_API bool FullDiskPath(char16_t const *path, CString &out);
 
 } // namespace qv

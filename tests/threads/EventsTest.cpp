@@ -193,7 +193,8 @@ TEST(Invokable, TypedRawAndPlainFormsCallTheSameWay) {
     EXPECT_TRUE(typed.UsesHandler(&listener, &CListener::OnNumber));
     EXPECT_FALSE(typed.UsesHandler(nullptr, &CListener::OnNumber));
 
-    static int zeroCalls = 0;
+    static int zeroCalls; // a capture-free call counts here; the test starts it afresh
+    zeroCalls = 0;
     invokable0 plain([] { ++zeroCalls; });
     plain.Invoke();
     EXPECT_EQ(zeroCalls, 1);
