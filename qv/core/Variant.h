@@ -45,6 +45,8 @@ struct SEnumValue {
     int64_t value = 0;
 };
 
+class IConfigStore;
+
 class QV_API CVariant {
 public:
     /// The texts of TypeToString and ParseType are the names below.
@@ -183,6 +185,18 @@ public:
 
     bool Save(IFile *file) const;
     bool Load(IFile *file);
+
+    /// In a settings store (qv/config/IConfigStore.h), at its current path:
+    /// "Type" (TypeToString) and "Value" (ToString); an enum also its table,
+    /// "EnumValues/Count" and "EnumValues/[000]/Name" and ".../Value" (the
+    /// value as CInt64::ToString) per entry. Load starts with Destroy, reads
+    /// the type, an enum's table (no more entries than the store lists), then
+    /// "Value" into FromString with the present ToString as default. Both
+    /// always give true; the store's current path is back where it was.
+    ///@{
+    bool Save(IConfigStore &store) const;
+    bool Load(IConfigStore &store);
+    ///@}
 
     /// Case does not matter; unknown or null text gives Undefined.
     static EType ParseType(char16_t const *s);

@@ -1,0 +1,105 @@
+// CINIStore: the INI reader and writer over CMemStore.
+#include "qv/config/INIStore.h"
+
+#include <cstring>
+#include <string>
+
+#include "qv/files/IFile.h"
+#include "qv/filesystems/Path.h"
+
+namespace qv {
+
+namespace {
+
+constexpr size_t kLineLimit = 1024; // bytes, terminator included
+constexpr uint32_t kReadBlock = 0x10000;
+constexpr char kDelimiters[] = "=\t\r\n";
+
+// Reads what remains of file; false if a read failed before the end.
+bool ReadRest(IFile &file, std::string &text) {
+    int64_t remaining = file.GetRemaining();
+    if (remaining > 0 && uint64_t(remaining) < SIZE_MAX / 2) text.reserve(size_t(remaining));
+    char block[kReadBlock];
+    for (;;) {
+        uint32_t got = file.Read(block, kReadBlock);
+        if (got == 0) return file.GetRemaining() <= 0;
+        text.append(block, got);
+    }
+}
+
+// strtok's scan: skips delimiters, then takes the run up to the next one
+// (which becomes a terminator). Null when nothing but delimiters remains.
+char *NextToken(char *&cursor) {
+    cursor += std::strspn(cursor, kDelimiters);
+    if (!*cursor) return nullptr;
+    char *token = cursor;
+    cursor += std::strcspn(cursor, kDelimiters);
+    if (*cursor) *cursor++ = 0;
+    return token;
+}
+
+} // namespace
+
+void CINIStore::LoadLine(char *line, CString &section) {
+    if (line[0] == '[') {
+        if (char *close = std::strrchr(line, ']')) *close = 0;
+        section = CString(line + 1);
+        return;
+    }
+    char *cursor = line;
+    char *key = NextToken(cursor);
+    if (!key) return;
+    char *value = NextToken(cursor);
+    CString keyPath = path::MakePath(section, CString(key), u'/');
+    keyPath = path::ConvertSlashes(path::AppendLeadingSlash(keyPath, u'/'), u'/');
+    SetString(keyPath, value ? CString(value) : CString(u""));
+}
+
+bool CINIStore::Load(IFile *file) {
+    Reset();
+    if (!file) return false;
+    std::string text;
+    bool complete = ReadRest(*file, text);
+    CString section(u"");
+    char line[kLineLimit];
+    size_t start = 0;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        size_t length = std::min(end - start, kLineLimit - 1);
+        std::memcpy(line, text.data() + start, length);
+        line[length] = 0;
+        // A CR ends the line, as the line reader turns it into a terminator.
+        if (char *cr = static_cast<char *>(std::memchr(line, '\r', length))) *cr = 0;
+        if (line[0]) LoadLine(line, section);
+        start = end + 1;
+    }
+    return complete;
+}
+
+void CINIStore::SaveNode(int32_t node, CString const &parentPath, std::string &text) const {
+    SNode const &self = nodes.GetAt(uint32_t(node));
+    CString nodePath = node == 0 ? self.name : path::MakePath(parentPath, self.name, u'/');
+    if (node != 0) text.append("[").append(nodePath.GetUTF8()).append("]\r\n");
+    // A node's leaves go before its sub-entries: written after a sub-entry's
+    // header they would read back inside it, and the key would be lost from
+    // its own path. Depth is bounded: paths are cut at IConfigStore::PathSize
+    // units, so a tree holds at most PathSize / 2 levels.
+    for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling) {
+        SNode const &leaf = nodes.GetAt(uint32_t(child));
+        if (leaf.firstChild < 0)
+            text.append(leaf.name.GetUTF8()).append("=").append(leaf.value.GetUTF8()).append("\r\n");
+    }
+    for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling)
+        if (nodes.GetAt(uint32_t(child)).firstChild >= 0) SaveNode(child, nodePath, text);
+}
+
+bool CINIStore::Save(IFile *file) {
+    if (!file) return false;
+    std::string text;
+    SaveNode(0, CString(u""), text);
+    // One write: the text is formed in memory first.
+    return text.size() <= UINT32_MAX && file->WriteBytes(text.data(), uint32_t(text.size()));
+}
+
+} // namespace qv
