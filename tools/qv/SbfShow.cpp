@@ -29,7 +29,7 @@ std::string ValueText(VARIANT const &v) {
 
 int RunSbfShow(char *const *args) {
     qv::CMemFile input;
-    if (!ReadInput(args[0], input)) return kExitFailed;
+    if (!ReadTreeInput(args[0], input)) return kExitFailed;
     char id[5] = {0, 0, 0, 0, 0};
     if (input.GetSize() < 10 || std::memcmp(input.GetData(), "SBF", 3) != 0)
         return Fail("%s is not an SBF file (it must begin with \"SBF\")", args[0]);

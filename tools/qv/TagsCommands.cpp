@@ -16,7 +16,7 @@ namespace {
 
 bool LoadTags(char const *path, qv::CTagFile &tags) {
     qv::CMemFile input;
-    if (!ReadInput(path, input)) return false;
+    if (!ReadTreeInput(path, input)) return false;
     if (tags.Load(&input)) return true;
     Fail("%s is not a tag dictionary in any of its forms (TAGF, SBF or XML)", path);
     return false;
@@ -68,7 +68,7 @@ int RunTagsConvert(char *const *args) {
                 : EndsWith(args[1], ".sbf") ? tags.SaveSBF(&out)
                                             : tags.SaveBinary(&out);
     if (!made) return Fail("cannot build the dictionary's new form");
-    return WriteOutput(args[1], out) ? 0 : kExitFailed;
+    return WriteTreeOutput(args[1], out) ? 0 : kExitFailed;
 }
 
 } // namespace qvtool

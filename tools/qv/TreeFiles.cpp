@@ -18,7 +18,7 @@ bool IsStandardStream(char const *path) {
 
 } // namespace
 
-bool ReadInput(char const *path, qv::CMemFile &f) {
+bool ReadTreeInput(char const *path, qv::CMemFile &f) {
     f.SetGrowthRate(0xFFFF);
     if (IsStandardStream(path)) {
         char block[65536];
@@ -40,7 +40,7 @@ bool ReadInput(char const *path, qv::CMemFile &f) {
     return read;
 }
 
-bool WriteOutput(char const *path, qv::CMemFile &f) {
+bool WriteTreeOutput(char const *path, qv::CMemFile &f) {
     uint32_t size = uint32_t(f.GetSize());
     if (IsStandardStream(path)) {
         if (std::fwrite(f.GetData(), 1, size, stdout) == size && std::fflush(stdout) == 0) return true;

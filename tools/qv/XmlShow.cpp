@@ -35,7 +35,7 @@ bool Print(CNode *n, uint32_t depth) {
 
 int RunXmlShow(char *const *args) {
     qv::CMemFile input;
-    if (!ReadInput(args[0], input)) return kExitFailed;
+    if (!ReadTreeInput(args[0], input)) return kExitFailed;
     qv::CXMLFile xml;
     if (!xml.Load(&input))
         return Fail("%s is not XML the library reads (unclosed or mismatched tag, bare '>', CDATA or DOCTYPE)",
