@@ -6,6 +6,7 @@
 #include <string>
 
 #include "TreeTestSupport.h"
+#include "support/FaultInjection.h"
 #include "qv/formats/tagged/SBFile.h"
 #include "qv/formats/tagged/TagFile.h"
 #include "qv/formats/tagged/XMLFile.h"
@@ -347,4 +348,36 @@ TEST(TagArray, NamesWithoutCase) {
     tags.Remove(u"Width");
     EXPECT_FALSE(tags.Exists(u"width"));
     EXPECT_EQ(tags.nItems(), 2u);
+}
+
+// Saves by path (all three forms go through the same temporary file and
+// rename): under every fault the old dictionary stays whole or the new one
+// is complete, and a failure that reaches the data is reported. A close or
+// directory sync after the synced rename loses nothing and may pass.
+TEST(TagFileFaults, SaveByPathKeepsTheOldFileWhole) {
+    saftest::ScratchDir dir;
+    std::string path = dir.Path("tags.xml");
+    CTagFile tags;
+    MakeDictionary(tags);
+    using SaveByPath = bool (CTagFile::*)(IFileSystem *, char16_t const *);
+    for (SaveByPath save : {SaveByPath(&CTagFile::SaveXML), SaveByPath(&CTagFile::SaveSBF),
+                            SaveByPath(&CTagFile::SaveBinary)}) {
+        qv::test::FaultBytes before, after;
+        qv::test::RunUnderFaults(
+            [&] {
+                WriteAll(path, "<TagFile/>");
+                before = qv::test::FileBytes(path);
+            },
+            [&] { return (tags.*save)(nullptr, Wide(path).c_str()); },
+            [&](qv::test::FaultRun const &run) {
+                qv::test::FaultBytes now = qv::test::FileBytes(path);
+                if (run.IsClean()) {
+                    after = now;
+                    return;
+                }
+                if (run.fault != qv::test::Fault::kClose && run.fault != qv::test::Fault::kFsync)
+                    qv::test::ExpectFailureReported(run);
+                qv::test::ExpectBeforeOrAfter(run, now, before, after);
+            });
+    }
 }

@@ -85,6 +85,20 @@ TEST_F(TreeCommands, ShowsTreesAsTheLibraryReadsThem) {
     EXPECT_NE(sbf.out.find("\n  TextValue Value=string:\"HL\"\n"), std::string::npos) << sbf.out;
 }
 
+TEST_F(TreeCommands, JsonReadsBackWithPython) {
+    if (std::system("test -x /usr/bin/python3") != 0) GTEST_SKIP() << "Debian's python3 is not installed";
+    Write("tags.xml", kTags);
+    Result tags = Run("tags show --json " + Path("tags.xml") +
+                      " | /usr/bin/python3 -c 'import json,sys; d=json.load(sys.stdin); e=d[\"entries\"]; "
+                      "print(len(e), e[1][\"name\"], e[1][\"highBound\"], e[0][\"textValues\"])'");
+    EXPECT_EQ(tags.out, "2 xPixls 65535 ['LH', 'HL']\n") << tags.err;
+    Write("a.xml", "<a k=\"&quot;\"><b>t</b></a>");
+    Result xml = Run("xml show --json " + Path("a.xml") +
+                     " | /usr/bin/python3 -c 'import json,sys; n=json.load(sys.stdin)[\"nodes\"][0]; "
+                     "print(n[\"name\"], n[\"attributes\"][0][\"value\"], n[\"children\"][0][\"value\"])'");
+    EXPECT_EQ(xml.out, "a \" t\n") << xml.err;
+}
+
 TEST_F(TreeCommands, BadInputIsOneSentenceAndFailure) {
     Write("bad.xml", "<a><b></a>");
     Write("bad.sbf", std::string("SBF\0TAGF\0\1\xFF\xFF\xFF\xFF", 14));

@@ -2,11 +2,17 @@
 // XML), one entry a line. qv tags convert IN OUT: the dictionary in the form
 // OUT's extension names: ".xml" XML, ".sbf" SBF, anything else (and "-")
 // binary TAGF.
+//
+// qv tags show --json prints one object: {"file": FILE, "entries": [{"name",
+// "description", "dataType", "category", "units", "writeMode", "location"
+// (texts), "useNumericBounds" (bool), "lowBound", "highBound" (numbers),
+// "textValuesMode" (text), "textValues": [texts]}, ...]}.
 #include <cstdio>
 #include <cstring>
 #include <strings.h>
 
 #include "Commands.h"
+#include "Output.h"
 #include "TreeFiles.h"
 #include "qv/formats/tagged/TagFile.h"
 
@@ -31,11 +37,47 @@ bool EndsWith(char const *path, char const *suffix) {
     return n >= m && strcasecmp(path + n - m, suffix) == 0;
 }
 
+void PrintJson(char const *path, qv::CTagFile &tags) {
+    using E = qv::CTagEntry;
+    CJsonWriter json(stdout);
+    json.BeginObject();
+    json.String("file", path);
+    json.BeginArray("entries");
+    for (uint32_t i = 0; i < tags.nTagEntries(); ++i) {
+        E &e = tags[i];
+        bool use = false;
+        double low = 0, high = 0;
+        e.GetNumericBounds(use, low, high);
+        json.BeginObject();
+        json.String("name", Utf8(e.GetName()));
+        json.String("description", Utf8(e.GetDescription()));
+        json.String("dataType", Utf8(E::DataTypeToStr(e.GetDataType())));
+        json.String("category", Utf8(E::CategoryToStr(e.GetCategory())));
+        json.String("units", Utf8(E::UnitsToStr(e.GetUnits())));
+        json.String("writeMode", Utf8(E::WriteModeToStr(e.GetWriteMode())));
+        json.String("location", Utf8(E::LocationToStr(e.GetLocation())));
+        json.Bool("useNumericBounds", use);
+        json.Number("lowBound", low);
+        json.Number("highBound", high);
+        json.String("textValuesMode", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())));
+        json.BeginArray("textValues");
+        for (uint32_t t = 0; t < e.nTextValues(); ++t) json.String(nullptr, Utf8(e.GetTextValue(t)));
+        json.EndArray();
+        json.EndObject();
+    }
+    json.EndArray();
+    json.EndObject();
+}
+
 } // namespace
 
 int RunTagsShow(char *const *args) {
     qv::CTagFile tags;
     if (!LoadTags(args[0], tags)) return kExitFailed;
+    if (GivenOptions().json) {
+        PrintJson(args[0], tags);
+        return 0;
+    }
     using E = qv::CTagEntry;
     for (uint32_t i = 0; i < tags.nTagEntries(); ++i) {
         E &e = tags[i];

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "qv/core/Utf.h"
 #include "qv/core/WideChar.h"
 #include "qv/formats/tagged/Utf8Text.h"
 
@@ -70,18 +71,31 @@ CString Decode(char16_t const *text) {
     return CString(decoded.c_str());
 }
 
+// Straight from UTF-16 into the output, so no string is converted on its own.
 void AppendEncoded(std::string &out, CString const &text, bool lineEnds) {
-    char const *utf8 = text.GetUTF8();
-    for (char const *p = utf8; *p; ++p) {
-        switch (*p) {
-        case '"': out += "&quot;"; break;
-        case '&': out += "&amp;"; break;
-        case '\'': out += "&apos;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '\n': out += lineEnds ? "&#10;" : "\n"; break;
-        case '\r': out += lineEnds ? "&#13;" : "\r"; break;
-        default: out += *p;
+    char16_t const *p = text.GetUTF16();
+    size_t n = size_t(text.GetLength());
+    out.reserve(out.size() + n);
+    for (size_t i = 0; i < n;) {
+        char16_t c = p[i];
+        if (c >= 0x80) {
+            detail::Decoded d = detail::DecodeUtf16(p + i, n - i);
+            char bytes[4];
+            out.append(bytes, detail::EncodeUtf8(d.codePoint, bytes));
+            i += d.length;
+            continue;
+        }
+        ++i;
+        switch (c) {
+        case u'"': out += "&quot;"; break;
+        case u'&': out += "&amp;"; break;
+        case u'\'': out += "&apos;"; break;
+        case u'<': out += "&lt;"; break;
+        case u'>': out += "&gt;"; break;
+        case u'\n': out += lineEnds ? "&#10;" : "\n"; break;
+        case u'\r': out += lineEnds ? "&#13;" : "\r"; break;
+        case u'\0': i = n; break; // the text ends at a NUL, as its UTF-8 form would
+        default: out += char(c);
         }
     }
 }

@@ -13,7 +13,8 @@ namespace {
 
 using CNode = CXMLFile::CNode;
 
-constexpr size_t kFlushSize = 1 << 16;
+// Large writes: a save is one system call per mebibyte, not per node.
+constexpr size_t kFlushSize = 1 << 20;
 
 class Writer {
 public:
