@@ -1,20 +1,21 @@
-// CBoundedFile: a window of another IFile shown as a file of its own.
-//
-// Create(f, start, length, owned) shows the bytes start .. start + length of
-// f; positions and the size are relative to start. Read and Write are cut at
-// the window's end and seek the inner file to start + position on every
-// call, so several windows (and other users) may share one inner file. Seek
-// takes origins 1, 2, 3, ignores others, and clamps the result to
-// 0 .. length. SetSize is false; Close does nothing; Flush is forwarded;
-// GetFilename gives the empty text; GetFileSystem the disk file system.
-// Without a file (default construction) Read and Write give 0.
-//
-// Ownership. With owned set the inner file is deleted with the window (and
-// when Create gives the window another file). A copy shows the same window of
-// the same inner file but never owns it: the original must outlive it.
-// A negative start or length counts as 0.
-//
-// Threads: an object belongs to one thread at a time, with its inner file.
+/// @file
+/// CBoundedFile: a window of another IFile shown as a file of its own.
+///
+/// Create(f, start, length, owned) shows the bytes start .. start + length of
+/// f; positions and the size are relative to start. Read and Write are cut at
+/// the window's end and seek the inner file to start + position on every
+/// call, so several windows (and other users) may share one inner file. Seek
+/// takes origins 1, 2, 3, ignores others, and clamps the result to
+/// 0 .. length. SetSize is false; Close does nothing; Flush is forwarded;
+/// GetFilename gives the empty text; GetFileSystem the disk file system.
+/// Without a file (default construction) Read and Write give 0.
+///
+/// Ownership. With owned set the inner file is deleted with the window (and
+/// when Create gives the window another file). A copy shows the same window of
+/// the same inner file but never owns it: the original must outlive it.
+/// A negative start or length counts as 0.
+///
+/// Threads: an object belongs to one thread at a time, with its inner file.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +25,7 @@
 
 namespace qv {
 
+/// @copydoc BoundedFile.h
 class QV_API CBoundedFile : public IFile {
 public:
     CBoundedFile() = default;
@@ -50,12 +52,12 @@ protected:
     int64_t start = 0;
     int64_t end = 0;
     int64_t length = 0;
-    int64_t position = 0; // relative to start
+    int64_t position = 0; ///< relative to start
     bool owned = false;
 
 private:
     void ReleaseFile();
-    // n cut to the window's rest; 0 without a file. Seeks the inner file.
+    /// n cut to the window's rest; 0 without a file. Seeks the inner file.
     uint32_t PrepareTransfer(uint32_t n);
 };
 

@@ -1,17 +1,18 @@
-// CCalcCRC16File, CCalcCRC32File: write-only IFile sinks that checksum what is
-// written without storing it, so a format writer computes a file's checksum
-// by saving to one.
-//
-// Write runs the CRC over the bytes, counts them and returns n. GetCRC gives
-// the checksum of everything written since construction or Reset (for CRC-32
-// the finished, complemented value). GetSize and GetPosition are the byte
-// count; GetFilename gives "none"; GetFileSystem the disk file system; Flush
-// and Close do nothing. A sink cannot Read, Seek or SetSize: each sends the
-// debug text "<class>::<operation>: Not Implemented." and Read gives 0, Seek
-// the count, SetSize false.
-//
-// The CRC-32 sink uses the process-wide CRC-32 table (see CRC.h).
-// Threads: an object belongs to one thread at a time.
+/// @file
+/// CCalcCRC16File, CCalcCRC32File: write-only IFile sinks that checksum what is
+/// written without storing it, so a format writer computes a file's checksum
+/// by saving to one.
+///
+/// Write runs the CRC over the bytes, counts them and returns n. GetCRC gives
+/// the checksum of everything written since construction or Reset (for CRC-32
+/// the finished, complemented value). GetSize and GetPosition are the byte
+/// count; GetFilename gives "none"; GetFileSystem the disk file system; Flush
+/// and Close do nothing. A sink cannot Read, Seek or SetSize: each sends the
+/// debug text "<class>::<operation>: Not Implemented." and Read gives 0, Seek
+/// the count, SetSize false.
+///
+/// The CRC-32 sink uses the process-wide CRC-32 table (see CRC.h).
+/// Threads: an object belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +22,7 @@
 
 namespace qv {
 
-// What both sinks share: the count and the operations a sink refuses.
+/// What both sinks share: the count and the operations a sink refuses.
 class QV_API CCalcCRCFile : public IFile {
 public:
     char16_t *GetFilename(char16_t *buf, int size) override;
@@ -43,6 +44,7 @@ private:
     char16_t const *className;
 };
 
+/// @copydoc CRCFile.h
 class QV_API CCalcCRC16File : public CCalcCRCFile {
 public:
     CCalcCRC16File();
@@ -54,11 +56,12 @@ protected:
     uint16_t crc;
 };
 
+/// @copydoc CRCFile.h
 class QV_API CCalcCRC32File : public CCalcCRCFile {
 public:
     CCalcCRC32File();
     uint32_t Write(void const *p, uint32_t n) override;
-    uint32_t GetCRC() const; // finished (complemented)
+    uint32_t GetCRC() const; ///< finished (complemented)
     void Reset();
 
 protected:

@@ -1,29 +1,30 @@
-// CMemFile: IFile over a byte block in memory.
-//
-// The bytes are the TArray<unsigned char> base's block (on the process heap,
-// malloc/free), the file's size is its count. The position is 32 bits and
-// may stand past the end; Seek does not clamp, and only the low 32 bits of an
-// offset count. Reading past the end gives 0 bytes (GetRemaining is then
-// negative).
-//
-// Growth. With grow set (the default) a write past the end extends the file;
-// the block grows in steps of the array's growth rate, 5 bytes unless the
-// owner calls SetGrowthRate on the base, which writers of large memory files
-// should do. Without grow, a write that would pass the end (the count, not the
-// capacity) writes nothing and returns 0. A write beyond the end fills the
-// bytes between with zeros. SetSize above 0x40000000 bytes is refused.
-//
-// Ownership. An owned block (the default) is freed with the file. Attach
-// releases the present block (freed if owned, left to its owner otherwise)
-// and takes p, a malloc block when owned is true. A foreign block is never
-// reallocated: when the file must grow, its bytes move to a block of the
-// file's own first (the owner's block then no longer follows). A copy always owns a copy
-// of the bytes and takes the position and the grow flag.
-//
-// GetFilename gives the empty text; Flush and Close do nothing (the bytes
-// survive Close). GetFileSystem is the disk file system, as for CFile.
-//
-// Threads: an object belongs to one thread at a time.
+/// @file
+/// CMemFile: IFile over a byte block in memory.
+///
+/// The bytes are the TArray<unsigned char> base's block (on the process heap,
+/// malloc/free), the file's size is its count. The position is 32 bits and
+/// may stand past the end; Seek does not clamp, and only the low 32 bits of an
+/// offset count. Reading past the end gives 0 bytes (GetRemaining is then
+/// negative).
+///
+/// Growth. With grow set (the default) a write past the end extends the file;
+/// the block grows in steps of the array's growth rate, 5 bytes unless the
+/// owner calls SetGrowthRate on the base, which writers of large memory files
+/// should do. Without grow, a write that would pass the end (the count, not the
+/// capacity) writes nothing and returns 0. A write beyond the end fills the
+/// bytes between with zeros. SetSize above 0x40000000 bytes is refused.
+///
+/// Ownership. An owned block (the default) is freed with the file. Attach
+/// releases the present block (freed if owned, left to its owner otherwise)
+/// and takes p, a malloc block when owned is true. A foreign block is never
+/// reallocated: when the file must grow, its bytes move to a block of the
+/// file's own first (the owner's block then no longer follows). A copy always owns a copy
+/// of the bytes and takes the position and the grow flag.
+///
+/// GetFilename gives the empty text; Flush and Close do nothing (the bytes
+/// survive Close). GetFileSystem is the disk file system, as for CFile.
+///
+/// Threads: an object belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -34,6 +35,7 @@
 
 namespace qv {
 
+/// @copydoc MemFile.h
 class QV_API CMemFile : public IFile, public TArray<unsigned char> {
 public:
     CMemFile();
@@ -43,7 +45,7 @@ public:
 
     void SetGrow(bool grow);
     void Attach(unsigned char *p, uint32_t n, bool owned);
-    void Reset(); // SetSize(0), SetPosition(0)
+    void Reset(); ///< SetSize(0), SetPosition(0)
     int64_t ConstGetSize() const;
 
     char16_t *GetFilename(char16_t *buf, int size) override;
@@ -57,9 +59,11 @@ public:
     void Flush() override;
     void Close() override;
 
-    // The file's editing operations, not the array's.
+    /// The file's editing operations, not the array's.
+    ///@{
     using IFile::Insert;
     using IFile::Remove;
+    ///@}
 
 protected:
     uint32_t position = 0;
@@ -67,9 +71,9 @@ protected:
     bool owned = true;
 
 private:
-    void ReleaseBlock(); // frees an owned block, forgets a foreign one
+    void ReleaseBlock(); ///< frees an owned block, forgets a foreign one
     bool CopyBytes(CMemFile const &other);
-    bool Reserve(uint32_t n); // capacity for n bytes in a block of our own
+    bool Reserve(uint32_t n); ///< capacity for n bytes in a block of our own
     bool AdoptCopy();
 };
 

@@ -1,13 +1,14 @@
-// CDiskMonitorWorker: the state and loop of one run of the disk directory
-// monitor, from Start to the end of its thread. Internal to libqv.
-//
-// The worker is shared between the monitor and its thread, so the thread
-// never depends on the monitor once asked to stop: after RequestStop it
-// fires nothing and touches the monitor no more, and the monitor may go
-// away while the thread finishes its last handler call.
-//
-// Threads: Begin runs on the starting thread before the thread exists; Run
-// on the monitor's thread; RequestStop and HasEnded on any thread.
+/// @file
+/// CDiskMonitorWorker: the state and loop of one run of the disk directory
+/// monitor, from Start to the end of its thread. Internal to libqv.
+///
+/// The worker is shared between the monitor and its thread, so the thread
+/// never depends on the monitor once asked to stop: after RequestStop it
+/// fires nothing and touches the monitor no more, and the monitor may go
+/// away while the thread finishes its last handler call.
+///
+/// Threads: Begin runs on the starting thread before the thread exists; Run
+/// on the monitor's thread; RequestStop and HasEnded on any thread.
 #pragma once
 
 #include <atomic>
@@ -21,23 +22,26 @@
 
 namespace qv {
 
+/// @copydoc DiskMonitorWorker.h
 class CDiskMonitorWorker final : IWatchRecordSink, IWatchListener {
 public:
-    // monitor: whose directory, flags and events; it outlives every call
-    // until RequestStop.
+    /// monitor: whose directory, flags and events; it outlives every call
+    /// until RequestStop.
     explicit CDiskMonitorWorker(IDirectoryMonitor *monitor);
 
-    // Opens the watcher and watches the whole tree. False (logged when a
-    // system limit is the cause) if the directory itself cannot be watched.
+    /// Opens the watcher and watches the whole tree. False (logged when a
+    /// system limit is the cause) if the directory itself cannot be watched.
     bool Begin();
-    // Lets Run begin: the starter calls it once it has recorded the thread,
-    // so that a handler's Stop finds the monitor complete.
+    /// Lets Run begin: the starter calls it once it has recorded the thread,
+    /// so that a handler's Stop finds the monitor complete.
     void Go();
-    // Waits for Go, then watches and fires until RequestStop, or until the
-    // watched directory is gone or the watcher fails.
+    /// Waits for Go, then watches and fires until RequestStop, or until the
+    /// watched directory is gone or the watcher fails.
+    ///@{
     void Run();
     void RequestStop();
     bool HasEnded() const { return ended; }
+    ///@}
 
 private:
     bool Take(SWatchRecord const &record) override;
@@ -49,22 +53,26 @@ private:
     void Unwatch(int32_t key) override;
     void Overflowed() override;
 
-    // Watches the directory at path and every directory below it, and gives
-    // the paths of all entries found below it when collect is set. A
-    // directory watched already is walked through only with throughKnown.
+    /// Watches the directory at path and every directory below it, and gives
+    /// the paths of all entries found below it when collect is set. A
+    /// directory watched already is walked through only with throughKnown.
+    ///@{
     std::vector<CString> Walk(char16_t const *path, bool collect, bool throughKnown);
     enum class EWatched { New, Known, Refused };
-    // Watches one directory of the tree.
+    ///@}
+    /// Watches one directory of the tree.
+    ///@{
     EWatched WatchDirectory(CString const &path);
     CString FullPath(CString const &path) const;
     void LogLimit(char16_t const *path);
     template <class Event, class... Args> void Fire(Event IDirectoryMonitor::*event, Args... args);
+    ///@}
 
     IDirectoryMonitor *monitor;
-    uint32_t flags; // the monitor's watch flags
+    uint32_t flags; ///< the monitor's watch flags
     platform::CInotify inotify;
     CWatchTranslator translator;
-    CString root; // full path of the watched directory
+    CString root; ///< full path of the watched directory
     bool limitLogged = false;
     std::atomic<bool> going{false};
     std::atomic<bool> stopping{false};

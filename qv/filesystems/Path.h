@@ -1,8 +1,9 @@
-// The path operations of CPathAlgebra in CString form, plus ChangeExtension.
-// Each gives the buffer form a block large enough for the whole result, so
-// nothing is ever cut here. A null CString counts as the empty text. No shared
-// state: any thread. Nothing fails; an exhausted heap throws the allocator's
-// exception, as every CString does.
+/// @file
+/// The path operations of CPathAlgebra in CString form, plus ChangeExtension.
+/// Each gives the buffer form a block large enough for the whole result, so
+/// nothing is ever cut here. A null CString counts as the empty text. No shared
+/// state: any thread. Nothing fails; an exhausted heap throws the allocator's
+/// exception, as every CString does.
 #pragma once
 
 #include "qv/core/Array.h"
@@ -34,8 +35,8 @@ QV_API CString MakeSafeFilename(CString const &name);
 QV_API bool IsWindowsPath(CString const &path);
 QV_API bool IsUNCPath(CString const &path);
 QV_API bool IsUnixPath(CString const &path);
-// extension, dot included, where GetExtension points: "a.txt" and ".tif"
-// give "a.tif", "a" gives "a.tif".
+/// extension, dot included, where GetExtension points: "a.txt" and ".tif"
+/// give "a.tif", "a" gives "a.tif".
 QV_API CString ChangeExtension(CString const &path, CString const &extension);
 
 } // namespace qv::path

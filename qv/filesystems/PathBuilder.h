@@ -1,6 +1,7 @@
-// Internal to the path algebra (not installed for callers): building a result
-// in a caller's buffer without ever writing past it, and keeping a source
-// intact while the buffer it may lie in is rewritten.
+/// @file
+/// Internal to the path algebra (not installed for callers): building a result
+/// in a caller's buffer without ever writing past it, and keeping a source
+/// intact while the buffer it may lie in is rewritten.
 #pragma once
 
 #include <algorithm>
@@ -14,11 +15,11 @@
 
 namespace qv {
 
-// Text in a buffer of size units (size >= 1), cut at size - 1 units and
-// terminated after every step.
+/// Text in a buffer of size units (size >= 1), cut at size - 1 units and
+/// terminated after every step.
 class CPathBuilder {
 public:
-    // Starts with n units of initial, which may lie in the buffer itself.
+    /// Starts with n units of initial, which may lie in the buffer itself.
     CPathBuilder(char16_t *buffer, int size, char16_t const *initial, size_t n)
         : buffer(buffer), limit(size_t(size) - 1) {
         Append(initial, n);
@@ -32,13 +33,13 @@ public:
     }
     void Append(char16_t c) { Append(&c, 1); }
 
-    // slash unless the text already ends in a separator (the empty text does
-    // not), then s: the joining rule of MakePath.
+    /// slash unless the text already ends in a separator (the empty text does
+    /// not), then s: the joining rule of MakePath.
     void AppendBehindSeparator(char16_t const *s, size_t n, char16_t slash) {
         if (!EndsWithSeparator()) Append(slash);
         Append(s, n);
     }
-    // An empty text takes the item as it stands; otherwise it joins as above.
+    /// An empty text takes the item as it stands; otherwise it joins as above.
     void AddItem(char16_t const *item, size_t n, char16_t slash) {
         if (length == 0)
             Append(item, n);
@@ -47,7 +48,8 @@ public:
     }
 
     bool EndsWithSeparator() const { return length > 0 && CPathAlgebra::IsSeparator(buffer[length - 1]); }
-    // Index of the last separator in front of end, or -1.
+    /// Index of the last separator in front of end, or -1.
+    ///@{
     std::ptrdiff_t LastSeparatorBefore(size_t end) const {
         while (end > 0)
             if (CPathAlgebra::IsSeparator(buffer[--end])) return std::ptrdiff_t(end);
@@ -58,6 +60,7 @@ public:
         buffer[length] = 0;
     }
     size_t Length() const { return length; }
+    ///@}
 
 private:
     char16_t *buffer;
@@ -65,8 +68,8 @@ private:
     size_t length = 0;
 };
 
-// A source text that writing into a buffer of size units at dst cannot
-// disturb: a private copy when the text overlaps the buffer, else the text.
+/// A source text that writing into a buffer of size units at dst cannot
+/// disturb: a private copy when the text overlaps the buffer, else the text.
 class CStableText {
 public:
     CStableText(char16_t const *text, char16_t const *dst, int size) : text(text), length(wcslen(text)) {

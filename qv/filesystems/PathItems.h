@@ -1,6 +1,7 @@
-// Internal to the path algebra (not installed for callers): walking the items
-// of a path, the runs of non-separators. Leading, doubled and trailing
-// separators give no item.
+/// @file
+/// Internal to the path algebra (not installed for callers): walking the items
+/// of a path, the runs of non-separators. Leading, doubled and trailing
+/// separators give no item.
 #pragma once
 
 #include <cstddef>
@@ -9,11 +10,13 @@
 
 namespace qv {
 
+/// @copydoc PathItems.h
 class CPathItems {
 public:
     explicit CPathItems(char16_t const *path) : next(path) {}
 
-    // Moves to the next item; false when there is none left.
+    /// Moves to the next item; false when there is none left.
+    ///@{
     bool Next() {
         while (CPathAlgebra::IsSeparator(*next))
             ++next;
@@ -25,6 +28,7 @@ public:
     }
     char16_t const *Item() const { return item; }
     size_t Length() const { return size_t(next - item); }
+    ///@}
 
 private:
     char16_t const *next;
@@ -32,7 +36,7 @@ private:
 };
 
 size_t CountPathItems(char16_t const *path);
-// Leading items that a and b share, compared without regard to case.
+/// Leading items that a and b share, compared without regard to case.
 size_t CountCommonPathItems(char16_t const *a, char16_t const *b);
 
 } // namespace qv
