@@ -1,6 +1,7 @@
 #include "qv/calibration/RCalStream.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -84,7 +85,8 @@ uint32_t CRCalReader::Count(uint32_t bytesEach) {
 void CRCalReader::Doubles(TArray<double> &values, uint32_t n, bool finite) {
     values.Empty();
     if (!ok_ || n == 0) return;
-    if (double(n) * 8 > double(file_.GetRemaining()) || !values.SetSize(n) ||
+    // One Read moves at most 4 GiB; beyond it a count is refused, not wrapped.
+    if (n > UINT32_MAX / 8 || double(n) * 8 > double(file_.GetRemaining()) || !values.SetSize(n) ||
         file_.Read(values.GetData(), n * 8) != n * 8) {
         values.Empty();
         ok_ = false;

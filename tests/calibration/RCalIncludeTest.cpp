@@ -10,6 +10,7 @@
 #include "qv/calibration/RCalFile.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/formats/tagged/SAFFile.h"
+#include "support/FaultInjection.h"
 
 namespace {
 
@@ -180,6 +181,37 @@ TEST(RCalInclude, ImportRefusesAnIncludeWithoutItsRCalFile) {
     ASSERT_TRUE(saf.Save(fs, dir.Path("lonely.inc"), false));
     EXPECT_FALSE(cal.Import(fs, dir.Path("lonely.inc"))) << "the named file is missing";
     EXPECT_FALSE(cal.Import(fs, dir.Path("missing.inc")));
+}
+
+// Each file of the pair is replaced whole or left as it was, whatever call
+// fails; a failure is reported.
+TEST(RCalInclude, AnExportThatFailsHalfWayLeavesEachFileWhole) {
+    caltest::ScratchDir dir;
+    CString const inc = dir.Path("camera.inc"), calPath = dir.Path("camera.cal");
+    std::string const incFile(inc.GetUTF8()), calFile(calPath.GetUTF8());
+    CRCalFile cal;
+    BuildCalibration(cal);
+    qv::test::FaultBytes incBefore, calBefore, incAfter, calAfter;
+    int runs = qv::test::RunUnderFaults(
+        [&] {
+            std::ofstream(incFile, std::ios::binary | std::ios::trunc) << "HdSize auto\r\nOld tag\r\nDATA\r\n";
+            std::ofstream(calFile, std::ios::binary | std::ios::trunc) << "____RCAL old bytes";
+            incBefore = qv::test::FileBytes(incFile);
+            calBefore = qv::test::FileBytes(calFile);
+        },
+        [&] { return cal.Export(nullptr, inc, false); },
+        [&](qv::test::FaultRun const &run) {
+            qv::test::FaultBytes incNow = qv::test::FileBytes(incFile), calNow = qv::test::FileBytes(calFile);
+            if (run.IsClean()) {
+                incAfter = incNow;
+                calAfter = calNow;
+                return;
+            }
+            if (incNow != incAfter || calNow != calAfter) qv::test::ExpectFailureReported(run);
+            qv::test::ExpectBeforeOrAfter(run, incNow, incBefore, incAfter);
+            qv::test::ExpectBeforeOrAfter(run, calNow, calBefore, calAfter);
+        });
+    EXPECT_GT(runs, 10);
 }
 
 } // namespace
