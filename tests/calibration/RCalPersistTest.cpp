@@ -268,6 +268,17 @@ TEST(RCalFile, TheBuilderOffsetsPointAtTheirFields) {
     EXPECT_EQ(v, 5u) << "the response's sample count";
 }
 
+// The writer against the layout: a file of the current revision loads and
+// saves to the same bytes, but for the AuxFlag bytes, which come back set.
+TEST(RCalFile, SaveWritesTheLayoutByteForByte) {
+    Bytes file = BuildOldRCal(7);
+    CRCalFile cal;
+    ASSERT_TRUE(LoadBytes(cal, file));
+    for (size_t i = 0; i < 3; ++i)
+        file[kPointCount + 4 + 40 + i * 41] = 1;
+    EXPECT_EQ(SaveBytes(cal), file);
+}
+
 TEST(RCalFile, HostileFilesAreRefused) {
     Bytes good = BuildOldRCal(7);
     Bytes file = good;
