@@ -28,7 +28,7 @@ void SaveAndLoad(benchmark::State &state) {
     qv::CRCalFile cal;
     BuildCalibration(cal);
     qv::CMemFile file;
-    file.SetGrowthRate(1 << 20);
+    file.SetGrowthRate(0xFFFF);
     if (!cal.Save(&file, 0)) {
         state.SkipWithError("the save failed");
         return;
@@ -36,7 +36,7 @@ void SaveAndLoad(benchmark::State &state) {
     uint32_t const bytes = uint32_t(file.GetSize());
     std::vector<unsigned char> block(file.GetData(), file.GetData() + bytes);
     qv::CMemFile plain;
-    plain.SetGrowthRate(1 << 20);
+    plain.SetGrowthRate(0xFFFF);
     qv::CRCalFile loaded;
     bool ok = true;
     bench::RunPaired(
