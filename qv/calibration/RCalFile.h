@@ -211,7 +211,8 @@ public:
     // from the files it names, point radiances, fits and ranges. The file is
     // untrusted: a foreign magic, a version other than 0, a cut inside a
     // section, a count the remaining bytes cannot hold, a fit order beyond
-    // -2..64 or a non-finite coefficient, curve or lookup value is false
+    // -2..64, a non-finite coefficient, curve or lookup value, or fits that
+    // an older file's rebuild makes non-finite, is false
     // and leaves the object at its defaults (no file names, no pages) and
     // usable; nothing is allocated beyond the file's own size. A file may
     // end behind any whole section.

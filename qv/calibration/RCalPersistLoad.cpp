@@ -7,6 +7,7 @@
 #include "qv/calibration/RCalStream.h"
 #include "qv/filesystems/FileSystem.h"
 
+#include <cmath>
 #include <cstring>
 
 namespace qv {
@@ -248,20 +249,36 @@ int ReadSections(IFile &file, CRCalFile &cal, uint32_t flags) {
     return r.Ok() ? revision : -1;
 }
 
+bool AllFinite(TArray<double> const &values) {
+    for (uint32_t i = 0; i < values.GetSize(); ++i)
+        if (!std::isfinite(values.GetAt(i))) return false;
+    return true;
+}
+
+// Fits recomputed for an older file can come out NaN (a top hat that starts
+// at 0 microns, say): such a calibration would convert every count to NaN.
+bool FitsFinite(CRCalFile const &cal) {
+    for (uint32_t i = 0; i < cal.CalPages.GetSize(); ++i) {
+        CAL_PAGE const &page = cal.CalPages.GetAt(i);
+        if (!AllFinite(page.Coefficients) || !AllFinite(page.TempCoefficients)) return false;
+    }
+    return true;
+}
+
 } // namespace
 
 bool CRCalFile::Load(IFile *file, uint32_t flags) {
     CRCalFile loaded;
     int revision = file ? ReadSections(*file, loaded, flags) : -1;
-    if (revision < 0) {
-        Copy(CRCalFile());
-        LookupUpdates = true;
-        return false;
+    if (revision >= 0) {
+        Copy(loaded);
+        FileRevision = revision;
+        RepairLoaded();
+        if (FitsFinite(*this)) return true;
     }
-    Copy(loaded);
-    FileRevision = revision;
-    RepairLoaded();
-    return true;
+    Copy(CRCalFile());
+    LookupUpdates = true;
+    return false;
 }
 
 bool CRCalFile::Load(IFileSystem *fs, char16_t const *path, uint32_t flags) {
