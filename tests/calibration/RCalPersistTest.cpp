@@ -324,6 +324,11 @@ TEST(RCalFile, NonFiniteCoefficientsAndCurvesAreRefused) {
         w.responseY[2] = x;
         ExpectRefused(BuildOldRCal(7, w), "response sample");
     }
+    // An older file whose fits are rebuilt over a top hat from 0 microns:
+    // Planck's law gives NaN there, and so would every conversion.
+    OldFileValues w = v;
+    w.tophatStart = 4.3e-311;
+    ExpectRefused(BuildOldRCal(1, w), "fits rebuilt as NaN");
 }
 
 // A file cut anywhere loads only where a section ends; elsewhere it is
