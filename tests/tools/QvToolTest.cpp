@@ -583,7 +583,8 @@ TEST_F(QvTool, HelpAndVersion) {
         SRun help = Run(args);
         EXPECT_EQ(help.status, 0) << args[0];
         EXPECT_TRUE(Contains(help.out, "usage: qv COMMAND [ARGUMENTS]")) << help.out;
-        EXPECT_TRUE(Contains(help.out, "  cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS\n")) << help.out;
+        EXPECT_TRUE(Contains(help.out, "  cal [--csv] [--save PATH] [--inc PATH] POINTS RESPONSE ATMOSPHERE COUNTS\n"))
+            << help.out;
         EXPECT_TRUE(Contains(help.out, "  saf show [--json] FILE\n")) << help.out;
         EXPECT_EQ(help.err, "");
     }
