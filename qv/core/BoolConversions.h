@@ -8,6 +8,7 @@
 
 namespace qv {
 
+/// @copydoc BoolConversions.h
 class QV_API CBool {
 public:
     /// True for "true", "yes", "T", "Y"; false for "false", "no", "F", "N"

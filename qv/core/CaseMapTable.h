@@ -8,6 +8,7 @@
 
 namespace qv::detail {
 
+/// @copydoc CaseMapTable.h
 struct CaseRule {
     uint16_t first, last, delta;
     uint8_t stride;

@@ -23,6 +23,7 @@
 
 namespace qv {
 
+/// @copydoc DateTime.h
 class QV_API CDateTime {
 public:
     enum EHoliday : int { Easter = 0 };

@@ -12,6 +12,7 @@
 
 namespace qv {
 
+/// @copydoc Exception.h
 class QV_API CException {
 public:
     CException(CString message, CException const *inner);

@@ -16,11 +16,13 @@
 
 namespace qv {
 
+/// @copydoc FileTime.h
 struct FILETIME {
     uint32_t dwLowDateTime;
     uint32_t dwHighDateTime;
 };
 
+/// @copydoc FileTime.h
 struct SYSTEMTIME {
     uint16_t wYear;
     uint16_t wMonth;

@@ -24,6 +24,7 @@ QV_API double ParseFloatText(char16_t const *s); ///< _wtof; null gives 0
 QV_API CString FormatGeneral(double v);          ///< "%g"
 } // namespace detail
 
+/// @copydoc FloatConversions.h
 template <class T> class TFloatConversion {
 public:
     static T Parse(char16_t const *s) { return FloatFromDouble<T>(detail::ParseFloatText(s)); }
@@ -32,6 +33,7 @@ public:
     static CString ToStringHex(T v) { return CUInt64::ToStringHex(std::bit_cast<uint64_t>(static_cast<double>(v))); }
 };
 
+/// @copydoc FloatConversions.h
 class QV_API CFlt32 : public TFloatConversion<float> {
 public:
     /// The float nearest to +-3.4e38 (bits 0x7F7FC99E), deliberately not the
@@ -44,6 +46,7 @@ public:
     static CString ToStringExact(float v);
 };
 
+/// @copydoc FloatConversions.h
 class QV_API CFlt64 : public TFloatConversion<double> {
 public:
     /// The double nearest to +-1.7e308 (bits 0x7FEE42D130773B76).

@@ -77,6 +77,7 @@ private:
     size_t count = 0;
 };
 
+/// @copydoc FormatEngine.h
 struct FormatDirective {
     bool left = false, plus = false, space = false, alt = false, zero = false;
     bool widthArg = false, precisionArg = false;
@@ -221,6 +222,7 @@ constexpr int kMaxSignificantDigits = 800;
 constexpr size_t kFloatBuffer = 309 + 1 + kMaxFixedDigits + 8;
 ///@}
 
+/// @copydoc FormatEngine.h
 struct FloatText {
     char body[kFloatBuffer];
     char exponent[8];

@@ -1,13 +1,15 @@
-// The value types that settings and pictures exchange: a rectangle, a colour
-// and a font description, with the fields and widths callers know from the
-// design (32-bit LONG fields, a BYTE per flag, a face name of 32 char16_t
-// units). Plain records: copy them freely, no ownership, no threads rules.
+/// @file
+/// The value types that settings and pictures exchange: a rectangle, a colour
+/// and a font description, with the fields and widths callers know from the
+/// design (32-bit LONG fields, a BYTE per flag, a face name of 32 char16_t
+/// units). Plain records: copy them freely, no ownership, no threads rules.
 #pragma once
 
 #include <cstdint>
 
 namespace qv {
 
+/// @copydoc GdiTypes.h
 struct RECT {
     int32_t left;
     int32_t top;
@@ -15,11 +17,12 @@ struct RECT {
     int32_t bottom;
 };
 
-// 0x00BBGGRR: red in the low byte.
+/// 0x00BBGGRR: red in the low byte.
 using COLORREF = uint32_t;
 
 inline constexpr int LF_FACESIZE = 32;
 
+/// @copydoc GdiTypes.h
 struct LOGFONTW {
     int32_t lfHeight;
     int32_t lfWidth;

@@ -6,6 +6,7 @@
 
 namespace qv {
 
+/// @copydoc Guid.h
 struct GUID {
     uint32_t Data1;
     uint16_t Data2;

@@ -11,6 +11,7 @@
 
 namespace qv {
 
+/// @copydoc GuidText.h
 class QV_API CGUID {
 public:
     static constexpr GUID Empty{}; ///< all zero

@@ -31,6 +31,7 @@ QV_API CString FormatDecimal(uint64_t v);
 QV_API CString FormatHexWithLeadingZero(uint64_t v);
 } // namespace detail
 
+/// @copydoc IntegerConversions.h
 template <class T> class TIntegerConversion {
     static_assert(std::is_integral_v<T>, "integer conversions only");
     /// Signed values widen with their sign, unsigned ones with zeros.

@@ -50,12 +50,14 @@ namespace qv {
 constexpr uint32_t kLanguageNameId = 1024; ///< libqv: the name of the table's language
 constexpr uint16_t kLanguageListBlock = 15;
 
+/// @copydoc Locale.h
 struct SLocale {
     uint16_t language;
     CString name;
     bool rightToLeft;
 };
 
+/// @copydoc Locale.h
 class QV_API CLocale {
 public:
     CLocale();

@@ -28,6 +28,7 @@ namespace qv {
 
 class CLog;
 
+/// @copydoc LogEntry.h
 class QV_API CLogEntry {
 public:
     CLogEntry(CLog *log, CString text, bool verbose);

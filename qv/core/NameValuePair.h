@@ -7,6 +7,7 @@
 
 namespace qv {
 
+/// @copydoc NameValuePair.h
 struct SNameValuePair {
     CString Name;
     CString Value;

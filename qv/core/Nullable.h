@@ -11,11 +11,13 @@
 
 namespace qv {
 
+/// @copydoc Nullable.h
 struct null_t {
     explicit constexpr null_t() = default;
 };
 inline constexpr null_t null{};
 
+/// @copydoc Nullable.h
 template <class T> class nullable {
 public:
     constexpr nullable() : value(), set(false) {}

@@ -18,6 +18,7 @@ template <class Char> Char AsciiLowerUnit(Char c) {
     return c >= 'A' && c <= 'Z' ? Char(c + ('a' - 'A')) : c;
 }
 
+/// @copydoc NumberParse.h
 struct ParsedNumber {
     double value;
     size_t length; ///< units taken; 0 when there is no number

@@ -38,6 +38,7 @@ inline bool IsIntResource(char16_t const *p) {
 }
 ///@}
 
+/// @copydoc ResourceId.h
 struct QV_API SResourceId {
     uint16_t id = 0;                ///< the number when name is null
     char16_t const *name = nullptr; ///< the name, not owned; null for a number

@@ -9,6 +9,7 @@
 
 namespace qv {
 
+/// @copydoc ResourceRegistry.h
 class CResourceRegistry {
 public:
     static void Add(CResourceRegistration &registration);

@@ -24,6 +24,7 @@
 
 namespace qv {
 
+/// @copydoc ResourceTable.h
 struct SResourceEntry {
     SResourceId type;
     SResourceId name;
@@ -34,6 +35,7 @@ struct SResourceEntry {
 
 enum class EResourceModuleKind : uint32_t { Program = 0, Library = 1 };
 
+/// @copydoc ResourceTable.h
 struct SResourceModule {
     char16_t const *name; ///< the build target's name, e.g. u"qv" for libqv.so
     EResourceModuleKind kind;

@@ -40,6 +40,7 @@ inline bool IsScanSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// @copydoc ScanEngine.h
 struct ScanDirective {
     bool suppress = false;
     size_t width = SIZE_MAX; ///< none given
@@ -81,6 +82,7 @@ template <class Char> bool ScanSizeFits(ArgSize size, char conversion) {
     }
 }
 
+/// @copydoc ScanEngine.h
 template <class Char, class Targets> class Scanner {
 public:
     Scanner(Char const *input, Targets &targets) : in(input), start(input), targets(targets) {}

@@ -76,6 +76,7 @@ struct QV_API TSingletonPtrPostCreateDoNothing {
     template <class T> static void PostCreate(T *) {}
 };
 
+/// @copydoc Singleton.h
 template <class T, int Priority = 1, bool CreateAtStart = false, class PostCreate = TSingletonPtrPostCreateDoNothing>
 class QV_API TSingletonPtr {
 public:

@@ -8,6 +8,7 @@
 
 namespace qv {
 
+/// @copydoc Stack.h
 template <class T> class TStack : public TArray<T> {
 public:
     bool Push(T const &v) { return this->Add(v); }

@@ -52,6 +52,7 @@ struct CStringRep {
     int32_t narrowSize;
 };
 
+/// @copydoc String.h
 class QV_API CString {
 public:
     CString();

@@ -20,6 +20,7 @@ inline uint16_t StringBlockOfId(uint32_t id) {
     return uint16_t((id >> 4) + 1);
 }
 
+/// @copydoc StringTableBlock.h
 struct SStringBlockText {
     unsigned char const *units; ///< little-endian code units
     uint32_t length;

@@ -11,6 +11,7 @@ namespace qv::detail {
 
 constexpr char32_t kReplacementChar = 0xFFFD;
 
+/// @copydoc Utf.h
 struct Decoded {
     char32_t codePoint;
     size_t length; ///< units taken from the input, at least 1

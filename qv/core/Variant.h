@@ -40,6 +40,7 @@
 
 namespace qv {
 
+/// @copydoc Variant.h
 struct SEnumValue {
     CString name;
     int64_t value = 0;
@@ -47,6 +48,7 @@ struct SEnumValue {
 
 class IConfigStore;
 
+/// @copydoc Variant.h
 class QV_API CVariant {
 public:
     /// The texts of TypeToString and ParseType are the names below.

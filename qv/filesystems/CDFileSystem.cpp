@@ -19,6 +19,17 @@ bool HasMagic(IFile &file, int64_t at) {
     return at >= 0 && file.Seek(at, 1) == at && file.ReadBytes(magic, 4) && std::memcmp(magic, kMagic, 4) == 0;
 }
 
+// The first bytes of file; false only when they cannot be read although the
+// file is long enough (a failing host is refused, not looked at by its foot).
+bool ReadHead(IFile &file, char (&head)[4]) {
+    int64_t size = file.GetSize();
+    if (size >= 0 && size < 4) {
+        head[0] = 0;
+        return true;
+    }
+    return size >= 0 && file.Seek(0, 1) == 0 && file.ReadBytes(head, 4);
+}
+
 // The base named by a foot at the end of file, if there is one.
 bool ReadFoot(IFile &file, int64_t &base) {
     int64_t size = file.GetSize();
@@ -31,7 +42,9 @@ bool ReadFoot(IFile &file, int64_t &base) {
 
 // The start of the CDFS in file: 0, or the base of a foot that points at one.
 bool LocateCDFS(IFile &file, int64_t &base) {
-    if (HasMagic(file, 0)) {
+    char head[4];
+    if (!ReadHead(file, head)) return false;
+    if (std::memcmp(head, kMagic, 4) == 0) {
         base = 0;
         return true;
     }
@@ -94,17 +107,14 @@ bool CCDFileSystem::Create(IFileSystem *fs, char16_t const *path, bool append) {
     if (!host) return false;
     int64_t found = 0;
     if (exists && (HasMagic(*host, 0) || ReadFoot(*host, found))) {
-        // It holds a CDFS already: leave it untouched (no flush).
-        delete host;
-        host = nullptr;
+        DropHost(); // it holds a CDFS already: leave it untouched
         return false;
     }
     base = exists ? host->GetSize() : 0;
     if (WriteHeader()) return true;
     // Whatever was appended goes; the file's own bytes stay.
     if (exists) host->SetSize(base);
-    delete host;
-    host = nullptr;
+    DropHost();
     if (!exists) fs->DeleteFileW(path);
     return false;
 }
@@ -128,13 +138,19 @@ bool CCDFileSystem::Open(IFileSystem *fs, char16_t const *path, bool openReadOnl
     readOnly = openReadOnly;
     if (!LocateCDFS(*host, base)) Refuse("no \"CDFS\" at the start, nor a foot that points at one");
     else if (LoadFileTable()) return true;
-    Close();
+    // Nothing was loaded: closing must not flush an empty table over the stored one.
+    DropHost();
     return false;
 }
 
 void CCDFileSystem::Close() {
     CAutoCriticalSection guard(&lock);
     if (host) Flush();
+    DropHost();
+}
+
+void CCDFileSystem::DropHost() {
+    CAutoCriticalSection guard(&lock);
     delete host;
     host = nullptr;
     readOnly = false;
@@ -150,6 +166,15 @@ void CCDFileSystem::Close() {
 bool CCDFileSystem::Flush() {
     CAutoCriticalSection guard(&lock);
     if (!host || readOnly) return false;
+    if (WriteTableAndFoot()) return true;
+    // A table cut short by a failed write would refuse the whole CDFS at the
+    // next open: write it once more, so a passing fault leaves it whole. The
+    // failure is reported all the same.
+    WriteTableAndFoot();
+    return false;
+}
+
+bool CCDFileSystem::WriteTableAndFoot() {
     bool ok = SaveFileTable();
     int64_t foot = base + NextFileOffset(); // behind a table that may have grown
     ok = ok && host->Seek(foot, 1) == foot && host->PutInt64(base) && host->WriteBytes(kFootMagic, 8);

@@ -30,12 +30,15 @@
 // is read from at most its own capacity (no more than 64 MiB and the host).
 //
 // Persistence. Flush (and closing any file inside, and Close) writes the table
-// and the foot and flushes the host; nothing else writes the table. A crash
+// and the foot and flushes the host; nothing else writes the table. A table
+// write that fails is written once more (so a passing fault leaves a whole
+// table) and Flush answers false. A host that keeps failing can be left with a
+// table cut short, which the next Open refuses. A crash
 // between a growth and the next flush can leave the stored table behind the
 // moved data (no journal). A growth that fails leaves the host and the table
 // as they were (see MoveTailUp) and the write answers short.
 //
-// Differences from the designed behaviour, to keep data: every file handle is
+// Choices that keep data where the older behaviour lost it: every handle is
 // kept in the open files (also one that created its entry), so deleting an
 // earlier entry re-targets it and never makes it write into another file;
 // a table that outgrew 0x1000 bytes is read back whole; failed writes answer
@@ -146,6 +149,8 @@ private:
     };
 
     bool Refuse(char const *why);
+    void DropHost(); // closes the host without a flush and empties the table
+    bool WriteTableAndFoot();
     bool SaveFileTable();
     bool LoadFileTable();
     bool WriteHeader();

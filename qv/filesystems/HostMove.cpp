@@ -49,7 +49,8 @@ bool WriteZerosAt(IFile &file, int64_t at, int64_t count, unsigned char *block, 
 
 bool MoveTailUp(IFile &file, int64_t from, int64_t delta) {
     int64_t end = file.GetSize();
-    if (from < 0 || delta < 0 || from >= end || delta == 0) return from >= 0 && delta >= 0;
+    if (end < 0 || from < 0 || delta < 0) return false; // a size that cannot be had is no empty tail
+    if (from >= end || delta == 0) return true;
     if (delta > INT64_MAX - end) return false;
     int64_t blockSize = std::min(kMoveBlock, std::max(end - from, std::min(delta, kMoveBlock)));
     std::unique_ptr<unsigned char, FreeBlock> block(static_cast<unsigned char *>(std::malloc(size_t(blockSize))));
@@ -66,11 +67,8 @@ bool MoveTailUp(IFile &file, int64_t from, int64_t delta) {
         }
         moved = at;
     }
-    if (moved == from) {
-        // The gap holds no entry's bytes yet, so a failure here loses nothing.
-        WriteZerosAt(file, from, delta, block.get(), blockSize);
-        return true;
-    }
+    // A gap that cannot be cleared undoes the whole move, so the failure is told.
+    if (moved == from && WriteZerosAt(file, from, delta, block.get(), blockSize)) return true;
     MoveBack(file, moved, end, delta, block.get());
     file.SetSize(end);
     return false;

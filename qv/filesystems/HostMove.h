@@ -8,7 +8,7 @@
 // behind from it changes nothing (the next write extends the file).
 //
 // Failure: false when the block cannot be had, the room cannot be reserved or
-// a transfer falls short. Before it answers false it puts every moved byte
+// a transfer (the gap's zeros included) falls short. Before it answers false it puts every moved byte
 // back and cuts the file to its old size, so a failure that passes leaves the
 // file as it was; only a file that keeps failing while that runs is left
 // partly moved. The file's position is not kept.

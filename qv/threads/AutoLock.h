@@ -1,7 +1,8 @@
-// Scope guards: a lock taken by the constructor and given back by the
-// destructor. The lock must outlive the guard; a null pointer guards
-// nothing. CAutoMutex waits without limit; a mutex whose owner was
-// abandoned is owned all the same and is released at the end of the scope.
+/// @file
+/// Scope guards: a lock taken by the constructor and given back by the
+/// destructor. The lock must outlive the guard; a null pointer guards
+/// nothing. CAutoMutex waits without limit; a mutex whose owner was
+/// abandoned is owned all the same and is released at the end of the scope.
 #pragma once
 
 #include "qv/platform/Ticks.h"
@@ -10,6 +11,7 @@
 
 namespace qv {
 
+/// @copydoc AutoLock.h
 class CAutoCriticalSection {
 public:
     explicit CAutoCriticalSection(CCriticalSection *section) : section(section) {
@@ -25,6 +27,7 @@ private:
     CCriticalSection *section;
 };
 
+/// @copydoc AutoLock.h
 class CAutoMutex {
 public:
     explicit CAutoMutex(CMutex *mutex) : mutex(mutex) {
@@ -40,7 +43,7 @@ private:
     CMutex *mutex;
 };
 
-// Either kind of lock, remembered by which pointer is set.
+/// Either kind of lock, remembered by which pointer is set.
 class CAutoLock {
 public:
     explicit CAutoLock(CCriticalSection *section) : section(section) {}

@@ -2,6 +2,8 @@
 // or standard input ("-"), and printing a tape7 table.
 #pragma once
 
+#include "Input.h"
+
 #include <cstdio>
 
 #include "qv/files/MemFile.h"
@@ -9,6 +11,7 @@
 #include "qv/modtran/ModtranTape7File.h"
 
 namespace qvtool {
+
 
 // Loads a deck; on failure prints "<path>: <last error>" and gives false.
 bool LoadTape5(char const *path, qv::CModtranTape5File &tape5);
