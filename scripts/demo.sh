@@ -3,7 +3,9 @@
 # shows a SAF file's header and data offset, changes a tag in place, reads a
 # date text, integrates a blackbody over a sensor response and an atmosphere,
 # and builds a radiometric calibration from measured points: its polynomials,
-# range and lookup, then counts converted to temperatures beside the truth.
+# range and lookup, then counts converted to temperatures beside the truth;
+# saves that calibration, shows the saved file, reloads it and converts the
+# same counts again, checking that the temperatures are the same.
 set -eu
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" = 0 ]; then ./scripts/setup.sh; fi
@@ -36,6 +38,15 @@ echo
 echo "== qv band data/NelisW__pyradi__pyradi__data__tape7-02.table 35"
 "$qv" band data/NelisW__pyradi__pyradi__data__tape7-02.table 35
 echo
-echo "== qv cal data/cal_points.csv MWIRsensor.txt tape7-02.table data/cal_counts.csv"
-"$qv" cal data/cal_points.csv data/NelisW__pyradi__pyradi__data__MWIRsensor.txt \
-    data/NelisW__pyradi__pyradi__data__tape7-02.table data/cal_counts.csv
+echo "== qv cal --save camera.cal --inc camera.inc data/cal_points.csv MWIRsensor.txt tape7-02.table data/cal_counts.csv"
+"$qv" cal --save "$work/camera.cal" --inc "$work/camera.inc" data/cal_points.csv \
+    data/NelisW__pyradi__pyradi__data__MWIRsensor.txt data/NelisW__pyradi__pyradi__data__tape7-02.table \
+    data/cal_counts.csv | tee "$work/built.csv"
+echo
+echo "== qv cal show camera.cal (the saved calibration, reloaded)"
+"$qv" cal show "$work/camera.cal"
+echo
+echo "== qv cal convert --csv camera.inc data/cal_counts.csv (through the include file)"
+"$qv" cal convert --csv "$work/camera.inc" data/cal_counts.csv > "$work/reloaded.csv"
+cmp "$work/built.csv" "$work/reloaded.csv"
+echo "the reloaded calibration converts every count to the same temperature as the one built"

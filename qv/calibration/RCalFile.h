@@ -46,6 +46,9 @@
 
 namespace qv {
 
+class IFile;
+class IFileSystem;
+
 class QV_API CRCalFile {
 public:
     using CAL_POINT = calibration_records::CAL_POINT;
@@ -202,6 +205,57 @@ public:
     bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); // true also if none
     bool ClearBackgroundFiles(int page);
 
+    // ---- Files: the RCAL file (".cal") and the include file (".inc") ----
+    // Load reads an RCAL file of any revision (FileRevision tells which:
+    // the last section it held) and rebuilds what an older one lacks: curves
+    // from the files it names, point radiances, fits and ranges. The file is
+    // untrusted: a foreign magic, a version other than 0, a cut inside a
+    // section, a count the remaining bytes cannot hold, a fit order beyond
+    // -2..64, a non-finite coefficient, curve or lookup value, or fits that
+    // an older file's rebuild makes non-finite, is false
+    // and leaves the object at its defaults (no file names, no pages) and
+    // usable; nothing is allocated beyond the file's own size. A file may
+    // end behind any whole section.
+    // Save writes the current revision (7) and reports any failed write.
+    // The path forms use fs (null: the disk). Save by path writes a
+    // temporary file beside the target and renames it over (CAtomicSave):
+    // a failed save leaves the previous file whole.
+    enum : uint32_t {
+        kSaveWithoutBackgrounds = 1, // Save: the background images left out
+        kLoadSkipBackgrounds = 1,    // Load: those in the file passed over
+    };
+    bool Save(IFile *file, uint32_t flags);
+    bool Save(IFileSystem *fs, char16_t const *path, uint32_t flags);
+    bool Load(IFile *file, uint32_t flags);
+    bool Load(IFileSystem *fs, char16_t const *path, uint32_t flags);
+    // Export writes the pair for path with its extension replaced: the
+    // include file (".inc", a SAF header of text tags naming the ".cal"
+    // file) and then the RCAL file without background images. With merge an
+    // existing include file is loaded and its other tags kept (a failed load
+    // is false). Every row of the include table is set, with stand-ins
+    // ("0" field of view, "1.0" range and factor) where the object holds
+    // none. A page is written when its enabled points can carry its fit; a
+    // page's own tags always. False, with no RCAL file written, when the
+    // include file fails; false too when the RCAL file then fails. Both are
+    // whole-file saves through a temporary file, except an include file
+    // merged in place (CSAFFile::Save's rules).
+    bool Export(IFileSystem *fs, char16_t const *path, bool merge);
+    // Rewrites the tags of an include file only (started new if absent),
+    // setting only the rows the object holds, so that the file's own values
+    // survive; "CAFile" becomes calPath's file name. No RCAL file is written.
+    bool UpdateInclude(IFileSystem *fs, char16_t const *incPath, char16_t const *calPath);
+    // Reads an include file and the RCAL file its "CAFile" names beside it
+    // (background images skipped), then takes over the include's band pass,
+    // field of view, slant range and per page ("name_X", or the bare name
+    // for page 0) factor, background and polynomials where they differ: a
+    // text equals a double when the double printed at the text's precision
+    // reads back within 1e-8. Changed polynomials become overrides. A "file"
+    // background ends as BG_None (no image is read); an order beyond -2..64
+    // is passed over. False, with nothing changed, when the include file
+    // fails, has no "CAFile" or the RCAL file cannot be opened; false, with
+    // the object at its defaults, when Load refuses the RCAL file.
+    bool Import(IFileSystem *fs, char16_t const *path);
+
     // ---- Data, public as the stored format and its callers have them ----
 
     CString ResponseFile;
@@ -290,6 +344,8 @@ private:
 
     void LoadModtran(bool adjust);
     void AdjustModtran(bool update);
+
+    void RepairLoaded(); // after Load, by FileRevision
 
     BACKGROUND_FILE *FindBackgroundFile(CAL_PAGE &page, uint32_t width, uint32_t height);
 };

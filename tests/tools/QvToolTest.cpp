@@ -261,7 +261,7 @@ TEST_F(QvTool, CalRefusesMissingFilesWithTheSystemsReason) {
     ExpectRefused({"cal", dir, kResponse, kAtmosphere, kCounts}, 1, "cannot read " + dir + ": Is a directory");
     ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, dir}, 1, "cannot read " + dir + ": Is a directory");
     ExpectRefused({"cal", kPoints, kResponse, kAtmosphere}, 2,
-                  "usage: qv cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS");
+                  "usage: qv cal [--csv] [--save PATH] [--inc PATH] POINTS RESPONSE ATMOSPHERE COUNTS");
     ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, kCounts, "extra"}, 2, "usage: qv cal");
 }
 
@@ -583,7 +583,8 @@ TEST_F(QvTool, HelpAndVersion) {
         SRun help = Run(args);
         EXPECT_EQ(help.status, 0) << args[0];
         EXPECT_TRUE(Contains(help.out, "usage: qv COMMAND [ARGUMENTS]")) << help.out;
-        EXPECT_TRUE(Contains(help.out, "  cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS\n")) << help.out;
+        EXPECT_TRUE(Contains(help.out, "  cal [--csv] [--save PATH] [--inc PATH] POINTS RESPONSE ATMOSPHERE COUNTS\n"))
+            << help.out;
         EXPECT_TRUE(Contains(help.out, "  saf show [--json] FILE\n")) << help.out;
         EXPECT_EQ(help.err, "");
     }
@@ -637,5 +638,44 @@ TEST(QvTool, NotBuilt) {
 }
 
 #endif
+
+// The main job's second half: the calibration built is saved, shown and
+// reloaded, and converts every count to the same text as before.
+TEST_F(QvTool, CalSavesACalibrationThatConvertsTheSameAfterReloading) {
+    std::string const cal = Path("camera.cal"), inc = Path("camera.inc");
+    SRun built = Run({"cal", "--csv", "--save", cal, "--inc", inc, kPoints, kResponse, kAtmosphere, kCounts});
+    ASSERT_EQ(built.status, 0) << built.err;
+    for (std::string const &file : {cal, inc}) {
+        SRun again = Run({"cal", "convert", "--csv", file, kCounts});
+        EXPECT_EQ(again.status, 0) << again.err;
+        EXPECT_EQ(again.out, built.out) << file;
+    }
+    SRun show = Run({"cal", "show", inc});
+    EXPECT_EQ(show.status, 0) << show.err;
+    EXPECT_TRUE(Contains(show.out, "camera.cal, RCAL revision 7 (named by the include file)")) << show.out;
+    EXPECT_TRUE(Contains(show.out, "page 1: 9 points, 8 enabled")) << show.out;
+    EXPECT_TRUE(Contains(show.out, "counts to radiance (order 1")) << show.out;
+    SRun json = Run({"cal", "show", "--json", cal});
+    EXPECT_EQ(json.status, 0) << json.err;
+    EXPECT_TRUE(Contains(json.out, "\"revision\":7,")) << json.out;
+    EXPECT_TRUE(Contains(json.out, "\"temp_order\":6,")) << json.out;
+    SRun fromStdin = Run({"cal", "show", "-"}, cal);
+    EXPECT_EQ(fromStdin.status, 0) << fromStdin.err;
+    EXPECT_TRUE(Contains(fromStdin.out, "file: standard input, RCAL revision 7")) << fromStdin.out;
+}
+
+TEST_F(QvTool, CalShowAndConvertRefuseWhatIsNoCalibration) {
+    ExpectRefused({"cal", "show", kSaf}, 1, "is an include file without a CAFile tag");
+    ExpectRefused({"cal", "show", kCounts}, 1, "is not a calibration file qv can read");
+    std::string const cut = Path("cut.cal");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cut, kPoints, kResponse, "none", "3000"}).status, 0);
+    std::string bytes = ReadFile(cut);
+    Write("cut.cal", bytes.substr(0, bytes.size() / 2));
+    ExpectRefused({"cal", "convert", cut, kCounts}, 1, "is not a calibration file qv can read");
+    ExpectRefused({"cal", "show", Path("missing.cal")}, 1, "No such file or directory");
+    ExpectRefused({"cal", "convert", "-", "-"}, 1, "only one input can be standard input");
+    ExpectRefused({"cal", "--save", Path("no/dir/x.cal"), kPoints, kResponse, "none", "3000"}, 1,
+                  "cannot save the calibration to");
+}
 
 } // namespace

@@ -1,4 +1,5 @@
-// qv cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS: builds a calibration from
+// qv cal [--csv] [--save FILE.cal] [--inc FILE.inc] POINTS RESPONSE ATMOSPHERE
+// COUNTS: builds a calibration from
 // measured points and writes, per page, both polynomials with their R^2, the
 // calibrated range and the lookup span to standard error (--csv leaves this
 // out); then converts counts to temperatures through the two polynomials and
@@ -10,13 +11,15 @@
 // RESPONSE is an XY file or "tophat:START:END:STEP" (microns). ATMOSPHERE is
 // a MODTRAN table (transmission and path radiance both used) or "none".
 // POINTS and COUNTS are described in CalInput.h; any one input may be -.
-// Nothing is converted unless every page has a usable fit: a calibration
-// that fits nothing would turn every count into the same wrong number.
+// Nothing is converted or saved unless every page has a usable fit: a
+// calibration that fits nothing would turn every count into the same wrong
+// number. --save and --inc keep the calibration (see SaveCalibration).
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string>
 
+#include "CalFiles.h"
 #include "CalInput.h"
 #include "Commands.h"
 #include "CurveInput.h"
@@ -103,11 +106,26 @@ int CheckPage(qv::CRCalFile &cal, int page) {
     return 0;
 }
 
-void PrintPolynomial(char const *name, qv::TArray<double> &c, double r2) {
-    std::fprintf(stderr, "  %s (order %u, R2 %.10f):", name, c.GetSize() - 1, r2);
+// --save writes the RCAL file; --inc the include file and, beside it, the
+// RCAL file it names. Both replace a file whole or leave it as it was.
+int SaveCalibration(qv::CRCalFile &cal) {
+    SOptions const &options = GivenOptions();
+    if (options.save && !cal.Save(nullptr, qv::CString(options.save), 0))
+        return Fail("cannot save the calibration to %s", options.save);
+    if (options.inc && !cal.Export(nullptr, qv::CString(options.inc), false))
+        return Fail("cannot write the include file %s and its .cal file", options.inc);
+    return 0;
+}
+
+} // namespace
+
+namespace {
+
+void PrintPolynomial(std::FILE *out, char const *name, qv::TArray<double> &c, double r2) {
+    std::fprintf(out, "  %s (order %d, R2 %.10f):", name, int(c.GetSize()) - 1, r2);
     for (uint32_t i = 0; i < c.GetSize(); ++i)
-        std::fprintf(stderr, " %.9e", c[i]);
-    std::fprintf(stderr, "\n");
+        std::fprintf(out, " %.9e", c[i]);
+    std::fprintf(out, "\n");
 }
 
 // The largest miss of the temperature polynomial over its own lookup: what
@@ -120,36 +138,51 @@ double TemperatureFitError(qv::CRCalFile &cal, int page, qv::TArray<double> &tem
     return worst;
 }
 
-void PrintPage(qv::CRCalFile &cal, int page) {
+void PrintPage(std::FILE *out, qv::CRCalFile &cal, int page) {
     qv::CCalPage p = cal.Pages[page];
     qv::TArray<double> counts, temp;
     cal.GetCoefficients(page, counts);
     cal.GetTempCoefficients(page, temp);
-    std::fprintf(stderr, "page %d: %d points, %d enabled\n", page, p.Points.getCount(), p.Points.getNumEnabled());
-    PrintPolynomial("counts to radiance", counts, p.Coefficients.getR2());
-    PrintPolynomial("radiance to temperature", temp, p.TempCoefficients.getR2());
-    std::fprintf(stderr, "  range: counts %.2f to %.2f, radiance %.6e to %.6e W/(sr-cm^2), temperature %g to %g C\n",
+    std::fprintf(out, "page %d: %d points, %d enabled\n", page, p.Points.getCount(), p.Points.getNumEnabled());
+    PrintPolynomial(out, "counts to radiance", counts, p.Coefficients.getR2());
+    PrintPolynomial(out, "radiance to temperature", temp, p.TempCoefficients.getR2());
+    std::fprintf(out, "  range: counts %.2f to %.2f, radiance %.6e to %.6e W/(sr-cm^2), temperature %g to %g C\n",
                  p.Range.getMinCounts(), p.Range.getMaxCounts(), p.Range.getMinRadiance(), p.Range.getMaxRadiance(),
                  p.Range.getMinTemperature(), p.Range.getMaxTemperature());
     int n = p.Lookup.getCount();
-    std::fprintf(stderr, "  lookup: %d entries, %g to %g C (step %g wished, %.6g made), radiance %.6e to %.6e\n", n,
+    if (n < 2) {
+        // A saved file may hold a page whose lookup was never built.
+        std::fprintf(out, "  lookup: %d entries\n", n);
+        return;
+    }
+    std::fprintf(out, "  lookup: %d entries, %g to %g C (step %g wished, %.6g made), radiance %.6e to %.6e\n", n,
                  p.Lookup.Y[0], p.Lookup.Y[n - 1], p.Lookup.getDelta(), p.Lookup.Y[1] - p.Lookup.Y[0], p.Lookup.X[0],
                  p.Lookup.X[n - 1]);
-    std::fprintf(stderr, "  temperature fit error over the lookup: at most %.3f C\n",
+    std::fprintf(out, "  temperature fit error over the lookup: at most %.3f C\n",
                  TemperatureFitError(cal, page, temp));
 }
 
-void PrintSummary(qv::CRCalFile &cal) {
+} // namespace
+
+void PrintCalSummary(qv::CRCalFile &cal, std::FILE *out) {
     double lo = 0, hi = 0;
     cal.GetBandpass(lo, hi);
-    std::fprintf(stderr, "response: %s (band %g to %g um, %d points on the final axis)\n",
+    std::fprintf(out, "response: %s (band %g to %g um, %d points on the final axis)\n",
                  cal.SpectralResponse.getType() == qv::SRT_File ? "file" : "top hat", lo, hi,
                  cal.SpectralResponse.Curve.getCount());
-    std::fprintf(stderr, "atmosphere: %s\n",
+    std::fprintf(out, "atmosphere: %s\n",
                  cal.Modtran.getStatus() == qv::RS_OK ? "transmission and path radiance" : "none");
     for (int page = 0; page < cal.Pages.getCount(); ++page)
-        PrintPage(cal, page);
+        PrintPage(out, cal, page);
 }
+
+int CheckCalPages(qv::CRCalFile &cal) {
+    for (int page = 0; page < cal.Pages.getCount(); ++page)
+        if (int failed = CheckPage(cal, page)) return failed;
+    return 0;
+}
+
+namespace {
 
 int PrintConversion(qv::CRCalFile &cal, int page, SCountsRow const &row) {
     qv::TArray<double> counts, temp;
@@ -169,6 +202,8 @@ int PrintConversion(qv::CRCalFile &cal, int page, SCountsRow const &row) {
     return 0;
 }
 
+} // namespace
+
 int ConvertCounts(qv::CRCalFile &cal, CCountsSource &source) {
     std::printf("page,counts,radiance,celsius,in_range,truth,error\n");
     SCountsRow row{};
@@ -185,8 +220,6 @@ int ConvertCounts(qv::CRCalFile &cal, CCountsSource &source) {
     return 0;
 }
 
-} // namespace
-
 int RunCal(char *const *args) {
     int fromStandardInput = 0;
     for (int i = 0; i < 4; ++i)
@@ -199,9 +232,9 @@ int RunCal(char *const *args) {
     if (!LoadCalPoints(args[0], cal, error)) return Fail("%s", error.c_str());
     CCountsSource counts;
     if (!counts.Open(args[3], error)) return Fail("%s", error.c_str());
-    for (int page = 0; page < cal.Pages.getCount(); ++page)
-        if (int failed = CheckPage(cal, page)) return failed;
-    if (!GivenOptions().csv) PrintSummary(cal);
+    if (int failed = CheckCalPages(cal)) return failed;
+    if (int failed = SaveCalibration(cal)) return failed;
+    if (!GivenOptions().csv) PrintCalSummary(cal, stderr);
     return ConvertCounts(cal, counts);
 }
 

@@ -66,6 +66,8 @@ int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
 int RunCal(char *const *args);
+int RunCalShow(char *const *args);
+int RunCalConvert(char *const *args);
 int RunModtranShow(char *const *args);
 int RunModtranWrite(char *const *args);
 int RunModtranRun(char *const *args);

@@ -10,18 +10,24 @@ namespace qvtool {
 
 namespace {
 
-char const *OptionsSynopsis(unsigned options) {
-    if ((options & kTakesJson) && (options & kTakesCsv)) return " [--json | --csv]";
-    if (options & kTakesJson) return " [--json]";
-    if (options & kTakesCsv) return " [--csv]";
-    if (options & kTakesTool) return " [--tool PATH]";
-    return "";
+std::string OptionsSynopsis(unsigned options) {
+    std::string synopsis;
+    if ((options & kTakesJson) && (options & kTakesCsv))
+        synopsis = " [--json | --csv]";
+    else if (options & kTakesJson)
+        synopsis = " [--json]";
+    else if (options & kTakesCsv)
+        synopsis = " [--csv]";
+    if (options & kTakesTool) synopsis += " [--tool PATH]";
+    if (options & kTakesSave) synopsis += " [--save PATH]";
+    if (options & kTakesInc) synopsis += " [--inc PATH]";
+    return synopsis;
 }
 
 } // namespace
 
 void PrintSynopsis(Command const &c, std::FILE *out) {
-    std::fprintf(out, "%s%s%s%s", c.words, OptionsSynopsis(c.options), *c.arguments ? " " : "", c.arguments);
+    std::fprintf(out, "%s%s%s%s", c.words, OptionsSynopsis(c.options).c_str(), *c.arguments ? " " : "", c.arguments);
 }
 
 void PrintUsage(std::FILE *out) {

@@ -16,6 +16,25 @@ bool LooksLikeOption(char const *word) {
     return !(std::isdigit(static_cast<unsigned char>(word[1])) || word[1] == '.');
 }
 
+// The options that take a value: the word, its bit and its field.
+struct SValueOption {
+    char const *word;
+    unsigned bit;
+    char const *SOptions::*field;
+};
+
+constexpr SValueOption kValueOptions[] = {
+    {"--tool", kTakesTool, &SOptions::tool},
+    {"--save", kTakesSave, &SOptions::save},
+    {"--inc", kTakesInc, &SOptions::inc},
+};
+
+SValueOption const *FindValueOption(char const *word, unsigned accepted) {
+    for (SValueOption const &option : kValueOptions)
+        if (std::strcmp(word, option.word) == 0 && (accepted & option.bit)) return &option;
+    return nullptr;
+}
+
 } // namespace
 
 bool ParseOptions(int count, char *const *words, unsigned accepted, SOptions &options, std::vector<char *> &operands,
@@ -33,9 +52,9 @@ bool ParseOptions(int count, char *const *words, unsigned accepted, SOptions &op
             options.json = true;
         } else if (std::strcmp(word, "--csv") == 0 && (accepted & kTakesCsv)) {
             options.csv = true;
-        } else if (std::strcmp(word, "--tool") == 0 && (accepted & kTakesTool)) {
-            if (i + 1 == count) return error = "--tool needs a path", false;
-            options.tool = words[++i];
+        } else if (SValueOption const *option = FindValueOption(word, accepted)) {
+            if (i + 1 == count) return error = std::string(word) + " needs a path", false;
+            options.*(option->field) = words[++i];
         } else {
             error = std::string("unknown option '") + word + "' (put -- before an operand that begins with a dash)";
             return false;

@@ -1,7 +1,7 @@
 // The options every sub-command shares: --help (or -h), --json on show
 // commands, --csv on data commands, and "--" to end the options so that an
 // operand may begin with a dash. A few commands take an option with a value
-// (--tool PATH). "-" alone is an operand (standard input),
+// (--tool PATH, --save PATH, --inc PATH). "-" alone is an operand (standard input),
 // and so is a negative number such as -10.5.
 #pragma once
 
@@ -15,6 +15,8 @@ enum : unsigned {
     kTakesJson = 1, // one JSON object on standard output instead of text
     kTakesCsv = 2,  // comma-separated rows on standard output
     kTakesTool = 4, // --tool PATH: the external program to run
+    kTakesSave = 8, // --save PATH: where to save what the command built
+    kTakesInc = 16, // --inc PATH: where to write an include file of it
 };
 
 struct SOptions {
@@ -22,6 +24,8 @@ struct SOptions {
     bool json = false;
     bool csv = false;
     char const *tool = nullptr; // --tool's value
+    char const *save = nullptr; // --save's value
+    char const *inc = nullptr;  // --inc's value
 };
 
 // Splits the words after a command into options and operands. False, with a

@@ -22,7 +22,9 @@ char const kCalDetails[] = "  POINTS      page,temperature,emissivity,counts,ref
                            "  COUNTS      a file of page,counts[,truth] lines, or a list such as 3000,9000\n"
                            "The fit of each page goes to standard error (--csv leaves it out), the\n"
                            "conversions as CSV to standard output: page,counts,radiance,celsius,in_range,\n"
-                           "truth,error. Any one input may be - (standard input).\n";
+                           "truth,error. Any one input may be - (standard input).\n"
+                           "--save FILE.cal keeps the calibration; --inc FILE.inc writes an include\n"
+                           "file and, beside it, the .cal file it names.\n";
 
 char const kBandDetails[] = "FILE is a spectral response (XY lines) or a MODTRAN table (a FREQ heading).\n"
                             "--json prints the summary as one object, --csv the curve as it was read.\n";
@@ -33,8 +35,14 @@ Command const kCommands[] = {
     {"saf set", "FILE NAME VALUE", "change or add a tag in place and tell whether the data moved", RunSafSet},
     {"band", "FILE CELSIUS", "band, points and blackbody in-band radiance of a response or MODTRAN table", RunBand,
      kTakesJson | kTakesCsv, kBandDetails},
+    {"cal show", "FILE", "print a saved calibration (.cal or .inc): revision, curves named, fits, ranges, lookup",
+     RunCalShow, kTakesJson},
+    {"cal convert", "FILE COUNTS", "convert counts to temperatures with a saved calibration (.cal or .inc)",
+     RunCalConvert, kTakesCsv},
+    // After the two above: the first row whose words match runs.
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
-     "fit a calibration to measured points and convert counts to temperatures", RunCal, kTakesCsv, kCalDetails},
+     "fit a calibration to measured points and convert counts to temperatures", RunCal,
+     kTakesCsv | kTakesSave | kTakesInc, kCalDetails},
     {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate, kTakesJson},
     {"modtran show", "TAPE5", "print each run of a MODTRAN deck and its cards, named", RunModtranShow, kTakesJson},
     {"modtran write", "TAPE5 OUT", "read a MODTRAN deck and write it back as qv lays out its cards", RunModtranWrite},

@@ -1,0 +1,72 @@
+// Checked reading and writing of the RCAL types (internal to qv/calibration).
+// Both sides remember the first failure and do nothing after it, so the
+// section code reads as the layout does and asks once at the end.
+//
+// The reader treats the file as untrusted: a short read fails, a count is
+// refused when its items could not fit in the bytes that remain (nothing is
+// allocated for it), and arrays that must be finite are checked.
+#pragma once
+
+#include <cstdint>
+
+#include "qv/core/Array.h"
+#include "qv/core/String.h"
+#include "qv/files/IFile.h"
+
+namespace qv::calibration_detail {
+
+class CRCalReader {
+public:
+    explicit CRCalReader(IFile &file) : file_(file) {}
+
+    bool Ok() const { return ok_; }
+    void Fail() { ok_ = false; }
+    // Whether a later section is present: bytes remain behind this one.
+    bool More();
+
+    uint16_t U16();
+    uint32_t U32();
+    int32_t I32();
+    bool Bool();  // 1 byte
+    bool BOOL();  // 4 bytes, any non-zero value
+    double F64(); // byte-reversed under m_swap like every typed value
+    CString ArchiveString();
+    CString String();
+    // A count whose items take at least bytesEach bytes each.
+    uint32_t Count(uint32_t bytesEach);
+    // n raw doubles in one Read, never byte-reversed; finite: NaN and the
+    // infinities fail the read.
+    void Doubles(TArray<double> &values, uint32_t n, bool finite);
+    // A count, then that many raw doubles.
+    void CountedDoubles(TArray<double> &values, bool finite);
+    void Skip(int64_t bytes);
+
+private:
+    IFile &file_;
+    bool ok_ = true;
+};
+
+class CRCalWriter {
+public:
+    explicit CRCalWriter(IFile &file) : file_(file) {}
+
+    bool Ok() const { return ok_; }
+
+    void Bytes(void const *data, uint32_t n);
+    void U16(uint16_t v);
+    void U32(uint32_t v);
+    void I32(int32_t v);
+    void Bool(bool v);
+    void BOOL(bool v);
+    void F64(double v);
+    void ArchiveString(CString const &text);
+    void String(CString const &text);
+    void Doubles(TArray<double> const &values); // raw, the caller writes the count
+    void CountedDoubles(TArray<double> const &values);
+
+private:
+    IFile &file_;
+    bool ok_ = true;
+};
+
+} // namespace qv::calibration_detail
