@@ -1,11 +1,12 @@
-// The façades through which applications reach a CRCalFile: small values that
-// hold only the file and indices, never data of their own. A façade binds any
-// index; its operations test the index when called, so a façade may outlive
-// the page, point or response it names and then reads defaults.
-//
-// Bad indices: getters give 0 (false, RRT_None, RS_FileNotFound or the empty
-// string as listed), setters do nothing. Where a façade must not be used past
-// its file's lifetime, the caller keeps the file alive. Threads: as the file.
+/// @file
+/// The façades through which applications reach a CRCalFile: small values that
+/// hold only the file and indices, never data of their own. A façade binds any
+/// index; its operations test the index when called, so a façade may outlive
+/// the page, point or response it names and then reads defaults.
+///
+/// Bad indices: getters give 0 (false, RRT_None, RS_FileNotFound or the empty
+/// string as listed), setters do nothing. Where a façade must not be used past
+/// its file's lifetime, the caller keeps the file alive. Threads: as the file.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +20,13 @@ namespace qv {
 
 class CRCalFile;
 
-// Curve numbers: -1 the final response, -2 the final transmission, -3 the
-// final path radiance, -4 - i the final curve of additional response i, p >= 0
-// the lookup of page p (radiance as X, temperature as Y).
+/// Curve numbers: -1 the final response, -2 the final transmission, -3 the
+/// final path radiance, -4 - i the final curve of additional response i, p >= 0
+/// the lookup of page p (radiance as X, temperature as Y).
 class QV_API CAxis {
 public:
     CAxis(CRCalFile &file, int axis, int curve) : file_(&file), axis_(axis), curve_(curve) {}
-    // Value i of the axis (0 is X, 1 is Y); 0 past the end or for a bad curve.
+    /// Value i of the axis (0 is X, 1 is Y); 0 past the end or for a bad curve.
     double operator[](int i) const;
 
 private:
@@ -34,13 +35,14 @@ private:
     int curve_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CCurve {
 public:
     CCurve(CRCalFile &file, int curve) : X(file, 0, curve), Y(file, 1, curve), file_(&file), curve_(curve) {}
     CAxis X;
     CAxis Y;
-    int getCount() const;               // 0 for a bad curve
-    void getX(TArray<double> &x) const; // copies; empty for a bad curve
+    int getCount() const;               ///< 0 for a bad curve
+    void getX(TArray<double> &x) const; ///< copies; empty for a bad curve
     void getY(TArray<double> &y) const;
 
 protected:
@@ -48,9 +50,9 @@ protected:
     int curve_;
 };
 
-// The lookup of one page and the settings it is built from. A setter stores
-// only a value more than 1e-8 away from the old one, and then rebuilds the
-// lookup if the file's LookupUpdates is on.
+/// The lookup of one page and the settings it is built from. A setter stores
+/// only a value more than 1e-8 away from the old one, and then rebuilds the
+/// lookup if the file's LookupUpdates is on.
 class QV_API CLookup : public CCurve {
 public:
     CLookup(CRCalFile &file, int page) : CCurve(file, page), page_(page) {}
@@ -69,14 +71,14 @@ private:
     int page_;
 };
 
-// The fitted coefficients of a page: counts to radiance, or with the
-// temperature flag radiance to temperature.
+/// The fitted coefficients of a page: counts to radiance, or with the
+/// temperature flag radiance to temperature.
 class QV_API CCoefficients {
 public:
     CCoefficients(CRCalFile &file, int page, bool temperature) : file_(&file), page_(page), temperature_(temperature) {}
-    // Fitted coefficient i; 0 unless 0 <= i <= the fit's order.
+    /// Fitted coefficient i; 0 unless 0 <= i <= the fit's order.
     double operator[](int i) const;
-    // The fit quality; -1.0 for a bad page.
+    /// The fit quality; -1.0 for a bad page.
     double getR2() const;
 
 private:
@@ -85,13 +87,14 @@ private:
     bool temperature_;
 };
 
-// The calibrated range of a page. The setters store only while automatic
-// mode is off; they return their argument either way, 0 for a bad page.
+/// The calibrated range of a page. The setters store only while automatic
+/// mode is off; they return their argument either way, 0 for a bad page.
 class QV_API CRange {
 public:
     CRange(CRCalFile &file, int page) : file_(&file), page_(page) {}
-    bool getAuto() const; // true for a bad page
-    // Setting true recomputes the range at once. Returns the argument.
+    bool getAuto() const; ///< true for a bad page
+    /// Setting true recomputes the range at once. Returns the argument.
+    ///@{
     bool setAuto(bool value);
     double getMinCounts() const;
     double getMaxCounts() const;
@@ -105,6 +108,7 @@ public:
     double setMaxRadiance(double value);
     double setMinTemperature(double value);
     double setMaxTemperature(double value);
+    ///@}
 
 private:
     double Get(double calibration_records::CAL_PAGE::*field) const;
@@ -113,8 +117,8 @@ private:
     int page_;
 };
 
-// One measured point of a page. Setters of the temperature re-sort the page,
-// so a point façade keeps naming the index, not the moved point.
+/// One measured point of a page. Setters of the temperature re-sort the page,
+/// so a point façade keeps naming the index, not the moved point.
 class QV_API CCalPoint {
 public:
     CCalPoint(CRCalFile &file, int page, int point) : file_(&file), page_(page), point_(point) {}
@@ -127,48 +131,53 @@ public:
     EReflectedRadianceType getReflectedRadianceType() const;
     bool getEnabled() const;
     double getRadiance() const;
-    // Stores, recomputes the point's radiance, re-sorts the page, refits and
-    // updates the range.
+    /// Stores, recomputes the point's radiance, re-sorts the page, refits and
+    /// updates the range.
     void setTemperature(double value);
-    // These store and recompute the point's radiance, refitting the page.
+    /// These store and recompute the point's radiance, refitting the page.
+    ///@{
     void setEmissivity(double value);
     void setMeasurement(double value);
     void setReflectedRadiance(double value);
     void setReflectedTemperature(double value);
     void setReflectedEmissivity(double value);
     void setReflectedRadianceType(EReflectedRadianceType value);
-    // Stores, refits and updates the range; the radiance stays.
+    ///@}
+    /// Stores, refits and updates the range; the radiance stays.
     void setEnabled(bool value);
 
 private:
     template <class T> T Get(T calibration_records::CAL_POINT::*field) const;
-    // Stores and recomputes the point's radiance, refitting the page.
+    /// Stores and recomputes the point's radiance, refitting the page.
+    ///@{
     template <class T> void SetAndRecompute(T calibration_records::CAL_POINT::*field, T value);
     CRCalFile *file_;
     int page_;
     int point_;
+    ///@}
 };
 
+/// @copydoc CalFacades.h
 class QV_API CCalPoints {
 public:
     CCalPoints(CRCalFile &file, int page) : file_(&file), page_(page) {}
     int getCount() const;
     int getNumEnabled() const;
     CCalPoint operator[](int point) const { return CCalPoint(*file_, page_, point); }
-    // Adds a point and refits; the range and the lookup stay. Returns where
-    // the point ended in temperature order (after any of equal temperature),
-    // -1 for a bad page.
+    /// Adds a point and refits; the range and the lookup stay. Returns where
+    /// the point ended in temperature order (after any of equal temperature),
+    /// -1 for a bad page.
     int Add(double temperature, double emissivity, double measurement, bool enabled);
-    // Adds many points as Add does one, with the work done once: each
-    // point's radiance computed (the Radiance given is ignored), the page
-    // sorted once (PointsReordered fires once if that moved a point) and
-    // refitted once; the range and the lookup stay. Reading a large set of
-    // points stays linear in their number, where point-by-point Add refits
-    // after each. False, adding nothing, for a bad page or when the heap
-    // refuses.
+    /// Adds many points as Add does one, with the work done once: each
+    /// point's radiance computed (the Radiance given is ignored), the page
+    /// sorted once (PointsReordered fires once if that moved a point) and
+    /// refitted once; the range and the lookup stay. Reading a large set of
+    /// points stays linear in their number, where point-by-point Add refits
+    /// after each. False, adding nothing, for a bad page or when the heap
+    /// refuses.
     bool AddAll(TArray<calibration_records::CAL_POINT> const &points);
-    // False for a bad page. An index past the end removes nothing but still
-    // clamps the order and refits (true).
+    /// False for a bad page. An index past the end removes nothing but still
+    /// clamps the order and refits (true).
     bool Remove(int point);
 
 private:
@@ -176,6 +185,7 @@ private:
     int page_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CCalPage {
 public:
     CCalPage(CRCalFile &file, int page)
@@ -188,18 +198,22 @@ public:
     CRange Range;
 
     bool getExists() const;
-    int getPolyOrder() const; // 0 for a bad page
-    // Clamped to count - 1, then to at least 1; refits only on a change.
+    int getPolyOrder() const; ///< 0 for a bad page
+    /// Clamped to count - 1, then to at least 1; refits only on a change.
+    ///@{
     void setPolyOrder(int order);
     int getTempPolyOrder() const;
-    // Clamped to 1..6; refits only on a change.
+    ///@}
+    /// Clamped to 1..6; refits only on a change.
     void setTempPolyOrder(int order);
-    // Point values in point order: all points, or the enabled ones only.
+    /// Point values in point order: all points, or the enabled ones only.
+    ///@{
     void getTemperature(TArray<double> &values, bool all) const;
     void getMeasurement(TArray<double> &values, bool all) const;
     void getRadiance(TArray<double> &values, bool all) const;
-    // Lowest and highest enabled temperature. True only from the second
-    // enabled point on: one enabled point fills both and still gives false.
+    ///@}
+    /// Lowest and highest enabled temperature. True only from the second
+    /// enabled point on: one enabled point fills both and still gives false.
     bool GetTemperatureRange(double &min, double &max) const;
 
 private:
@@ -208,107 +222,127 @@ private:
     int page_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CCalPages {
 public:
     explicit CCalPages(CRCalFile &file) : file_(&file) {}
     int getCount() const;
-    // Binds any index; the page may not exist.
+    /// Binds any index; the page may not exist.
     CCalPage operator[](int page) const { return CCalPage(*file_, page); }
-    // Appends a default page and computes it; -1 when four pages exist.
+    /// Appends a default page and computes it; -1 when four pages exist.
+    ///@{
     int Add();
-    bool Remove(int page); // false if out of range
+    bool Remove(int page); ///< false if out of range
+    ///@}
 
 private:
     CRCalFile *file_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CTophat {
 public:
     explicit CTophat(CRCalFile &file) : file_(&file) {}
     double getStart() const;
     double getEnd() const;
     double getDelta() const;
-    // Store; while the response is a top hat it is generated anew and every
-    // page recomputed.
+    /// Store; while the response is a top hat it is generated anew and every
+    /// page recomputed.
+    ///@{
     void setStart(double value);
     void setEnd(double value);
     void setDelta(double value);
+    ///@}
 
 private:
     CRCalFile *file_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CSpectralResponse {
 public:
     explicit CSpectralResponse(CRCalFile &file) : Tophat(file), Curve(file, -1), file_(&file) {}
     CTophat Tophat;
     CCurve Curve;
-    // SRT_File only while the file is in use and loaded.
+    /// SRT_File only while the file is in use and loaded.
     ESpectralResponseType getType() const;
-    // SRT_File loads the file, falling back to the top hat on failure; any
-    // other value switches to the top hat.
+    /// SRT_File loads the file, falling back to the top hat on failure; any
+    /// other value switches to the top hat.
+    ///@{
     void setType(ESpectralResponseType type);
-    char16_t const *getFile() const; // null when never set
-    // Stores the path and loads it (status RS_NotLoaded first).
+    char16_t const *getFile() const; ///< null when never set
+    ///@}
+    /// Stores the path and loads it (status RS_NotLoaded first).
+    ///@{
     void setFile(char16_t const *path);
     EResponseStatus getStatus() const;
     double getBandpassLow() const;
     double getBandpassHigh() const;
+    ///@}
 
 private:
     CRCalFile *file_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CModtranCurve : public CCurve {
 public:
     CModtranCurve(CRCalFile &file, int curve) : CCurve(file, curve) {}
-    // The curve's flag is set and the table loaded.
+    /// The curve's flag is set and the table loaded.
     bool getEnabled() const;
-    // Stores the flag; loads the table if it is not loaded yet, and
-    // recomputes the pages where the result changes.
+    /// Stores the flag; loads the table if it is not loaded yet, and
+    /// recomputes the pages where the result changes.
     void setEnabled(bool enabled);
 };
 
+/// @copydoc CalFacades.h
 class QV_API CModtran {
 public:
     explicit CModtran(CRCalFile &file) : Transmission(file, -2), PathRadiance(file, -3), file_(&file) {}
     CModtranCurve Transmission;
     CModtranCurve PathRadiance;
-    char16_t const *getFile() const; // null when never set
-    // Stores the path and, with a curve enabled, loads it at once.
+    char16_t const *getFile() const; ///< null when never set
+    /// Stores the path and, with a curve enabled, loads it at once.
+    ///@{
     void setFile(char16_t const *path);
     EResponseStatus getStatus() const;
+    ///@}
 
 private:
     CRCalFile *file_;
 };
 
-// Index tests accept an index equal to the count, which grows the list by a
-// default response (existing callers rely on it).
+/// Index tests accept an index equal to the count, which grows the list by a
+/// default response (existing callers rely on it).
 class QV_API CAdditionalResponse {
 public:
     CAdditionalResponse(CRCalFile &file, int index) : Curve(file, -4 - index), file_(&file), index_(index) {}
     CCurve Curve;
-    bool getEnabled() const; // false for a bad index
-    // Stores and reads the table anew from its file.
+    bool getEnabled() const; ///< false for a bad index
+    /// Stores and reads the table anew from its file.
+    ///@{
     void setEnabled(bool enabled);
-    char16_t const *getFile() const; // the empty string for a bad index
+    char16_t const *getFile() const; ///< the empty string for a bad index
     void setFile(char16_t const *path);
-    EResponseStatus getStatus() const; // RS_FileNotFound for a bad index
+    EResponseStatus getStatus() const; ///< RS_FileNotFound for a bad index
+    ///@}
 
 private:
     CRCalFile *file_;
     int index_;
 };
 
+/// @copydoc CalFacades.h
 class QV_API CAdditionalResponses {
 public:
     explicit CAdditionalResponses(CRCalFile &file) : file_(&file) {}
     int getCount() const;
     CAdditionalResponse operator[](int index) const { return CAdditionalResponse(*file_, index); }
-    // Reads the table; on failure returns the status and adds nothing.
+    /// Reads the table; on failure returns the status and adds nothing.
+    ///@{
     EResponseStatus Add(char16_t const *path, bool enabled);
-    bool Remove(int index); // false for a bad index
+    bool Remove(int index); ///< false for a bad index
+    ///@}
 
 private:
     CRCalFile *file_;

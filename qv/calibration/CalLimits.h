@@ -1,7 +1,8 @@
-// Bounds on the axes a calibration builds from a span and a step (internal to
-// qv/calibration). Spans and steps come from files and callers; an axis of
-// billions of points would exhaust memory (each lookup entry is a whole
-// spectrum integrated, too). An axis beyond its bound is refused: left empty.
+/// @file
+/// Bounds on the axes a calibration builds from a span and a step (internal to
+/// qv/calibration). Spans and steps come from files and callers; an axis of
+/// billions of points would exhaust memory (each lookup entry is a whole
+/// spectrum integrated, too). An axis beyond its bound is refused: left empty.
 #pragma once
 
 #include <cmath>
@@ -9,10 +10,10 @@
 namespace qv::calibration_detail {
 
 constexpr double kMaxLookupEntries = 1 << 20;
-constexpr double kMaxAxisPoints = 1 << 22; // wavelength axes
+constexpr double kMaxAxisPoints = 1 << 22; ///< wavelength axes
 
-// Whether the step form of XAxis would make more than limit points. A step
-// that gives no finite count is not too long: XAxis makes 10 points of it.
+/// Whether the step form of XAxis would make more than limit points. A step
+/// that gives no finite count is not too long: XAxis makes 10 points of it.
 inline bool StepAxisTooLong(double start, double end, double step, double limit) {
     double points = std::ceil(std::fabs(end - start) / step);
     return std::isfinite(points) && points > limit;

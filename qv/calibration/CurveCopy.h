@@ -1,6 +1,7 @@
-// Copying a curve array in one allocation (internal to qv/calibration).
-// TArray::Copy adds item by item, growing five at a time; the spectral
-// curves hold thousands of points and are copied on every radiance.
+/// @file
+/// Copying a curve array in one allocation (internal to qv/calibration).
+/// TArray::Copy adds item by item, growing five at a time; the spectral
+/// curves hold thousands of points and are copied on every radiance.
 #pragma once
 
 #include <cstring>
@@ -9,7 +10,7 @@
 
 namespace qv::calibration_detail {
 
-// dst becomes a copy of src; false (dst empty) if the heap refuses.
+/// dst becomes a copy of src; false (dst empty) if the heap refuses.
 inline bool CopyValues(TArray<double> &dst, TArray<double> const &src) {
     if (&dst == &src) return true;
     dst.Empty();

@@ -1,7 +1,8 @@
-// The sections of an RCAL file (internal to qv/calibration). The format has
-// no size field and no end mark: each section after the base was added by a
-// later revision, and a file ends behind the last section its writer knew.
-// FileRevision records the number of the last section a load found.
+/// @file
+/// The sections of an RCAL file (internal to qv/calibration). The format has
+/// no size field and no end mark: each section after the base was added by a
+/// later revision, and a file ends behind the last section its writer knew.
+/// FileRevision records the number of the last section a load found.
 #pragma once
 
 #include <cstdint>
@@ -10,12 +11,12 @@ namespace qv::calibration_detail {
 
 enum ERCalSection : int {
     kRCalBase = 0,
-    kRCalReflected = 1, // reflected terms of the enabled points
-    kRCalDisabled = 2,  // disabled points
-    kRCalCurves = 3,    // raw curves, point radiances, fitted polynomials
-    kRCalOverrides = 4, // band pass, range, FOV, used polynomials, backgrounds
+    kRCalReflected = 1, ///< reflected terms of the enabled points
+    kRCalDisabled = 2,  ///< disabled points
+    kRCalCurves = 3,    ///< raw curves, point radiances, fitted polynomials
+    kRCalOverrides = 4, ///< band pass, range, FOV, used polynomials, backgrounds
     kRCalTags = 5,
-    kRCalMark = 6, // a u32 7, ignored on reading
+    kRCalMark = 6, ///< a u32 7, ignored on reading
     kRCalRanges = 7,
 };
 
@@ -23,18 +24,22 @@ constexpr int kRCalCurrentRevision = kRCalRanges;
 constexpr char kRCalMagic[9] = "____RCAL";
 constexpr uint32_t kRCalMarkValue = 7;
 
-// The fewest bytes one item of a counted list takes, so that a count can be
-// checked against the bytes left before anything is allocated for it.
-constexpr uint32_t kRCalMinAdditionalResponse = 1 + 4; // empty astr, BOOL
+/// The fewest bytes one item of a counted list takes, so that a count can be
+/// checked against the bytes left before anything is allocated for it.
+///@{
+constexpr uint32_t kRCalMinAdditionalResponse = 1 + 4; ///< empty astr, BOOL
 constexpr uint32_t kRCalMinPage = 1 + 4 + 4 + 4 + 24 + 4 + 16 + 4 + 32 + 16 + 4 + 4;
 constexpr uint32_t kRCalEnabledPoint = 5 * 8 + 1;
 constexpr uint32_t kRCalDisabledPoint = 5 * 8 + 1 + 4 + 3 * 8;
 constexpr uint32_t kRCalMinBackground = 5 * 4;
 constexpr uint32_t kRCalMinTag = 4 + 4;
+///@}
 
-// Fit orders a file may hold: beyond them a refit would build matrices of a
-// size the file chose. The façades allow far less.
+/// Fit orders a file may hold: beyond them a refit would build matrices of a
+/// size the file chose. The façades allow far less.
+///@{
 constexpr int32_t kRCalMinOrder = -2;
 constexpr int32_t kRCalMaxOrder = 64;
+///@}
 
 } // namespace qv::calibration_detail

@@ -1,10 +1,11 @@
-// Checked reading and writing of the RCAL types (internal to qv/calibration).
-// Both sides remember the first failure and do nothing after it, so the
-// section code reads as the layout does and asks once at the end.
-//
-// The reader treats the file as untrusted: a short read fails, a count is
-// refused when its items could not fit in the bytes that remain (nothing is
-// allocated for it), and arrays that must be finite are checked.
+/// @file
+/// Checked reading and writing of the RCAL types (internal to qv/calibration).
+/// Both sides remember the first failure and do nothing after it, so the
+/// section code reads as the layout does and asks once at the end.
+///
+/// The reader treats the file as untrusted: a short read fails, a count is
+/// refused when its items could not fit in the bytes that remain (nothing is
+/// allocated for it), and arrays that must be finite are checked.
 #pragma once
 
 #include <cstdint>
@@ -15,37 +16,41 @@
 
 namespace qv::calibration_detail {
 
+/// @copydoc RCalStream.h
 class CRCalReader {
 public:
     explicit CRCalReader(IFile &file) : file_(file) {}
 
     bool Ok() const { return ok_; }
     void Fail() { ok_ = false; }
-    // Whether a later section is present: bytes remain behind this one.
+    /// Whether a later section is present: bytes remain behind this one.
     bool More();
 
     uint16_t U16();
     uint32_t U32();
     int32_t I32();
-    bool Bool();  // 1 byte
-    bool BOOL();  // 4 bytes, any non-zero value
-    double F64(); // byte-reversed under m_swap like every typed value
+    bool Bool();  ///< 1 byte
+    bool BOOL();  ///< 4 bytes, any non-zero value
+    double F64(); ///< byte-reversed under m_swap like every typed value
     CString ArchiveString();
     CString String();
-    // A count whose items take at least bytesEach bytes each.
+    /// A count whose items take at least bytesEach bytes each.
     uint32_t Count(uint32_t bytesEach);
-    // n raw doubles in one Read, never byte-reversed; finite: NaN and the
-    // infinities fail the read.
+    /// n raw doubles in one Read, never byte-reversed; finite: NaN and the
+    /// infinities fail the read.
     void Doubles(TArray<double> &values, uint32_t n, bool finite);
-    // A count, then that many raw doubles.
+    /// A count, then that many raw doubles.
+    ///@{
     void CountedDoubles(TArray<double> &values, bool finite);
     void Skip(int64_t bytes);
+    ///@}
 
 private:
     IFile &file_;
     bool ok_ = true;
 };
 
+/// @copydoc RCalStream.h
 class CRCalWriter {
 public:
     explicit CRCalWriter(IFile &file) : file_(file) {}
@@ -61,7 +66,7 @@ public:
     void F64(double v);
     void ArchiveString(CString const &text);
     void String(CString const &text);
-    void Doubles(TArray<double> const &values); // raw, the caller writes the count
+    void Doubles(TArray<double> const &values); ///< raw, the caller writes the count
     void CountedDoubles(TArray<double> const &values);
 
 private:

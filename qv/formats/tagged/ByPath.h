@@ -1,5 +1,6 @@
-// Loading a format by (file system, path): open, run the loader on the open
-// file, close and delete the file object. Internal to the library.
+/// @file
+/// Loading a format by (file system, path): open, run the loader on the open
+/// file, close and delete the file object. Internal to the library.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +11,10 @@
 
 namespace qv::tagged {
 
-// Open flags of a load: must exist, read, share read.
+/// Open flags of a load: must exist, read, share read.
 constexpr uint32_t kOpenForLoad = 0x212;
 
-// fs null: the disk. False if the file does not open or load gives false.
+/// fs null: the disk. False if the file does not open or load gives false.
 template <class Load> bool LoadByPath(IFileSystem *fs, char16_t const *path, Load &&load) {
     IFileSystem *system = fs ? fs : static_cast<IFileSystem *>(FileSystem);
     IFile *f = path ? system->CreateFileW(path, kOpenForLoad) : nullptr;

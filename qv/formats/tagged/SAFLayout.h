@@ -1,6 +1,7 @@
-// What the SAF reader and writer share: the line limits, the words the reader
-// treats specially, the padding rule and the checks on tag text. Internal to
-// the library (not exported).
+/// @file
+/// What the SAF reader and writer share: the line limits, the words the reader
+/// treats specially, the padding rule and the checks on tag text. Internal to
+/// the library (not exported).
 #pragma once
 
 #include <cstdint>
@@ -8,11 +9,13 @@
 
 namespace qv::saf {
 
-// The reader takes a line with one 512-byte read, so a line's text (name,
-// blank, value) may have 510 bytes before its CR LF.
+/// The reader takes a line with one 512-byte read, so a line's text (name,
+/// blank, value) may have 510 bytes before its CR LF.
+///@{
 constexpr int kLineBuffer = 512;
 constexpr uint32_t kMaxLineText = kLineBuffer - 2;
-// A header of more lines is taken to end there: no real header comes near.
+///@}
+/// A header of more lines is taken to end there: no real header comes near.
 constexpr uint32_t kMaxHeaderLines = 65536;
 
 inline constexpr char16_t kHdSize[] = u"HdSize";
@@ -21,19 +24,23 @@ inline constexpr char16_t kPadding[] = u"saf_padding";
 inline constexpr char kDataLine[] = "DATA\r\n";
 constexpr uint32_t kDataLineSize = sizeof(kDataLine) - 1;
 
-// Slack rules of a rewrite: a padding line needs 14 bytes around its text, so
-// 16 is the smallest usable slack; beyond 4096 the header is shrunk back.
+/// Slack rules of a rewrite: a padding line needs 14 bytes around its text, so
+/// 16 is the smallest usable slack; beyond 4096 the header is shrunk back.
+///@{
 constexpr uint32_t kMinSlack = 16;
 constexpr uint32_t kMaxSlack = 4096;
 constexpr uint32_t kFreshPadding = 2048;
+///@}
 
-// Appends exactly `bytes` bytes of padding lines (bytes is 0 or at least 16).
+/// Appends exactly `bytes` bytes of padding lines (bytes is 0 or at least 16).
 void AppendPadding(std::string &out, uint32_t bytes);
 
-// Whether a tag line built from this text reads back as the same tag.
+/// Whether a tag line built from this text reads back as the same tag.
+///@{
 bool IsWritableName(char16_t const *name);
 bool IsWritableValue(char16_t const *name, char16_t const *value);
-// Names the reader treats specially and that no added tag may carry.
+///@}
+/// Names the reader treats specially and that no added tag may carry.
 bool IsReservedName(char16_t const *name);
 
 } // namespace qv::saf

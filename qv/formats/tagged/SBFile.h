@@ -1,43 +1,44 @@
-// CSBFile: the structured binary file, a tree of named elements, each with
-// typed attributes, one typed datum and children, saved with a shared table
-// of names. The tag dictionary's SBF form is its main user.
-//
-// File form (little-endian): "SBF", a zero byte, the 4-byte application
-// identifier, major and minor version bytes; the string count and strings;
-// the count of top-level elements and the elements. A string is a 32-bit
-// length L and L bytes: the UTF-8 text with its terminating zero, every byte
-// complemented (so the terminator shows as 0xFF). An element, depth first:
-// name index, child count, the children in full, attribute count, each
-// attribute as name index and VARIANT, then the datum as a VARIANT: an
-// element's attributes and datum come after its children. A VARIANT is a
-// type byte (0 none .. 13 binary, see EType) and its value; a string value
-// is stored like a table string (length 0: a null string), a binary value as
-// a 32-bit size and raw bytes.
-//
-// Loading. The caller sets the expected identifier with SetAppInfo first:
-// a file of another identifier is refused. The version bytes are stored,
-// never judged. A name index past the table gives the empty name.
-//
-// Hostile input. The rest of the file is read into one buffer of its own
-// size; every count and length is checked against the bytes that remain, so
-// a count far above the file's size fails at once and nothing is allocated
-// from a length field beyond the file. The tree is built and saved with
-// explicit stacks (a file nested 100,000 deep loads). Unlike the bare
-// format walk, a short read fails the load: a truncated file is refused
-// rather than filled with zeros.
-//
-// Saving by path writes a temporary file beside the target and renames it
-// over the target (qv/filesystems/AtomicSave.h); a file system that cannot
-// rename is written directly. Save(IFile*) builds the whole file in memory
-// and writes it at once; a short write is false.
-//
-// Failures: Load and Save give false. A failed Load keeps the tree read so
-// far until the next Destroy. No message is produced.
-//
-// Ownership: the file owns its elements (made with CElement::New or new);
-// Remove deletes one with its subtree. GetAttribute's fallbacks, the empty
-// element of Curr and the VARIANT text forms are shared scratch: a result is
-// good until the next such call, and a CSBFile belongs to one thread.
+/// @file
+/// CSBFile: the structured binary file, a tree of named elements, each with
+/// typed attributes, one typed datum and children, saved with a shared table
+/// of names. The tag dictionary's SBF form is its main user.
+///
+/// File form (little-endian): "SBF", a zero byte, the 4-byte application
+/// identifier, major and minor version bytes; the string count and strings;
+/// the count of top-level elements and the elements. A string is a 32-bit
+/// length L and L bytes: the UTF-8 text with its terminating zero, every byte
+/// complemented (so the terminator shows as 0xFF). An element, depth first:
+/// name index, child count, the children in full, attribute count, each
+/// attribute as name index and VARIANT, then the datum as a VARIANT: an
+/// element's attributes and datum come after its children. A VARIANT is a
+/// type byte (0 none .. 13 binary, see EType) and its value; a string value
+/// is stored like a table string (length 0: a null string), a binary value as
+/// a 32-bit size and raw bytes.
+///
+/// Loading. The caller sets the expected identifier with SetAppInfo first:
+/// a file of another identifier is refused. The version bytes are stored,
+/// never judged. A name index past the table gives the empty name.
+///
+/// Hostile input. The rest of the file is read into one buffer of its own
+/// size; every count and length is checked against the bytes that remain, so
+/// a count far above the file's size fails at once and nothing is allocated
+/// from a length field beyond the file. The tree is built and saved with
+/// explicit stacks (a file nested 100,000 deep loads). Unlike the bare
+/// format walk, a short read fails the load: a truncated file is refused
+/// rather than filled with zeros.
+///
+/// Saving by path writes a temporary file beside the target and renames it
+/// over the target (qv/filesystems/AtomicSave.h); a file system that cannot
+/// rename is written directly. Save(IFile*) builds the whole file in memory
+/// and writes it at once; a short write is false.
+///
+/// Failures: Load and Save give false. A failed Load keeps the tree read so
+/// far until the next Destroy. No message is produced.
+///
+/// Ownership: the file owns its elements (made with CElement::New or new);
+/// Remove deletes one with its subtree. GetAttribute's fallbacks, the empty
+/// element of Curr and the VARIANT text forms are shared scratch: a result is
+/// good until the next such call, and a CSBFile belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -52,6 +53,7 @@ namespace qv {
 class IFile;
 class IFileSystem;
 
+/// @copydoc SBFile.h
 class QV_API CSBFile {
 public:
     class QV_API VARIANT {
@@ -85,25 +87,30 @@ public:
         VARIANT(uint64_t v);
         VARIANT(float v);
         VARIANT(double v);
-        VARIANT(char16_t const *v); // null: the null string
+        VARIANT(char16_t const *v); ///< null: the null string
         VARIANT(CString const &v);
         VARIANT(void const *p, uint32_t size);
-        // Copies own their string or bytes.
+        /// Copies own their string or bytes.
+        ///@{
         VARIANT(VARIANT const &other) = default;
         VARIANT &operator=(VARIANT const &other) = default;
+        ///@}
 
         EType GetType() const { return type; }
-        void Destroy(); // frees the value, type none
-        // False on a type byte outside 0..13 or a short write/read. Load
-        // never takes more bytes for a value than the file still has.
+        void Destroy(); ///< frees the value, type none
+        /// False on a type byte outside 0..13 or a short write/read. Load
+        /// never takes more bytes for a value than the file still has.
+        ///@{
         bool Save(IFile *f) const;
         bool Load(IFile *f);
+        ///@}
 
-        // Numbers convert (floating point to integers as the library's
-        // float-to-int rule); bool is 0 or 1; a string goes through _wtol
-        // (_wtof for float and double); other types give 0. To bool: numbers
-        // are true when not zero, a string when it is "true" or "yes" in any
-        // case, other types false.
+        /// Numbers convert (floating point to integers as the library's
+        /// float-to-int rule); bool is 0 or 1; a string goes through _wtol
+        /// (_wtof for float and double); other types give 0. To bool: numbers
+        /// are true when not zero, a string when it is "true" or "yes" in any
+        /// case, other types false.
+        ///@{
         operator bool() const;
         operator char() const;
         operator unsigned char() const;
@@ -113,14 +120,17 @@ public:
         operator uint32_t() const;
         operator float() const;
         operator double() const;
-        // "true"/"false", "%d" (char..long), "%u", "%I64d", "%I64u", "%e"
-        // (float, double), the string itself, or "" (none, binary, null).
-        // Good until the next conversion of this VARIANT.
+        ///@}
+        /// "true"/"false", "%d" (char..long), "%u", "%I64d", "%I64u", "%e"
+        /// (float, double), the string itself, or "" (none, binary, null).
+        /// Good until the next conversion of this VARIANT.
         operator char16_t const *() const;
 
-        // The binary value (type 13) and its size; null and 0 otherwise.
+        /// The binary value (type 13) and its size; null and 0 otherwise.
+        ///@{
         uint8_t const *GetBinary() const;
         uint32_t GetBinarySize() const;
+        ///@}
 
     private:
         template <class T> T Number() const;
@@ -139,9 +149,9 @@ public:
             float f;
             double d;
         } value{};
-        CString text;                 // type 12; a null CString is the null string
-        TSimpleArray<uint8_t> binary; // type 13
-        mutable CString scratch;      // the last text form
+        CString text;                 ///< type 12; a null CString is the null string
+        TSimpleArray<uint8_t> binary; ///< type 13
+        mutable CString scratch;      ///< the last text form
     };
 
     class CElement;
@@ -154,7 +164,7 @@ public:
 
     class QV_API CElement {
     public:
-        CSBFile *source = nullptr; // the owning file; not owned
+        CSBFile *source = nullptr; ///< the owning file; not owned
         CElement *next = nullptr;
         CElement *prev = nullptr;
         CElement *firstChild = nullptr;
@@ -166,7 +176,7 @@ public:
         VARIANT data;
 
         CElement() = default;
-        ~CElement(); // deletes everything below, not the siblings
+        ~CElement(); ///< deletes everything below, not the siblings
         CElement(CElement const &) = delete;
         CElement &operator=(CElement const &) = delete;
 
@@ -181,12 +191,15 @@ public:
         uint32_t NumChildren() const;
         void SetSource(CSBFile *file) { source = file; }
 
-        // By name without case: replaced, or appended.
+        /// By name without case: replaced, or appended.
+        ///@{
         template <class T> void SetAttribute(char16_t const *n, T const &v) { PutAttribute(n, VARIANT(v)); }
         void SetAttribute(char16_t const *n, char16_t const *v) { PutAttribute(n, VARIANT(v)); }
-        // The attribute's VARIANT, or a shared static of type none.
+        ///@}
+        /// The attribute's VARIANT, or a shared static of type none.
         VARIANT &GetAttribute(char16_t const *n);
-        // The attribute's VARIANT, or a shared static set to the fallback.
+        /// The attribute's VARIANT, or a shared static set to the fallback.
+        ///@{
         template <class T> VARIANT &GetAttribute(char16_t const *n, T const &fallback) {
             static VARIANT shared;
             ATTRIB *a = FindAttribute(n);
@@ -199,8 +212,9 @@ public:
         }
         bool RemoveAttribute(char16_t const *n);
         bool AttributeExists(char16_t const *n);
-        void Destroy();      // deletes the subtree below
-        void SelfDestruct(); // deletes this unlinked element and its subtree
+        void Destroy();      ///< deletes the subtree below
+        void SelfDestruct(); ///< deletes this unlinked element and its subtree
+        ///@}
 
     private:
         ATTRIB *FindAttribute(char16_t const *n);
@@ -213,18 +227,19 @@ public:
     CSBFile &operator=(CSBFile const &) = delete;
 
     bool Load(IFile *f);
-    bool Load(IFileSystem *fs, char16_t const *path); // must exist, read, share read
-    bool Load(char16_t const *path);                  // on the disk
+    bool Load(IFileSystem *fs, char16_t const *path); ///< must exist, read, share read
+    bool Load(char16_t const *path);                  ///< on the disk
     bool Save(IFile *f);
-    bool Save(IFileSystem *fs, char16_t const *path); // temporary file and rename
+    bool Save(IFileSystem *fs, char16_t const *path); ///< temporary file and rename
     bool Save(char16_t const *path);
 
-    // A null id leaves the identifier; otherwise up to 4 bytes, to a NUL.
+    /// A null id leaves the identifier; otherwise up to 4 bytes, to a NUL.
     void SetAppInfo(char const *id, uint8_t major, uint8_t minor);
-    // id (if not null) gets the 4 bytes and a NUL: give it 5 bytes.
+    /// id (if not null) gets the 4 bytes and a NUL: give it 5 bytes.
     void GetAppInfo(char *id, uint8_t &major, uint8_t &minor) const;
 
-    // Cursor moves; see qv/formats/tagged/TreeCursor.h.
+    /// Cursor moves; see qv/formats/tagged/TreeCursor.h.
+    ///@{
     bool Root();
     bool Parent();
     bool Child(bool allowEmpty);
@@ -242,16 +257,19 @@ public:
     bool FindFirstChild(char16_t const *name);
     CElement *GetCurr();
     void SetCurr(CElement *element);
-    CElement &Curr(); // a static empty element when there is none
+    CElement &Curr(); ///< a static empty element when there is none
     bool IsValid();
+    ///@}
 
-    // The index of a name (without case), added if new.
+    /// The index of a name (without case), added if new.
     uint32_t GetString(char16_t const *name);
-    // The name at an index; the empty text past the end.
+    /// The name at an index; the empty text past the end.
+    ///@{
     char16_t const *GetString(uint32_t index) const;
     uint32_t nStrings() const { return strings.nItems(); }
+    ///@}
 
-    void Destroy(); // the whole tree and the table
+    void Destroy(); ///< the whole tree and the table
     void DestroyStringTable();
 
 private:

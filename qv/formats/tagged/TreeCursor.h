@@ -1,17 +1,18 @@
-// TTreeCursor<Node>: the linked tree and its cursor that CXMLFile and CSBFile
-// share. Node has the public links next, prev, firstChild, lastChild and
-// parent, and GetName(). Every walk here is a loop: no tree, however deep,
-// recurses on the call stack.
-//
-// The cursor is the current node; the empty-position flag says it stands at
-// the empty child list of the current node instead (Child(true) on a leaf),
-// so that the next Insert makes a first child.
-//
-// Ownership: the tree owns its nodes (allocated with new). Remove deletes a
-// node with its subtree; Detatch hands it to the caller. Unlinking always
-// keeps the parent's first and last child right.
-//
-// Threads: none; a tree belongs to one thread at a time.
+/// @file
+/// TTreeCursor<Node>: the linked tree and its cursor that CXMLFile and CSBFile
+/// share. Node has the public links next, prev, firstChild, lastChild and
+/// parent, and GetName(). Every walk here is a loop: no tree, however deep,
+/// recurses on the call stack.
+///
+/// The cursor is the current node; the empty-position flag says it stands at
+/// the empty child list of the current node instead (Child(true) on a leaf),
+/// so that the next Insert makes a first child.
+///
+/// Ownership: the tree owns its nodes (allocated with new). Remove deletes a
+/// node with its subtree; Detatch hands it to the caller. Unlinking always
+/// keeps the parent's first and last child right.
+///
+/// Threads: none; a tree belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,7 @@
 
 namespace qv {
 
-// The links of a tree, as free functions over any node type with them.
+/// The links of a tree, as free functions over any node type with them.
 namespace tree {
 
 template <class Node> Node *HeadOf(Node *n) {
@@ -35,7 +36,7 @@ template <class Node> Node *TailOf(Node *n) {
     return n;
 }
 
-// Length of the sibling list that holds n, counted from its head.
+/// Length of the sibling list that holds n, counted from its head.
 template <class Node> uint32_t CountPeers(Node *n) {
     uint32_t count = 0;
     for (n = HeadOf(n); n; n = n->next) ++count;
@@ -80,8 +81,8 @@ template <class Node> void Unlink(Node *n) {
     n->next = n->prev = n->parent = nullptr;
 }
 
-// Deletes everything below n, without recursion: each node's children are
-// spliced in behind it before it goes, so one list carries the whole walk.
+/// Deletes everything below n, without recursion: each node's children are
+/// spliced in behind it before it goes, so one list carries the whole walk.
 template <class Node> void DeleteDescendants(Node *n) {
     Node *list = n->firstChild;
     n->firstChild = n->lastChild = nullptr;
@@ -98,9 +99,9 @@ template <class Node> void DeleteDescendants(Node *n) {
     }
 }
 
-// Depth-first over top and everything below it: enter(node, depth) before a
-// node's children, leave(node, depth) after them. A false from either stops
-// the walk with false.
+/// Depth-first over top and everything below it: enter(node, depth) before a
+/// node's children, leave(node, depth) after them. A false from either stops
+/// the walk with false.
 template <class Node, class Enter, class Leave> bool Walk(Node *top, Enter &&enter, Leave &&leave) {
     Node *n = top;
     uint32_t depth = 0;
@@ -124,8 +125,8 @@ template <class Node, class Enter, class Leave> bool Walk(Node *top, Enter &&ent
     }
 }
 
-// A deep copy of n and all below it, unlinked; clone(node) copies one node
-// without its links.
+/// A deep copy of n and all below it, unlinked; clone(node) copies one node
+/// without its links.
 template <class Node, class Clone> Node *Duplicate(Node *top, Clone &&clone) {
     Node *copy = nullptr, *at = nullptr;
     Walk(
@@ -146,6 +147,7 @@ template <class Node, class Clone> Node *Duplicate(Node *top, Clone &&clone) {
 
 } // namespace tree
 
+/// @copydoc TreeCursor.h
 template <class Node> class TTreeCursor {
 public:
     Node *root = nullptr;
@@ -157,7 +159,7 @@ public:
     TTreeCursor &operator=(TTreeCursor const &) = delete;
     ~TTreeCursor() { Destroy(); }
 
-    // Deletes every top-level node with its subtree.
+    /// Deletes every top-level node with its subtree.
     void Destroy() {
         Node *n = tree::HeadOf(root);
         while (n) {
@@ -247,8 +249,9 @@ public:
         return true;
     }
 
-    // Unlinks the current node; the cursor goes to the next sibling, else
-    // the previous, else the parent with the empty-position flag up.
+    /// Unlinks the current node; the cursor goes to the next sibling, else
+    /// the previous, else the parent with the empty-position flag up.
+    ///@{
     Node *Detatch() {
         if (emptyPosition || !current) return nullptr;
         Node *n = current;
@@ -267,6 +270,7 @@ public:
         delete n;
         return n != nullptr;
     }
+    ///@}
 
     bool FindFirst(char16_t const *name) {
         emptyPosition = false;

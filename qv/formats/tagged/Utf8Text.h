@@ -1,5 +1,6 @@
-// Text from a run of UTF-8 bytes that need not be terminated, as the tree
-// formats cut it out of their buffers. Internal to the library.
+/// @file
+/// Text from a run of UTF-8 bytes that need not be terminated, as the tree
+/// formats cut it out of their buffers. Internal to the library.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 
 namespace qv::tagged {
 
-// Bad bytes become U+FFFD; a NUL among the bytes ends the text.
+/// Bad bytes become U+FFFD; a NUL among the bytes ends the text.
 inline CString TextFromUtf8(char const *bytes, uint32_t n) {
     CString text;
     if (n == 0) return text;

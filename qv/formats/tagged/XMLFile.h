@@ -1,61 +1,62 @@
-// CXMLFile: the library's own small XML reader and writer, for its settings
-// and dictionary files. It reads bytes straight into a tree of CNode (no
-// namespaces, DTDs or CDATA) and writes the tree back with tab indentation
-// and CR LF line ends. Like CSBFile it has a cursor, the current node.
-//
-// Reading (Load). A UTF-8 byte-order mark is skipped. A file holds one or
-// more top-level nodes (elements, processing instructions such as the
-// declaration, comments); all become top-level nodes in order. Element and
-// attribute names and values are UTF-8 (bad bytes become U+FFFD). Only seven
-// entities are decoded, without regard to case: &quot; &apos; &lt; &gt;
-// &amp; &#13; &#10;. Any other "&..." run (up to its ';' or 15 bytes) stays as
-// written, numeric references included. Attribute values may be double or
-// single quoted, or bare (<a b=c>); duplicates are kept. Closing names compare
-// without regard to case. An element's text goes to its value with leading
-// white space dropped and trailing white space kept; text on both sides of
-// a child is joined. A bare '>' in text, a CDATA section, a DOCTYPE, a
-// mismatched or missing end tag all make the load fail. Files written
-// against this reader depend on these rules.
-//
-// One departure from the bare byte walk: white space at the very end of the
-// file is accepted, so that a file ending in an empty element or a comment
-// and a line end (as this writer leaves it) reads back.
-//
-// Hostile input. The whole remaining file is read into one buffer of its own
-// size (no allocation from any length field), the parser walks it with an
-// explicit stack (a file nested 100,000 deep loads, nothing recurses), and
-// every run stops at the end of the buffer. After a load the file stands at
-// its end.
-//
-// Writing (Save). Each top-level node and all below it, at depth 0: depth
-// tabs, "<name" ("<?name" for a processing instruction), attributes as
-// ' name="value"', then " />\r\n" (" ?>\r\n") for a node without children
-// and value; otherwise ">", the value (on a line of its own, indented, when
-// there are children), children one level deeper, "</name>\r\n". & < > " '
-// are written as entities everywhere, CR and LF as &#13; &#10; in attribute
-// values only. No byte-order mark and no declaration of its own: a
-// declaration is written only if the tree holds it as a node. Comments and
-// text nodes are written as elements with an empty name (applications do not
-// save trees that hold them; existing files show this form). The text is
-// well-formed XML for trees of elements and processing instructions with
-// XML names and without control characters other than tab, CR and LF.
-//
-// Round trips. A tree whose elements have either children or a value (not
-// both), with values that do not start with white space, reads back as the
-// same tree. A value beside children gains the line end and indentation
-// that follow it.
-//
-// Saving by path writes a temporary file beside the target and renames it
-// over the target (qv/filesystems/AtomicSave.h); on a file system that cannot
-// rename the target is written directly.
-//
-// Failures: Load and Save give false; a failed Load leaves an empty tree.
-// Save fails on a short write. No message is produced.
-//
-// Ownership: the object owns its nodes; Insert and InsertChild take a node
-// made with new, Detatch hands one back to the caller, who deletes it.
-//
-// Threads: no locks; one object belongs to one thread at a time.
+/// @file
+/// CXMLFile: the library's own small XML reader and writer, for its settings
+/// and dictionary files. It reads bytes straight into a tree of CNode (no
+/// namespaces, DTDs or CDATA) and writes the tree back with tab indentation
+/// and CR LF line ends. Like CSBFile it has a cursor, the current node.
+///
+/// Reading (Load). A UTF-8 byte-order mark is skipped. A file holds one or
+/// more top-level nodes (elements, processing instructions such as the
+/// declaration, comments); all become top-level nodes in order. Element and
+/// attribute names and values are UTF-8 (bad bytes become U+FFFD). Only seven
+/// entities are decoded, without regard to case: &quot; &apos; &lt; &gt;
+/// &amp; &#13; &#10;. Any other "&..." run (up to its ';' or 15 bytes) stays as
+/// written, numeric references included. Attribute values may be double or
+/// single quoted, or bare (<a b=c>); duplicates are kept. Closing names compare
+/// without regard to case. An element's text goes to its value with leading
+/// white space dropped and trailing white space kept; text on both sides of
+/// a child is joined. A bare '>' in text, a CDATA section, a DOCTYPE, a
+/// mismatched or missing end tag all make the load fail. Files written
+/// against this reader depend on these rules.
+///
+/// One departure from the bare byte walk: white space at the very end of the
+/// file is accepted, so that a file ending in an empty element or a comment
+/// and a line end (as this writer leaves it) reads back.
+///
+/// Hostile input. The whole remaining file is read into one buffer of its own
+/// size (no allocation from any length field), the parser walks it with an
+/// explicit stack (a file nested 100,000 deep loads, nothing recurses), and
+/// every run stops at the end of the buffer. After a load the file stands at
+/// its end.
+///
+/// Writing (Save). Each top-level node and all below it, at depth 0: depth
+/// tabs, "<name" ("<?name" for a processing instruction), attributes as
+/// ' name="value"', then " />\r\n" (" ?>\r\n") for a node without children
+/// and value; otherwise ">", the value (on a line of its own, indented, when
+/// there are children), children one level deeper, "</name>\r\n". & < > " '
+/// are written as entities everywhere, CR and LF as &#13; &#10; in attribute
+/// values only. No byte-order mark and no declaration of its own: a
+/// declaration is written only if the tree holds it as a node. Comments and
+/// text nodes are written as elements with an empty name (applications do not
+/// save trees that hold them; existing files show this form). The text is
+/// well-formed XML for trees of elements and processing instructions with
+/// XML names and without control characters other than tab, CR and LF.
+///
+/// Round trips. A tree whose elements have either children or a value (not
+/// both), with values that do not start with white space, reads back as the
+/// same tree. A value beside children gains the line end and indentation
+/// that follow it.
+///
+/// Saving by path writes a temporary file beside the target and renames it
+/// over the target (qv/filesystems/AtomicSave.h); on a file system that cannot
+/// rename the target is written directly.
+///
+/// Failures: Load and Save give false; a failed Load leaves an empty tree.
+/// Save fails on a short write. No message is produced.
+///
+/// Ownership: the object owns its nodes; Insert and InsertChild take a node
+/// made with new, Detatch hands one back to the caller, who deletes it.
+///
+/// Threads: no locks; one object belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -71,6 +72,7 @@ namespace qv {
 class IFile;
 class IFileSystem;
 
+/// @copydoc XMLFile.h
 class QV_API CXMLFile {
 public:
     struct ATTRIB {
@@ -78,30 +80,32 @@ public:
         CString value;
     };
 
-    // The attributes of a node, in file order; names compare without case.
+    /// The attributes of a node, in file order; names compare without case.
     class QV_API CAttribArray : public TArray<ATTRIB> {
     public:
         using TArray<ATTRIB>::operator[];
         using TArray<ATTRIB>::Remove;
-        // The value of the first attribute of that name; one with an empty
-        // value is appended if there is none.
+        /// The value of the first attribute of that name; one with an empty
+        /// value is appended if there is none.
+        ///@{
         CString &operator[](char16_t const *name);
         bool Exists(char16_t const *name) const;
-        bool Remove(char16_t const *name); // false if absent
-        // The index of the first of that name, or UINT32_MAX.
+        bool Remove(char16_t const *name); ///< false if absent
+        ///@}
+        /// The index of the first of that name, or UINT32_MAX.
         uint32_t Find(char16_t const *name) const;
     };
 
-    // The parser's working state, shared by a whole load: the file's bytes,
-    // where the walk stands, and the line it is on (kept, not reported).
+    /// The parser's working state, shared by a whole load: the file's bytes,
+    /// where the walk stands, and the line it is on (kept, not reported).
     struct QV_API SImportant {
         TSimpleArray<char> bytes;
-        int64_t origin = 0;    // the file position of bytes[0]
-        uint32_t position = 0; // the next byte to read
+        int64_t origin = 0;    ///< the file position of bytes[0]
+        uint32_t position = 0; ///< the next byte to read
         bool keepText = false;
         int32_t line = 1;
         int32_t column = 1;
-        bool loaded = false; // bytes hold the rest of the file
+        bool loaded = false; ///< bytes hold the rest of the file
     };
 
     class QV_API CNode {
@@ -125,39 +129,48 @@ public:
         CNode(char16_t const *name, TArray<SNameValuePair> const &attributes, char16_t const *value);
         CNode(NODETYPE type, char16_t const *name);
         CNode(NODETYPE type, char16_t const *name, TArray<SNameValuePair> const &attributes);
-        // Deletes everything below (not the siblings); unlink it first if it
-        // is in a tree.
+        /// Deletes everything below (not the siblings); unlink it first if it
+        /// is in a tree.
+        ///@{
         ~CNode();
         CNode(CNode const &) = delete;
         CNode &operator=(CNode const &) = delete;
+        ///@}
 
-        // The linked nodes. C++ gives a call through a null pointer no
-        // meaning, so the null-safe chains are the static forms below.
-        CNode *Root(); // the head of the top-level list above this
+        /// The linked nodes. C++ gives a call through a null pointer no
+        /// meaning, so the null-safe chains are the static forms below.
+        ///@{
+        CNode *Root(); ///< the head of the top-level list above this
         CNode *Parent() { return parent; }
-        CNode *First(); // head of this node's sibling list
+        CNode *First(); ///< head of this node's sibling list
         CNode *Last();
         CNode *Next() { return next; }
         CNode *Prev() { return prev; }
         CNode *Child() { return firstChild; }
         CNode *FirstChild() { return firstChild; }
         CNode *LastChild() { return lastChild; }
+        ///@}
 
-        // By name without case: from this node along next links; from the
-        // head of its list; from the next node; from the first child.
+        /// By name without case: from this node along next links; from the
+        /// head of its list; from the next node; from the first child.
+        ///@{
         CNode *Find(char16_t const *name);
         CNode *FindFirst(char16_t const *name);
         CNode *FindNext(char16_t const *name);
         CNode *FindChild(char16_t const *name);
+        ///@}
 
         char16_t const *GetName() { return name.GetUTF16(); }
         char16_t const *GetValue() { return value.GetUTF16(); }
-        // The attribute's value, or the empty text or the fallback.
+        /// The attribute's value, or the empty text or the fallback.
+        ///@{
         char16_t const *GetAttribute(char16_t const *name);
         char16_t const *GetAttribute(char16_t const *name, char16_t const *fallback);
+        ///@}
 
-        // Null-safe forms for chains (CNode::Child(CNode::Find(n, u"a"))):
-        // a null node gives null, the empty text or the fallback.
+        /// Null-safe forms for chains (CNode::Child(CNode::Find(n, u"a"))):
+        /// a null node gives null, the empty text or the fallback.
+        ///@{
         static CNode *Parent(CNode *n) { return n ? n->parent : nullptr; }
         static CNode *Next(CNode *n) { return n ? n->next : nullptr; }
         static CNode *Prev(CNode *n) { return n ? n->prev : nullptr; }
@@ -169,18 +182,19 @@ public:
         static char16_t const *GetAttribute(CNode *n, char16_t const *name, char16_t const *fallback = u"") {
             return n ? n->GetAttribute(name, fallback) : fallback;
         }
+        ///@}
 
         bool HasChildren();
         uint32_t NumChildren();
         uint32_t NumChildren(char16_t const *name);
         bool InsertChild(CNode *node, bool first);
-        // A deep copy of this node and all below, unlinked.
+        /// A deep copy of this node and all below, unlinked.
         CNode *Duplicate();
 
-        // Reads this node (and all below) from the state's bytes, which are
-        // taken from f's position on first use; f is left behind what was read.
+        /// Reads this node (and all below) from the state's bytes, which are
+        /// taken from f's position on first use; f is left behind what was read.
         bool Load(IFile *f, SImportant &state);
-        // Writes this node and all below at the given indentation.
+        /// Writes this node and all below at the given indentation.
         bool Save(IFile *f, int depth);
     };
 
@@ -190,14 +204,15 @@ public:
     CXMLFile &operator=(CXMLFile const &) = delete;
 
     bool Load(IFile *f);
-    bool Load(IFileSystem *fs, char16_t const *path); // opened must-exist, read, share read
-    bool Load(char16_t const *path);                  // on FileSystem, the disk
+    bool Load(IFileSystem *fs, char16_t const *path); ///< opened must-exist, read, share read
+    bool Load(char16_t const *path);                  ///< on FileSystem, the disk
     bool Save(IFile *f);
-    bool Save(IFileSystem *fs, char16_t const *path); // temporary file and rename
+    bool Save(IFileSystem *fs, char16_t const *path); ///< temporary file and rename
     bool Save(char16_t const *path);
     void Destroy();
 
-    // Cursor moves; see qv/formats/tagged/TreeCursor.h.
+    /// Cursor moves; see qv/formats/tagged/TreeCursor.h.
+    ///@{
     bool Root();
     bool Parent();
     bool Child(bool allowEmpty);
@@ -208,24 +223,27 @@ public:
     uint32_t NumPeers();
     static uint32_t NumPeers(CNode *node);
     bool HasChildren();
-    bool IsValid(); // there is a current node
+    bool IsValid(); ///< there is a current node
     bool Insert(CNode *node, bool before);
     bool InsertChild(CNode *node, bool first);
     bool Remove();
-    CNode *Detatch(); // the name is spelled so; null at the empty position
+    CNode *Detatch(); ///< the name is spelled so; null at the empty position
     bool FindFirst(char16_t const *name);
     bool FindNext(char16_t const *name);
     bool FindFirstChild(char16_t const *name);
     CNode *GetCurr();
     void SetCurr(CNode *node);
-    // The current node, or a static empty node when there is none.
+    ///@}
+    /// The current node, or a static empty node when there is none.
+    ///@{
     CNode &Curr();
     char16_t const *GetValue();
     char16_t const *GetAttribute(char16_t const *name);
     char16_t const *GetAttribute(char16_t const *name, char16_t const *fallback);
+    ///@}
 
-    // Off after construction: with it on, text also goes into child nodes
-    // of type TEXT. There is no setter; subclasses turn it on.
+    /// Off after construction: with it on, text also goes into child nodes
+    /// of type TEXT. There is no setter; subclasses turn it on.
     bool keepText = false;
 
 private:
