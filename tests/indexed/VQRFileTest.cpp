@@ -246,3 +246,32 @@ TEST(VQRFile, ContainerInsideACDFS) {
 
 } // namespace
 } // namespace qv::test
+
+namespace qv::test {
+namespace {
+
+TEST(VQRFile, AFirstOpenOfAPathReadsEvenForAWriter) {
+    ScratchDir dir;
+    std::u16string path = Wide(dir.Path("w.vqr"));
+    {
+        CVQRFile vqr;
+        ASSERT_TRUE(vqr.Create(path.c_str()));
+        vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF);
+        ASSERT_TRUE(SetBlock(vqr.GetIndexAt(0), Pattern(10, 1)));
+    }
+    CVQRFile vqr;
+    ASSERT_TRUE(vqr.Open(path.c_str(), false)); // existing writers rely on this host being read-only
+    EXPECT_FALSE(vqr.IsReadOnly());
+    EXPECT_FALSE(vqr.GetIndexAt(0)->m_file.SetSize(20));
+    EXPECT_EQ(BlockBytes(vqr.GetIndexAt(0)), Pattern(10, 1));
+    vqr.Close();
+    ASSERT_TRUE(vqr.Open(path.c_str(), true));
+    ASSERT_TRUE(vqr.ReOpenForWrite());
+    ASSERT_TRUE(SetBlock(vqr.GetIndexAt(0), Pattern(30, 2)));
+    ASSERT_TRUE(vqr.ReOpenForRead());
+    EXPECT_TRUE(vqr.IsReadOnly());
+    EXPECT_EQ(BlockBytes(vqr.GetIndexAt(0)), Pattern(30, 2));
+}
+
+} // namespace
+} // namespace qv::test

@@ -373,13 +373,22 @@ void CVQRFile::MoveBlocksBehind(CIndex *changed, int64_t delta) {
     m_endOfData += delta;
 }
 
+// Opens delta bytes at pos. Insert changes nothing at the end of the file,
+// so a block there is given its bytes by lengthening the host: a table must
+// never name bytes the file lacks.
+bool CVQRFile::GrowHost(int64_t pos, int64_t delta) {
+    int64_t size = m_host->GetSize();
+    if (pos < size) return m_host->Insert(pos, uint32_t(delta));
+    return m_host->SetSize(pos + delta) && m_host->GetSize() == pos + delta;
+}
+
 int64_t CVQRFile::SetIndexSize(CIndex *index, int64_t size) {
     int64_t old = index->m_size;
     if (!m_open || m_readOnly || size < 0 || size == old) return old;
     int64_t delta = size - old;
     if (delta > 0xFFFFFFFF) return old;
     if (delta > 0 && m_host->GetSize() + delta > 0xFFFFFFFF) return old; // offsets are 32-bit
-    bool done = delta > 0 ? m_host->Insert(index->m_offset + old, uint32_t(delta))
+    bool done = delta > 0 ? GrowHost(index->m_offset + old, delta)
                           : m_host->Remove(index->m_offset + size, uint32_t(-delta));
     if (!done) return old;
     MoveBlocksBehind(index, delta);

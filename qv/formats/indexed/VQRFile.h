@@ -139,6 +139,7 @@ private:
     uint32_t ReadIndex(CIndex *index, int64_t position, void *buffer, uint32_t n);
     uint32_t WriteIndex(CIndex *index, int64_t position, void const *buffer, uint32_t n);
     int64_t SetIndexSize(CIndex *index, int64_t size);
+    bool GrowHost(int64_t pos, int64_t delta);
     void MoveBlocksBehind(CIndex *changed, int64_t delta);
     void MoveBlocksFrom(int64_t from, int64_t delta);
     bool ReadHeader();
