@@ -93,6 +93,7 @@
 #include "qv/formats/tagged/SBFile.h"
 #include "qv/formats/tagged/TagFile.h"
 #include "qv/formats/tagged/XMLFile.h"
+#include "qv/formats/indexed/VQRFile.h"
 
 // Numerics.
 #include "qv/numerics/TypedData.h"

@@ -1,0 +1,39 @@
+// qv vqr extract FILE TYPE SUBTYPE ID OUT: the block's bytes into the disk
+// file OUT ("-": standard output).
+#include <cstdio>
+#include <cstring>
+
+#include "Commands.h"
+#include "VqrFiles.h"
+
+namespace qvtool {
+
+int RunVqrExtract(char *const *args) {
+    SBlockAddress address;
+    if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
+    qv::CVQRFile vqr;
+    if (!OpenVqr(args[0], false, vqr)) return kExitFailed;
+    uint32_t place = FindVqrBlock(vqr, address);
+    if (place == qv::CVQRFile::kNoIndex)
+        return Fail("%s holds no block %s %s %s", args[0], args[1], args[2], args[3]);
+    qv::IFile &block = vqr.GetIndexAt(place)->m_file;
+    bool toStdout = std::strcmp(args[4], "-") == 0;
+    std::FILE *out = toStdout ? stdout : std::fopen(args[4], "wb");
+    if (!out) return Fail("cannot write %s", args[4]);
+    static char buffer[1 << 16];
+    block.Seek(0, 1);
+    bool ok = true;
+    for (int64_t left = block.GetSize(); ok && left > 0;) {
+        uint32_t n = block.Read(buffer, uint32_t(left < int64_t(sizeof buffer) ? left : int64_t(sizeof buffer)));
+        ok = n > 0 && std::fwrite(buffer, 1, n, out) == n;
+        left -= n;
+    }
+    ok = (toStdout ? std::fflush(out) : std::fclose(out)) == 0 && ok;
+    if (!ok) {
+        if (!toStdout) std::remove(args[4]);
+        return Fail("cannot extract the block %s %s %s from %s", args[1], args[2], args[3], args[0]);
+    }
+    return 0;
+}
+
+} // namespace qvtool
