@@ -1,34 +1,35 @@
-// CVQRFile: the indexed camera container. A 64-byte header, a table of
-// 32-byte index records (type, subtype, version, id, offset, size, two spare
-// values), and packed data blocks, each read and written as a file of its
-// own through its index's IFile (CIndexDataFile).
-//
-// Byte order. The word at offset 36 read little-endian: 1 means the header
-// and the table are little-endian, anything else big-endian. Save always
-// writes big-endian with that word 0. Block bytes are never swapped.
-//
-// Packing. A block that grows moves every later block up, one that shrinks
-// moves them down (IFile::Insert / Remove on the host, which reserve room
-// first and roll back on failure). Which blocks count as "later" is decided
-// by position, not by the literal offset comparison older writers used, so
-// that empty neighbours and a table that lies behind the data never end up
-// under another block's bytes.
-//
-// Untrusted files. Open refuses (false, object closed) a bad magic, more than
-// 100 slots, a table that starts inside the header or runs past the end of
-// the file, a block that lies in the header or the table, runs past the end,
-// or overlaps another block. A growth that would push data beyond 32-bit
-// offsets is refused (the size stays).
-//
-// Failures: no messages; false, 0, 0xFFFFFFFF or null. A failed growth or
-// shrink leaves the block at its old size and every other block in place.
-//
-// Ownership. Indices and their IFile objects belong to the container and
-// live until Close; a host given to Open(IFile *) / Create(IFile *) stays the
-// caller's, one opened from a path is the container's.
-//
-// Threads: no lock. A container and its blocks belong to one thread at a
-// time; all blocks share the host's position.
+/// @file
+/// CVQRFile: the indexed camera container. A 64-byte header, a table of
+/// 32-byte index records (type, subtype, version, id, offset, size, two spare
+/// values), and packed data blocks, each read and written as a file of its
+/// own through its index's IFile (CIndexDataFile).
+///
+/// Byte order. The word at offset 36 read little-endian: 1 means the header
+/// and the table are little-endian, anything else big-endian. Save always
+/// writes big-endian with that word 0. Block bytes are never swapped.
+///
+/// Packing. A block that grows moves every later block up, one that shrinks
+/// moves them down (IFile::Insert / Remove on the host, which reserve room
+/// first and roll back on failure). Which blocks count as "later" is decided
+/// by position, not by the literal offset comparison older writers used, so
+/// that empty neighbours and a table that lies behind the data never end up
+/// under another block's bytes.
+///
+/// Untrusted files. Open refuses (false, object closed) a bad magic, more than
+/// 100 slots, a table that starts inside the header or runs past the end of
+/// the file, a block that lies in the header or the table, runs past the end,
+/// or overlaps another block. A growth that would push data beyond 32-bit
+/// offsets is refused (the size stays).
+///
+/// Failures: no messages; false, 0, 0xFFFFFFFF or null. A failed growth or
+/// shrink leaves the block at its old size and every other block in place.
+///
+/// Ownership. Indices and their IFile objects belong to the container and
+/// live until Close; a host given to Open(IFile *) / Create(IFile *) stays the
+/// caller's, one opened from a path is the container's.
+///
+/// Threads: no lock. A container and its blocks belong to one thread at a
+/// time; all blocks share the host's position.
 #pragma once
 
 #include <cstdint>
@@ -42,16 +43,17 @@ namespace qv {
 
 class IFileSystem;
 
+/// @copydoc VQRFile.h
 class QV_API CVQRFile {
 public:
-    static constexpr uint32_t kMagic = 0x00525156; // "VQR\0"
+    static constexpr uint32_t kMagic = 0x00525156; ///< "VQR\0"
     static constexpr uint32_t kNoIndex = 0xFFFFFFFF;
     static constexpr uint32_t kMaxSlots = 100;
 
     class CIndex;
 
-    // One block as a file: positions relative to the block start. Flush and
-    // Close do nothing; GetType gives 0xFFFFFFFF.
+    /// One block as a file: positions relative to the block start. Flush and
+    /// Close do nothing; GetType gives 0xFFFFFFFF.
     class QV_API CIndexDataFile : public IFile {
     public:
         explicit CIndexDataFile(CIndex *index) : m_index(index) {}
@@ -61,7 +63,7 @@ public:
         uint32_t Read(void *p, uint32_t n) override;
         int64_t GetSize() override;
         int64_t GetPosition() override;
-        int64_t Seek(int64_t offset, uint32_t origin) override; // negative results give 0
+        int64_t Seek(int64_t offset, uint32_t origin) override; ///< negative results give 0
         bool SetSize(int64_t size) override;
         void Flush() override {}
         void Close() override {}
@@ -84,10 +86,10 @@ public:
         uint32_t m_id = 0;
         uint32_t m_spare1 = 0;
         uint32_t m_spare2 = 0;
-        uint32_t m_storedSize = 0; // refreshed at Save
-        CIndexDataFile m_file;     // this block as an IFile
-        int64_t m_offset = 0;      // block start in the host
-        int64_t m_size = 0;        // live size
+        uint32_t m_storedSize = 0; ///< refreshed at Save
+        CIndexDataFile m_file;     ///< this block as an IFile
+        int64_t m_offset = 0;      ///< block start in the host
+        int64_t m_size = 0;        ///< live size
         CVQRFile *m_owner;
     };
 
@@ -96,35 +98,41 @@ public:
     CVQRFile(CVQRFile const &) = delete;
     CVQRFile &operator=(CVQRFile const &) = delete;
 
-    // The host stays the caller's and must outlive the container.
+    /// The host stays the caller's and must outlive the container.
     bool Open(IFile *file, bool readOnly);
-    // The container owns the host. The host opens for writing only if the
-    // object was already writable (a new object is read-only): writers open
-    // read-only and call ReOpenForWrite, as existing callers do.
+    /// The container owns the host. The host opens for writing only if the
+    /// object was already writable (a new object is read-only): writers open
+    /// read-only and call ReOpenForWrite, as existing callers do.
+    ///@{
     bool Open(IFileSystem *fs, char16_t const *path, bool readOnly);
-    bool Open(char16_t const *path, bool readOnly); // on the disk
+    bool Open(char16_t const *path, bool readOnly); ///< on the disk
     bool Create(IFile *file);
     bool Create(IFileSystem *fs, char16_t const *path);
     bool Create(char16_t const *path);
-    // Save (if writable and the table changed since the last Save), then drop
-    // the indices and close an owned host.
+    ///@}
+    /// Save (if writable and the table changed since the last Save), then drop
+    /// the indices and close an owned host.
     void Close();
-    // Writes header and table (not the blocks); false if not open, read-only,
-    // or a write failed.
+    /// Writes header and table (not the blocks); false if not open, read-only,
+    /// or a write failed.
+    ///@{
     bool Save();
     bool ReOpenForRead();
     bool ReOpenForWrite();
     bool IsReadOnly() const { return m_readOnly; }
     bool IsOpen() const { return m_open; }
+    ///@}
 
-    // A new empty block at the end of the data; its place in the array, or
-    // kNoIndex on failure. id 0xFFFFFFFF takes the next free id.
+    /// A new empty block at the end of the data; its place in the array, or
+    /// kNoIndex on failure. id 0xFFFFFFFF takes the next free id.
     uint32_t CreateIndex(uint16_t type, uint16_t subtype, uint32_t version, uint32_t id);
-    // Place of the first index at or after start with this type, subtype
-    // (0xFFFF: any) and a version in [minVersion, maxVersion]; kNoIndex if none.
+    /// Place of the first index at or after start with this type, subtype
+    /// (0xFFFF: any) and a version in [minVersion, maxVersion]; kNoIndex if none.
+    ///@{
     uint32_t FindIndex(uint16_t type, uint16_t subtype, uint32_t minVersion, uint32_t maxVersion,
                        uint32_t start) const;
     CIndex *GetIndex(uint16_t type, uint16_t subtype, uint32_t minVersion, uint32_t maxVersion, uint32_t start) const;
+    ///@}
 
     uint32_t GetIndexCount() const { return m_indices.GetSize(); }
     CIndex *GetIndexAt(uint32_t i) const { return i < m_indices.GetSize() ? m_indices.GetAt(i) : nullptr; }
@@ -162,7 +170,7 @@ private:
     bool m_owned = false;
     bool m_open = false;
     bool m_readOnly = true;
-    bool m_dirty = false; // the table changed since it was last written
+    bool m_dirty = false; ///< the table changed since it was last written
     IFileSystem *m_fileSystem = nullptr;
 };
 
