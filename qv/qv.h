@@ -33,6 +33,7 @@
 #include "qv/core/CmdLine.h"
 #include "qv/core/PersistedArray.h"
 #include "qv/tables/PODFields.h"
+#include "qv/tables/PODLineIndex.h"
 #include "qv/tables/PODUnits.h"
 #include "qv/tables/PODValueFormat.h"
 #include "qv/core/VersionInfo.h"
