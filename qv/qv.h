@@ -31,6 +31,11 @@
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
 #include "qv/core/CmdLine.h"
+#include "qv/core/PersistedArray.h"
+#include "qv/tables/PODFields.h"
+#include "qv/tables/PODLineIndex.h"
+#include "qv/tables/PODUnits.h"
+#include "qv/tables/PODValueFormat.h"
 #include "qv/core/VersionInfo.h"
 #include "qv/core/Version.h"
 

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "qv/core/PersistedArray.h"
+#include "qv/files/MemFile.h"
+
+namespace {
+
+using qv::CPersistedArray;
+
+struct SItem {
+    uint32_t value;
+    uint32_t check;
+};
+
+SItem Make(uint32_t v) { return SItem{v, v ^ 0xA5A5A5A5u}; }
+
+uint32_t ValueAt(qv::TPersistedArray<SItem> &a, uint32_t i) {
+    SItem item{};
+    EXPECT_TRUE(a.Get(i, item)) << i;
+    EXPECT_EQ(item.check, item.value ^ 0xA5A5A5A5u) << i;
+    return item.value;
+}
+
+TEST(PersistedArray, StartsEmptyWithTheWindowOfTheBudget) {
+    qv::TPersistedArray<SItem> a;
+    ASSERT_TRUE(a.IsReady());
+    EXPECT_EQ(a.GetCount(), 0u);
+    EXPECT_EQ(a.GetCapacity(), CPersistedArray::kWindowBudget / sizeof(SItem));
+}
+
+TEST(PersistedArray, ReachingPastTheEndCreatesZeroItems) {
+    qv::TPersistedArray<SItem> a;
+    SItem item{1, 1};
+    ASSERT_TRUE(a.Get(9, item));
+    EXPECT_EQ(a.GetCount(), 10u);
+    EXPECT_EQ(item.value, 0u);
+    EXPECT_EQ(item.check, 0u);
+}
+
+TEST(PersistedArray, ItemsSurviveWindowMovesBothWays) {
+    qv::TPersistedArray<SItem> a;
+    uint32_t const n = a.GetCapacity() * 3 + 17;
+    for (uint32_t i = 0; i < n; ++i) ASSERT_TRUE(a.Set(i, Make(i)));
+    for (uint32_t i = n; i-- > 0;) ASSERT_EQ(ValueAt(a, i), i);
+    for (uint32_t i = 0; i < n; i += 4099) ASSERT_EQ(ValueAt(a, i), i);
+    EXPECT_EQ(a.GetCount(), n);
+}
+
+TEST(PersistedArray, FarReachThenRemoveShiftsTheRightItems) {
+    qv::TPersistedArray<SItem> a;
+    uint32_t const far = a.GetCapacity() * 2;
+    ASSERT_TRUE(a.Set(far, Make(far)));
+    ASSERT_TRUE(a.Set(0, Make(0)));
+    ASSERT_TRUE(a.Remove(1));
+    EXPECT_EQ(a.GetCount(), far);
+    EXPECT_EQ(ValueAt(a, far - 1), far);
+    EXPECT_EQ(ValueAt(a, 0), 0u);
+}
+
+// Removing an item before the window moves every item in the window down one
+// place; the window must show the moved items, not the old ones.
+TEST(PersistedArray, RemoveBeforeTheWindowLeavesNoStaleWindow) {
+    qv::TPersistedArray<SItem> a;
+    uint32_t const n = a.GetCapacity() * 3;
+    for (uint32_t i = 0; i < n; ++i) ASSERT_TRUE(a.Set(i, Make(i)));
+    uint32_t const late = n - 10;
+    ASSERT_EQ(ValueAt(a, late), late); // the window now stands at the end
+    ASSERT_TRUE(a.Remove(5));           // far before the window
+    EXPECT_EQ(a.GetCount(), n - 1);
+    EXPECT_EQ(ValueAt(a, late), late + 1);
+    EXPECT_EQ(ValueAt(a, n - 2), n - 1);
+    EXPECT_EQ(ValueAt(a, 4), 4u);
+    EXPECT_EQ(ValueAt(a, 5), 6u);
+}
+
+TEST(PersistedArray, RemoveInsideAndAfterTheWindow) {
+    qv::TPersistedArray<SItem> a;
+    uint32_t const n = a.GetCapacity() * 2;
+    for (uint32_t i = 0; i < n; ++i) ASSERT_TRUE(a.Set(i, Make(i)));
+    ASSERT_EQ(ValueAt(a, 3), 3u);
+    ASSERT_TRUE(a.Remove(3));           // inside the window, edited and unsaved before
+    ASSERT_TRUE(a.Remove(n - 2));       // after the window
+    EXPECT_EQ(ValueAt(a, 3), 4u);
+    EXPECT_EQ(ValueAt(a, n - 3), n - 2);
+    EXPECT_EQ(a.GetCount(), n - 2);
+    EXPECT_TRUE(a.Remove(n)); // past the end: nothing
+    EXPECT_EQ(a.GetCount(), n - 2);
+}
+
+TEST(PersistedArray, ItemSizeChangeKeepsItemsAndZeroesTheNewTail) {
+    CPersistedArray a(4);
+    uint32_t const n = a.GetCapacity() + 1000;
+    for (uint32_t i = 0; i < n; ++i) {
+        uint8_t *p = a.GetItem(i);
+        ASSERT_NE(p, nullptr);
+        std::memcpy(p, &i, 4);
+    }
+    ASSERT_TRUE(a.SetItemSize(10));
+    EXPECT_EQ(a.GetCapacity(), CPersistedArray::kWindowBudget / 10);
+    for (uint32_t i = 0; i < n; i += 7) {
+        uint8_t const *p = a.ReadItem(i);
+        ASSERT_NE(p, nullptr);
+        uint32_t v;
+        std::memcpy(&v, p, 4);
+        ASSERT_EQ(v, i);
+        for (int k = 4; k < 10; ++k) ASSERT_EQ(p[k], 0) << i;
+    }
+    ASSERT_TRUE(a.SetItemSize(2));
+    for (uint32_t i = 0; i < n; i += 13) {
+        uint8_t const *p = a.ReadItem(i);
+        ASSERT_NE(p, nullptr);
+        uint16_t v;
+        std::memcpy(&v, p, 2);
+        ASSERT_EQ(v, uint16_t(i));
+    }
+    EXPECT_EQ(a.GetCount(), n);
+}
+
+TEST(PersistedArray, OverACallersFileTheBytesAreTheItems) {
+    qv::CMemFile file;
+    uint32_t raw[5] = {10, 11, 12, 13, 14};
+    ASSERT_EQ(file.Write(raw, sizeof raw), sizeof raw);
+    ASSERT_EQ(file.Write("xy", 2), 2u); // a partial item is not an item
+    {
+        CPersistedArray a(file, 4);
+        EXPECT_EQ(a.GetCount(), 5u);
+        uint32_t v;
+        std::memcpy(&v, a.ReadItem(2), 4);
+        EXPECT_EQ(v, 12u);
+        std::memcpy(a.GetItem(4), &raw[0], 4);
+        ASSERT_TRUE(a.Remove(0));
+    }
+    // Written back on destruction.
+    ASSERT_EQ(file.Seek(0, 1), 0);
+    uint32_t back[4];
+    ASSERT_EQ(file.Read(back, sizeof back), sizeof back);
+    EXPECT_EQ(back[0], 11u);
+    EXPECT_EQ(back[3], 10u);
+}
+
+TEST(PersistedArray, EmptyForgetsEverything) {
+    qv::TPersistedArray<SItem> a;
+    ASSERT_TRUE(a.Set(100, Make(100)));
+    ASSERT_TRUE(a.Empty());
+    EXPECT_EQ(a.GetCount(), 0u);
+    SItem item{7, 7};
+    ASSERT_TRUE(a.Get(100, item));
+    EXPECT_EQ(item.value, 0u);
+}
+
+} // namespace
