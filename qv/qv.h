@@ -97,3 +97,14 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+
+// Settings stores.
+#include "qv/core/GdiTypes.h"
+#include "qv/config/IConfigStore.h"
+#include "qv/config/MemStore.h"
+#include "qv/config/FileStore.h"
+#include "qv/config/INIStore.h"
+#include "qv/config/XMLStore.h"
+#include "qv/config/Registry.h"
+#include "qv/config/RegStore.h"
+#include "qv/config/SqliteStore.h"
