@@ -92,8 +92,8 @@ void RunRawStatements(std::string const &file) {
 
 void BM_SqliteStoreAgainstRawStatements(benchmark::State &state) {
     std::string qvFile = ScratchName("qv.db"), rawFile = ScratchName("raw.db");
-    bench::RunPaired(state, "qv_time_over_raw", 2 * kKeys, [&] { RunQvStore(qvFile); },
-                     [&] { RunRawStatements(rawFile); });
+    bench::RunPaired(
+        state, "qv_time_over_raw", 2 * kKeys, [&] { RunQvStore(qvFile); }, [&] { RunRawStatements(rawFile); });
     std::remove(qvFile.c_str());
     std::remove(rawFile.c_str());
 }
@@ -120,7 +120,9 @@ double ConfigparserSeconds(std::string const &file) {
                          "t = time.perf_counter()\n"
                          "for _ in range(5):\n"
                          "    c = configparser.ConfigParser(interpolation=None)\n"
-                         "    c.read(\"" + file + "\")\n"
+                         "    c.read(\"" +
+                         file +
+                         "\")\n"
                          "print((time.perf_counter() - t) / 5)\n";
     std::string command = "/usr/bin/python3 -c '" + script + "' 2>/dev/null";
     double seconds = 0;

@@ -70,19 +70,31 @@ struct CsqliteStore::SValue {
 
     void Bind(sqlite3_stmt *statement, int index) const {
         switch (type) {
-        case Double: sqlite3_bind_double(statement, index, number); break;
+        case Double:
+            sqlite3_bind_double(statement, index, number);
+            break;
         case DWord:
-        case Long: sqlite3_bind_int64(statement, index, integer); break;
-        case String: BindText(statement, index, text); break;
-        default: sqlite3_bind_null(statement, index); break;
+        case Long:
+            sqlite3_bind_int64(statement, index, integer);
+            break;
+        case String:
+            BindText(statement, index, text);
+            break;
+        default:
+            sqlite3_bind_null(statement, index);
+            break;
         }
     }
 
     void Take(sqlite3_stmt *statement, int column) {
         switch (type) {
-        case Double: number = sqlite3_column_double(statement, column); break;
+        case Double:
+            number = sqlite3_column_double(statement, column);
+            break;
         case DWord:
-        case Long: integer = sqlite3_column_int(statement, column); break;
+        case Long:
+            integer = sqlite3_column_int(statement, column);
+            break;
         default: {
             auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(statement, column));
             text = bytes ? std::string(bytes, size_t(sqlite3_column_bytes(statement, column))) : std::string();
@@ -99,7 +111,8 @@ CsqliteStore::~CsqliteStore() {
 
 void CsqliteStore::SetBusyLimit(uint32_t milliseconds) {
     busyLimit = milliseconds;
-    if (db) sqlite3_busy_timeout(db, busyLimit == kInfinite ? INT32_MAX : int(std::min<uint32_t>(busyLimit, INT32_MAX)));
+    if (db)
+        sqlite3_busy_timeout(db, busyLimit == kInfinite ? INT32_MAX : int(std::min<uint32_t>(busyLimit, INT32_MAX)));
 }
 
 bool CsqliteStore::Open(char16_t const *path) {
@@ -114,12 +127,15 @@ bool CsqliteStore::Open(char16_t const *path) {
     if (ready) {
         sqlite3_stmt *select = Statement(SelectId);
         CStatementUse use(select);
-        if (!select) ready = false;
+        if (!select)
+            ready = false;
         else {
             sqlite3_bind_text(select, 1, "/", 1, SQLITE_STATIC);
             int step = sqlite3_step(select);
-            if (step == SQLITE_DONE) ready = Execute(kInsertRoot);
-            else ready = step == SQLITE_ROW;
+            if (step == SQLITE_DONE)
+                ready = Execute(kInsertRoot);
+            else
+                ready = step == SQLITE_ROW;
         }
     }
     if (!ready) Close();
@@ -141,7 +157,8 @@ void CsqliteStore::Close() {
 
 sqlite3_stmt *CsqliteStore::Statement(EStatement which) {
     if (!db) return nullptr;
-    if (!statements[which] && sqlite3_prepare_v2(db, kStatementTexts[which], -1, &statements[which], nullptr) != SQLITE_OK) {
+    if (!statements[which] &&
+        sqlite3_prepare_v2(db, kStatementTexts[which], -1, &statements[which], nullptr) != SQLITE_OK) {
         sqlite3_finalize(statements[which]);
         statements[which] = nullptr;
     }
@@ -358,20 +375,33 @@ bool CsqliteStore::list(TArray<CString> &names, char16_t const *path) {
 
 bool CsqliteStore::copyValue(IConfigStore &target, char16_t const *targetPath, char16_t const *sourcePath) {
     switch (GetType(sourcePath)) {
-    case Double: return target.SetDouble(targetPath, GetDouble(sourcePath, 0));
-    case Float: return target.SetFloat(targetPath, GetFloat(sourcePath, 0));
-    case DWord: return target.SetDWORD(targetPath, GetDWORD(sourcePath, 0));
-    case Long: return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Double:
+        return target.SetDouble(targetPath, GetDouble(sourcePath, 0));
+    case Float:
+        return target.SetFloat(targetPath, GetFloat(sourcePath, 0));
+    case DWord:
+        return target.SetDWORD(targetPath, GetDWORD(sourcePath, 0));
+    case Long:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
     case Word:
-    case Byte: return target.SetWORD(targetPath, GetWORD(sourcePath, 0));
-    case Short: return target.SetLong(targetPath, GetLong(sourcePath, 0));
-    case Char: return target.SetLong(targetPath, GetLong(sourcePath, 0));
-    case Bool: return target.SetBool(targetPath, GetBool(sourcePath, false));
-    case String: return target.SetString(targetPath, GetString(sourcePath, u""));
-    case Font: return target.SetFont(targetPath, GetFont(sourcePath, DefaultFont));
-    case Colour: return target.SetClr(targetPath, GetClr(sourcePath, 0));
-    case Rect: return target.SetRect(targetPath, GetRect(sourcePath, DefaultRect));
-    default: return false;
+    case Byte:
+        return target.SetWORD(targetPath, GetWORD(sourcePath, 0));
+    case Short:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Char:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Bool:
+        return target.SetBool(targetPath, GetBool(sourcePath, false));
+    case String:
+        return target.SetString(targetPath, GetString(sourcePath, u""));
+    case Font:
+        return target.SetFont(targetPath, GetFont(sourcePath, DefaultFont));
+    case Colour:
+        return target.SetClr(targetPath, GetClr(sourcePath, 0));
+    case Rect:
+        return target.SetRect(targetPath, GetRect(sourcePath, DefaultRect));
+    default:
+        return false;
     }
 }
 

@@ -51,11 +51,11 @@ public:
 // One kind of store and the ways it differs from CMemStore by design.
 struct StoreKind {
     std::string name;
-    bool storesDefaults = true;   // a Get of a missing key stores the default
-    bool missingIsLeaf = true;    // isLeaf of a missing path is true (and makes it)
-    bool caseBlindNames = true;   // names differing in case are one key
+    bool storesDefaults = true; // a Get of a missing key stores the default
+    bool missingIsLeaf = true;  // isLeaf of a missing path is true (and makes it)
+    bool caseBlindNames = true; // names differing in case are one key
     bool listEmptiesFirst = false;
-    bool keepsTypes = false;      // a value keeps the type it was first written with
+    bool keepsTypes = false;          // a value keeps the type it was first written with
     bool valuesHoldDelimiters = true; // a value may hold '=', tab (INI may not)
     bool persists = true;
     bool emptyValuesVanish = false; // a key holding "" is gone after a reload

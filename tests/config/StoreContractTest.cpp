@@ -144,7 +144,8 @@ TEST_P(StoreContract, HostilePathsAreHandled) {
     for (int i = 0; i < 1000; ++i)
         deep += u"/x";
     EXPECT_EQ(Utf8(store.GetString(deep.c_str(), u"d")), "d");
-    EXPECT_EQ(Utf8(store.GetString(u"/../../..", u"up")), kind.name == "registry" ? "up" : Utf8(store.GetString(u"/", u"up")));
+    EXPECT_EQ(Utf8(store.GetString(u"/../../..", u"up")),
+              kind.name == "registry" ? "up" : Utf8(store.GetString(u"/", u"up")));
     store.SetString(u"/bad\xDC80utf16", u"lone surrogate");
     EXPECT_TRUE(store.cd(u""));
 }
