@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <functional>
 #include <memory>
 #include <set>
@@ -28,6 +29,17 @@ inline std::set<std::string> NameSet(TArray<CString> const &names) {
         set.insert(Utf8(names.GetAt(i)));
     return set;
 }
+
+// Switches the process to a locale with a decimal comma for one scope.
+class GermanLocale {
+public:
+    GermanLocale() : active(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr) {}
+    ~GermanLocale() { std::setlocale(LC_ALL, "C"); }
+    bool Active() const { return active; }
+
+private:
+    bool active;
+};
 
 // A scratch directory in memory (/dev/shm) where there is one, for the
 // tests whose many synced saves would otherwise wait on a disk.

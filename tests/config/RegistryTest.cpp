@@ -286,6 +286,7 @@ TEST_F(Registry, ASaveThatFailsHalfWayLeavesThePreviousFile) {
 
 TEST(RegistryRoots, LiveInTheUserConfigDirectoryAndAConfigurableOne) {
     char16_t file[512];
+    RegSetRootDirectory(HKEY_CURRENT_USER, nullptr); // whatever an earlier case set
     setenv("XDG_CONFIG_HOME", "/tmp/qv-xdg-test", 1);
     ASSERT_TRUE(RegGetRootFile(HKEY_CURRENT_USER, file, 512));
     EXPECT_EQ(std::u16string(file), u"/tmp/qv-xdg-test/qv/registry/user.reg");

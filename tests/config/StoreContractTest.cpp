@@ -150,6 +150,15 @@ TEST_P(StoreContract, HostilePathsAreHandled) {
     EXPECT_TRUE(store.cd(u""));
 }
 
+TEST_P(StoreContract, NumbersIgnoreTheProcessLocale) {
+    GermanLocale german;
+    if (!german.Active()) GTEST_SKIP() << "de_DE.UTF-8 is not installed";
+    EXPECT_TRUE(store.SetDouble(u"/locale/half", 1.5));
+    std::unique_ptr<IConfigStore> again = subject.Reopen();
+    EXPECT_EQ(again->GetDouble(u"/locale/half", 0), 1.5);
+    EXPECT_EQ(Utf8(again->GetString(u"/locale/half", u"")), kind.name == "sqlite" ? "1.5" : "1.50000000000000e+000");
+}
+
 INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::ValuesIn(AllStoreKinds()),
                          [](testing::TestParamInfo<StoreKind> const &info) { return info.param.name; });
 
