@@ -1,12 +1,15 @@
-// The calibration's two costs, each against a reference measured in the same
-// run:
+// The calibration's two costs, each paired with a reference in the same
+// benchmark:
 //  - recomputing four pages of ten points with a 100-entry lookup on a
 //    2000-point axis (3 to 5 microns by 0.001) with the atmosphere on, as a
 //    change of a curve does (UpdateCalPage on every page), against the same
 //    work written straightforwardly with std::vector;
-//  - a whole 640 x 512 frame of counts turned into temperatures through the
-//    two polynomials (the caller's per-pixel loop), against memcpy of the
-//    frame.
+//  - a whole 640 x 512 frame of counts turned into temperatures by
+//    CFrameTemperatures, against numpy's polyval applied twice (in this
+//    process) and against memcpy of the output frame.
+// Python.h first, as the interpreter asks.
+#include "NumpyReference.h"
+
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -18,6 +21,8 @@
 #include <string>
 #include <vector>
 
+#include "PairedTiming.h"
+#include "qv/calibration/FrameTemperatures.h"
 #include "qv/calibration/RCalFile.h"
 #include "qv/numerics/Curve.h"
 
@@ -51,17 +56,6 @@ void BuildCalibration(qv::CRCalFile &cal, std::string const &atmosphere) {
         for (int i = 0; i < kPoints; ++i)
             cal.Pages[page].Points.Add(10.0 * i, 1.0, 1000.0 + 1200.0 * i + 3.0 * i * i, true);
     }
-}
-
-void QvUpdateAllPages(benchmark::State &state) {
-    std::string atmosphere = WriteAtmosphere();
-    qv::CRCalFile cal;
-    BuildCalibration(cal, atmosphere);
-    if (cal.Modtran.getStatus() != qv::RS_OK) state.SkipWithError("atmosphere table not loaded");
-    for (auto _ : state)
-        cal.Modtran.PathRadiance.setEnabled(true); // loaded already: one UpdateCalPage of every page
-    std::remove(atmosphere.c_str());
-    state.SetItemsProcessed(state.iterations() * kPages);
 }
 
 // ---- The reference: the same work with std::vector and textbook code ----
@@ -109,11 +103,7 @@ std::vector<double> PolyFit(std::vector<double> const &x, std::vector<double> co
     return coefficients;
 }
 
-void ReferenceUpdateAllPages(benchmark::State &state) {
-    std::string atmosphere = WriteAtmosphere();
-    qv::CRCalFile cal;
-    BuildCalibration(cal, atmosphere);
-    std::remove(atmosphere.c_str());
+Spectral ModelOf(qv::CRCalFile &cal) {
     Spectral model;
     for (int i = 0; i < cal.SpectralResponse.Curve.getCount(); ++i) {
         model.x.push_back(cal.SpectralResponse.Curve.X[i]);
@@ -121,7 +111,10 @@ void ReferenceUpdateAllPages(benchmark::State &state) {
         model.transmission.push_back(cal.Modtran.Transmission.Y[i]);
         model.path.push_back(cal.Modtran.PathRadiance.Y[i]);
     }
-    for (auto _ : state) {
+    return model;
+}
+
+void ReferenceUpdateAllPages(Spectral const &model) {
         for (int p = 0; p < kPages; ++p) {
             std::vector<double> counts, radiance, lookupT, lookupR;
             for (int i = 0; i < kPoints; ++i) {
@@ -135,8 +128,19 @@ void ReferenceUpdateAllPages(benchmark::State &state) {
             }
             benchmark::DoNotOptimize(PolyFit(lookupR, lookupT, 6));
         }
-    }
-    state.SetItemsProcessed(state.iterations() * kPages);
+}
+
+void UpdateAllPages(benchmark::State &state) {
+    std::string atmosphere = WriteAtmosphere();
+    qv::CRCalFile cal;
+    BuildCalibration(cal, atmosphere);
+    std::remove(atmosphere.c_str());
+    if (cal.Modtran.getStatus() != qv::RS_OK) state.SkipWithError("atmosphere table not loaded");
+    Spectral const model = ModelOf(cal);
+    bench::RunPaired(
+        state, {"UpdateCalPage, 4 pages x 10 points, 2000-point axis, vs std::vector code", 1.0}, kPages,
+        // Loaded already: one UpdateCalPage of every page.
+        [&] { cal.Modtran.PathRadiance.setEnabled(true); }, [&] { ReferenceUpdateAllPages(model); });
 }
 
 // ---- A frame of counts to temperatures ----
@@ -148,52 +152,65 @@ std::vector<uint16_t> Frame() {
     return frame;
 }
 
-// What a caller writes: two Horner evaluations per pixel on the page's
-// coefficients (constant term first).
-void CountsToTemperatures(uint16_t const *counts, float *celsius, size_t n, std::vector<double> const &c,
-                          std::vector<double> const &t) {
-    for (size_t i = 0; i < n; ++i) {
-        double radiance = 0;
-        for (size_t k = c.size(); k-- > 0;)
-            radiance = radiance * counts[i] + c[k];
-        double temperature = 0;
-        for (size_t k = t.size(); k-- > 0;)
-            temperature = temperature * radiance + t[k];
-        celsius[i] = float(temperature);
-    }
-}
-
-void QvFrameToTemperatures(benchmark::State &state) {
+// One page fitted to a synthetic camera.
+struct SFramePage {
     qv::CRCalFile cal;
-    cal.SetSpectralResponseTophat(3.0, 5.0, 0.001);
-    int page = cal.Pages.Add();
-    for (int i = 0; i < kPoints; ++i)
-        cal.Pages[page].Points.Add(10.0 * i, 1.0, 1000.0 + 1200.0 * i, true);
+    int page;
+    SFramePage() {
+        cal.SetSpectralResponseTophat(3.0, 5.0, 0.001);
+        page = cal.Pages.Add();
+        for (int i = 0; i < kPoints; ++i)
+            cal.Pages[page].Points.Add(10.0 * i, 1.0, 1000.0 + 1200.0 * i, true);
+    }
+};
+
+void FrameVsNumpy(benchmark::State &state) {
+    SFramePage p;
     qv::TArray<double> c, t;
-    cal.GetCoefficients(page, c);
-    cal.GetTempCoefficients(page, t);
-    std::vector<double> counts(c.GetData(), c.GetData() + c.GetSize()), temp(t.GetData(), t.GetData() + t.GetSize());
+    p.cal.GetCoefficients(p.page, c);
+    p.cal.GetTempCoefficients(p.page, t);
     std::vector<uint16_t> frame = Frame();
     std::vector<float> out(frame.size());
-    for (auto _ : state) {
-        CountsToTemperatures(frame.data(), out.data(), frame.size(), counts, temp);
-        benchmark::DoNotOptimize(out.data());
-    }
-    state.SetBytesProcessed(state.iterations() * int64_t(frame.size() * sizeof(uint16_t)));
+    qv::CFrameTemperatures temperatures;
+    if (!temperatures.SetPage(p.cal, p.page)) state.SkipWithError("no page");
+    bench::Numpy numpy("");
+    numpy.Share("frame", frame.data(), frame.size(), "uint16");
+    numpy.Share("c", c.GetData(), c.GetSize(), "float64");
+    numpy.Share("t", t.GetData(), t.GetSize(), "float64");
+    numpy.Run("c = c[::-1].copy()\nt = t[::-1].copy()");
+    auto polyval = numpy.Op("out = np.polyval(t, np.polyval(c, frame)).astype(np.float32)");
+    if (!numpy.Ok()) state.SkipWithError(numpy.Error());
+    bench::RunPaired(
+        state, {"640x512 uint16 counts to float Celsius, CFrameTemperatures vs numpy polyval twice", 10.0},
+        int64_t(frame.size()),
+        [&] {
+            temperatures.Convert({frame.data(), qv::DT_UInt16}, {out.data(), qv::DT_Float}, uint32_t(frame.size()));
+            benchmark::DoNotOptimize(out.data());
+        },
+        polyval);
 }
 
-void MemcpyFrame(benchmark::State &state) {
-    std::vector<uint16_t> frame = Frame(), copy(frame.size());
-    for (auto _ : state) {
-        std::memcpy(copy.data(), frame.data(), frame.size() * sizeof(uint16_t));
-        benchmark::DoNotOptimize(copy.data());
-    }
-    state.SetBytesProcessed(state.iterations() * int64_t(frame.size() * sizeof(uint16_t)));
+void FrameVsMemcpy(benchmark::State &state) {
+    SFramePage p;
+    std::vector<uint16_t> frame = Frame();
+    std::vector<float> out(frame.size()), from(frame.size()), copy(frame.size());
+    qv::CFrameTemperatures temperatures;
+    if (!temperatures.SetPage(p.cal, p.page)) state.SkipWithError("no page");
+    bench::RunPaired(
+        state, {"640x512 uint16 counts to float Celsius, CFrameTemperatures vs memcpy of the float frame", 0.3},
+        int64_t(frame.size()),
+        [&] {
+            temperatures.Convert({frame.data(), qv::DT_UInt16}, {out.data(), qv::DT_Float}, uint32_t(frame.size()));
+            benchmark::DoNotOptimize(out.data());
+        },
+        [&] {
+            std::memcpy(copy.data(), from.data(), copy.size() * sizeof(float));
+            benchmark::DoNotOptimize(copy.data());
+        });
 }
 
 } // namespace
 
-BENCHMARK(QvUpdateAllPages)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReferenceUpdateAllPages)->Unit(benchmark::kMillisecond);
-BENCHMARK(QvFrameToTemperatures)->Unit(benchmark::kMicrosecond);
-BENCHMARK(MemcpyFrame)->Unit(benchmark::kMicrosecond);
+BENCHMARK(UpdateAllPages)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameVsNumpy)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(FrameVsMemcpy)->UseManualTime()->Unit(benchmark::kMicrosecond);

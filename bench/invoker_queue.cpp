@@ -135,7 +135,7 @@ void BM_InvokerQueue(benchmark::State &state) {
     SBatchCount referenceCount;
     std::vector<qv::invokable1<SBatchCount *>> calls(kBatch, qv::invokable1<SBatchCount *>(&CountCall, &qvCount));
     bench::RunPaired(
-        state, "ratio_vs_cv_queue", kBatch,
+        state, {"posted calls through CInvokerThread vs a mutex + condition-variable queue", 1.0, true}, kBatch,
         [&] {
             for (auto &call : calls) {
                 if (invokerThread.Queue(&call, false)) continue;

@@ -27,15 +27,15 @@ template <class Round> auto Rounds(Round round) {
 }
 
 template <class QvRound, class ReferenceRound>
-void RunRounds(benchmark::State &state, char const *ratioName, QvRound qvRound, ReferenceRound referenceRound) {
-    bench::RunPaired(state, ratioName, kRounds, Rounds(qvRound), Rounds(referenceRound));
+void RunRounds(benchmark::State &state, bench::SPair pair, QvRound qvRound, ReferenceRound referenceRound) {
+    bench::RunPaired(state, pair, kRounds, Rounds(qvRound), Rounds(referenceRound));
 }
 
 void BM_CriticalSection(benchmark::State &state) {
     qv::CCriticalSection section;
     std::mutex mutex;
     RunRounds(
-        state, "ratio_vs_std_mutex",
+        state, {"CCriticalSection enter/leave, uncontended, vs std::mutex", 1.0},
         [&] {
             section.Enter();
             section.Leave();
@@ -52,7 +52,7 @@ void BM_Semaphore(benchmark::State &state) {
     std::mutex mutex;
     int count = 4;
     RunRounds(
-        state, "ratio_vs_mutex_counter",
+        state, {"CSemaphore release/wait, uncontended, vs a mutex and a counter", 0.0},
         [&] {
             benchmark::DoNotOptimize(semaphore.Acquire(1, 0));
             semaphore.Release(1);
@@ -75,7 +75,7 @@ void BM_RWLockRead(benchmark::State &state) {
     qv::CRWLock lock;
     std::shared_mutex mutex;
     RunRounds(
-        state, "ratio_vs_shared_mutex",
+        state, {"CRWLock read lock/unlock, uncontended, vs std::shared_mutex", 0.8},
         [&] {
             lock.ReadLock();
             lock.ReadUnlock();
@@ -91,7 +91,7 @@ void BM_RWLockWrite(benchmark::State &state) {
     qv::CRWLock lock;
     std::shared_mutex mutex;
     RunRounds(
-        state, "ratio_vs_shared_mutex",
+        state, {"CRWLock write lock/unlock, uncontended, vs std::shared_mutex", 0.8},
         [&] {
             lock.WriteLock();
             lock.WriteUnlock();

@@ -8,6 +8,7 @@ install(TARGETS qv EXPORT qvTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY qv/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qv
   FILES_MATCHING PATTERN "*.h")
+install(FILES ${PROJECT_BINARY_DIR}/generated/qv/core/Version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qv/core)
 install(EXPORT qvTargets NAMESPACE qv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qv)
 
 configure_package_config_file(cmake/qvConfig.cmake.in

@@ -30,6 +30,9 @@
 #include "qv/core/ModuleResources.h"
 #include "qv/core/LanguageTags.h"
 #include "qv/core/Locale.h"
+#include "qv/core/CmdLine.h"
+#include "qv/core/VersionInfo.h"
+#include "qv/core/Version.h"
 
 // Locks.
 #include "qv/threads/CriticalSection.h"
@@ -57,6 +60,7 @@
 #include "qv/threads/MainThread.h"
 
 // Files.
+#include "qv/files/OpenFlags.h"
 #include "qv/files/IFile.h"
 #include "qv/files/File.h"
 #include "qv/files/MemFile.h"
@@ -78,9 +82,16 @@
 #include "qv/filesystems/DiskDirectoryMonitor.h"
 #include "qv/filesystems/FlatFileSystem.h"
 #include "qv/filesystems/MemFileSystem.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
+#include "qv/filesystems/CompositeFile.h"
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
+#include "qv/formats/tagged/SAFSelfTest.h"
+#include "qv/formats/tagged/SBFile.h"
+#include "qv/formats/tagged/TagFile.h"
 #include "qv/formats/tagged/XMLFile.h"
 
 // Numerics.
@@ -97,6 +108,15 @@
 // Radiometric calibration.
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
+#include "qv/calibration/FrameTemperatures.h"
+
+// MODTRAN: tape5 decks, tape7 tables, running the tool.
+#include "qv/modtran/ModtranEnums.h"
+#include "qv/modtran/ModtranRun.h"
+#include "qv/modtran/ModtranTape5File.h"
+#include "qv/modtran/ModtranTape7File.h"
+#include "qv/modtran/RunModtran.h"
+#include "qv/calibration/CurveChecks.h"
 
 // Settings stores.
 #include "qv/core/GdiTypes.h"

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Installs a release build of qv into a scratch prefix and builds two programs
-# against it: one with find_package(qv), one with pkg-config.
+# Installs a release build of qv into a scratch prefix, builds two programs
+# against it (one with find_package(qv), one with pkg-config) and runs the
+# installed qv tool without help from LD_LIBRARY_PATH.
 set -eu
 cd "$(dirname "$0")/.."
 build=${QV_BUILD_DIR:-build/release}
@@ -35,4 +36,9 @@ sleep 1
 touch "$prefix/watched/new.txt"
 wait "$watcher"
 grep -q '^added new.txt$' "$prefix/watched.log"
+# The installed tool runs as it is, finding its libqv through its RPATH.
+version=$(env -u LD_LIBRARY_PATH "$prefix/bin/qv" --version)
+expected="qv $(sed -n 's/^project(qv VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
+[ "$version" = "$expected" ] || { echo "installed qv --version: '$version', wanted '$expected'" >&2; exit 1; }
+env -u LD_LIBRARY_PATH "$prefix/bin/qv" saf show data/sample.saf | grep -q '^data offset: 2271$'
 echo "install check passed"

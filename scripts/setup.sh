@@ -8,8 +8,8 @@ packages="
   clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   zlib1g-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libsqlite3-dev libcminpack-dev
-  libtiff-tools pngcheck libjpeg-turbo-progs sqlite3 libxml2-utils
-  python3 python3-numpy python3-scipy python3-dateutil
+  libtiff-tools pngcheck libjpeg-turbo-progs sqlite3 libxml2-utils binutils
+  python3 python3-dev python3-numpy python3-scipy python3-dateutil
   locales doxygen
 "
 

@@ -10,6 +10,7 @@
 
 #include "qv/core/String.h"
 #include "qv/files/File.h"
+#include "qv/files/OpenFlags.h"
 #include "qv/formats/tagged/SAFFile.h"
 
 namespace {
@@ -19,7 +20,7 @@ constexpr int kHeight = 48;
 constexpr int kFrames = 4;
 
 // Create or truncate, write only.
-constexpr uint32_t kCreateFlags = 0x08 | 0x20;
+constexpr uint32_t kCreateFlags = qv::kOpenCreateAlways | qv::kOpenWrite;
 
 bool AddSampleTags(qv::CSAFFile &saf) {
     saf.New(false);

@@ -2,6 +2,7 @@
 // They are not scaled (a filter keeps its own values) and are 0 outside
 // their table, which shuts those wavelengths out.
 #include "qv/calibration/CalFileProbe.h"
+#include "qv/calibration/CurveChecks.h"
 #include "qv/calibration/CurveCopy.h"
 #include "qv/calibration/RCalFile.h"
 #include "qv/filesystems/FileSystem.h"
@@ -13,7 +14,8 @@ namespace qv {
 EResponseStatus CRCalFile::LoadAdditionalSpectralResponse(SResponse &response, char16_t const *path) {
     if (!calibration_detail::CalFileExists(path)) return RS_FileNotFound;
     if (!ReadXYFile(response.X, response.Y, &GetFileSystem(), path)) return RS_ReadError;
-    return response.X.GetSize() < 2 ? RS_TooFewPoints : RS_OK;
+    // Checked as a response is, without the peak: a filter may block all.
+    return CheckFilterCurve(response.X, response.Y);
 }
 
 void CRCalFile::LoadAdditionalSpectralResponse(int index, bool adjust) {

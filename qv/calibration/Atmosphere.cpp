@@ -2,6 +2,7 @@
 // resampled to the final axis. CalcRadiance uses them only while a curve is
 // enabled and the table loaded (RS_OK); a failed table is thus ignored.
 #include "qv/calibration/CalFileProbe.h"
+#include "qv/calibration/CurveChecks.h"
 #include "qv/calibration/CurveCopy.h"
 #include "qv/calibration/RCalFile.h"
 #include "qv/filesystems/FileSystem.h"
@@ -21,12 +22,12 @@ void CRCalFile::LoadModtran(bool adjust) {
         ModtranStatus = RS_ReadError;
         return;
     }
+    // Checked as a response is: a table the resampling cannot use, a
+    // transmission outside 0..1 or a negative path radiance is refused.
+    EResponseStatus checked = CheckAtmosphereCurves(RawTransmission.X, RawTransmission.Y, RawPathRadiance.Y);
     calibration_detail::CopyValues(RawPathRadiance.X, RawTransmission.X);
-    if (RawTransmission.X.GetSize() < 2) {
-        ModtranStatus = RS_TooFewPoints;
-        return;
-    }
-    ModtranStatus = RS_OK;
+    ModtranStatus = checked;
+    if (checked != RS_OK) return;
     if (adjust) AdjustModtran(true);
 }
 

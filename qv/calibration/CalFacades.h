@@ -159,6 +159,14 @@ public:
     // the point ended in temperature order (after any of equal temperature),
     // -1 for a bad page.
     int Add(double temperature, double emissivity, double measurement, bool enabled);
+    // Adds many points as Add does one, with the work done once: each
+    // point's radiance computed (the Radiance given is ignored), the page
+    // sorted once (PointsReordered fires once if that moved a point) and
+    // refitted once; the range and the lookup stay. Reading a large set of
+    // points stays linear in their number, where point-by-point Add refits
+    // after each. False, adding nothing, for a bad page or when the heap
+    // refuses.
+    bool AddAll(TArray<calibration_records::CAL_POINT> const &points);
     // False for a bad page. An index past the end removes nothing but still
     // clamps the order and refits (true).
     bool Remove(int point);

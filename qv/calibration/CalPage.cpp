@@ -50,6 +50,7 @@ void CCalPage::setTempPolyOrder(int order) {
 void CCalPage::Gather(TArray<double> &values, bool all, double calibration_records::CAL_POINT::*field) const {
     values.Empty();
     CRCalFile::CAL_PAGE const *p = file_->PageInRange(page_);
+    if (p) values.SetCapacity(p->Points.GetSize()); // at once, not five at a time
     for (uint32_t i = 0; p && i < p->Points.GetSize(); ++i)
         if (all || p->Points.GetAt(i).Enabled) values.Add(p->Points.GetAt(i).*field);
 }

@@ -111,6 +111,20 @@ int CCalPoints::Add(double temperature, double emissivity, double measurement, b
     return sorted;
 }
 
+bool CCalPoints::AddAll(TArray<CRCalFile::CAL_POINT> const &points) {
+    CRCalFile::CAL_PAGE *p = file_->PageInRange(page_);
+    if (!p) return false;
+    uint32_t first = p->Points.GetSize(), n = points.GetSize();
+    if (n > UINT32_MAX - first || !p->Points.SetSize(first + n)) return false;
+    for (uint32_t i = 0; i < n; ++i) {
+        p->Points[first + i] = points.GetAt(i);
+        file_->UpdateCalPoint(page_, int(first + i), false);
+    }
+    file_->SortCalPoints(page_, -1);
+    file_->UpdateCalPageCoeffs(page_);
+    return true;
+}
+
 bool CCalPoints::Remove(int point) {
     CRCalFile::CAL_PAGE *p = file_->PageInRange(page_);
     if (!p) return false;

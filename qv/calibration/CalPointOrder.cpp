@@ -33,6 +33,9 @@ int CRCalFile::SortCalPoints(int page, int point) {
     if (!p) return -1;
     uint32_t n = p->Points.GetSize();
     TArray<SORT_HELPER> helper;
+    // Room for all at once: growing five at a time would make a large page
+    // cost the square of its size.
+    helper.SetCapacity(n);
     for (uint32_t i = 0; i < n; ++i)
         helper.Add(SORT_HELPER{p->Points.GetAt(i).Temperature, int(i)});
     helper.Sort(&sortByTemp);
@@ -46,6 +49,7 @@ int CRCalFile::SortCalPoints(int page, int point) {
     }
     if (reordered) {
         TArray<CAL_POINT> sorted;
+        sorted.SetCapacity(n);
         for (uint32_t i = 0; i < helper.GetSize(); ++i)
             sorted.Add(p->Points.GetAt(uint32_t(helper.GetAt(i).Index)));
         p->Points = sorted;

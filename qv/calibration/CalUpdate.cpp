@@ -34,6 +34,9 @@ void CRCalFile::UpdateCalPoint(int page, int point, bool refit) {
 void CRCalFile::GatherEnabled(CAL_PAGE const &page, TArray<double> &counts, TArray<double> &radiance) {
     counts.Empty();
     radiance.Empty();
+    // Room for all at once, not five at a time.
+    counts.SetCapacity(page.Points.GetSize());
+    radiance.SetCapacity(page.Points.GetSize());
     for (uint32_t i = 0; i < page.Points.GetSize(); ++i) {
         CAL_POINT const &p = page.Points.GetAt(i);
         if (!p.Enabled) continue;

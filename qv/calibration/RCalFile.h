@@ -24,7 +24,9 @@
 //
 // Files. Response and atmosphere tables are read from the disk by path; their
 // failures show as EResponseStatus values and leave the object usable (the
-// response falls back to the top hat, the atmosphere is ignored).
+// response falls back to the top hat, the atmosphere is ignored). A table
+// read must also pass the checks of CurveChecks.h (a usable axis, values in
+// their range), else RS_ReadError; one in falling wavelength is turned around.
 //
 // Failures: by bool, counts, -1 or defaults as listed; nothing throws.
 // Ownership: the object owns all its data; arrays handed in are copied.

@@ -2,6 +2,7 @@
 // band pass, and the final wavelength axis that every other curve shares.
 #include "qv/calibration/CalFileProbe.h"
 #include "qv/calibration/CalLimits.h"
+#include "qv/calibration/CurveChecks.h"
 #include "qv/calibration/CurveCopy.h"
 #include "qv/calibration/RCalFile.h"
 #include "qv/filesystems/FileSystem.h"
@@ -34,11 +35,15 @@ void CRCalFile::LoadSpectralResponse(bool adjust) {
         ResponseStatus = RS_ReadError;
         return;
     }
-    uint32_t n = RawResponse.X.GetSize();
-    if (n < 2) {
-        ResponseStatus = RS_TooFewPoints;
+    // A table the resampling cannot use (jumbled axis, no positive peak,
+    // NaN) would give radiances of 0 or NaN that pass for results: refused.
+    // A falling axis is turned around.
+    EResponseStatus checked = CheckResponseCurve(RawResponse.X, RawResponse.Y);
+    if (checked != RS_OK) {
+        ResponseStatus = checked;
         return;
     }
+    uint32_t n = RawResponse.X.GetSize();
     ScaleToOne(RawResponse.Y);
     // Half-maximum edges taken at samples, with no interpolation: stored
     // band passes were computed so.

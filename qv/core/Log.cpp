@@ -63,11 +63,27 @@ bool CLog::SetFile(IFileSystem *fs, CString path) {
     // Only a disk file is shared with other processes; without this it is
     // still a good log for one process.
     if (auto *disk = dynamic_cast<CFile *>(opened)) platform::SetAppendOnly(disk->GetHandle());
+    if (!WriteKeptText(*opened)) {
+        delete opened;
+        return false;
+    }
     file = opened;
-    if (memory.GetSize()) file->Write(memory.GetData(), memory.GetSize());
     memory.Reset();
     memory.Destroy();
     return true;
+}
+
+// The kept text goes out in one write; if it does not all pass, the file is
+// cut back to where it ended (so that a later SetFile does not repeat a part)
+// and the text stays in memory.
+bool CLog::WriteKeptText(IFile &target) {
+    uint32_t size = memory.GetSize();
+    if (size == 0) return true;
+    int64_t end = target.GetSize();
+    if (end < 0) return false;
+    if (target.Write(memory.GetData(), size) == size) return true;
+    target.SetSize(end);
+    return false;
 }
 
 bool CLog::SetFile(CString path) {
@@ -97,15 +113,16 @@ CLogEntry CLog::StartEntry() {
 bool CLog::Put(CString const &text) {
     std::string bytes = ToLogBytes(text);
     uint32_t size = uint32_t(bytes.size());
-    bool toFile;
+    bool toFile, stored;
     {
         CAutoCriticalSection guard(&lock);
         toFile = file != nullptr;
-        (toFile ? static_cast<IFile *>(file) : &memory)->Write(bytes.data(), size); // one write: one whole entry
+        // One write: one whole entry.
+        stored = (toFile ? static_cast<IFile *>(file) : &memory)->Write(bytes.data(), size) == size;
         if (printConsole) platform::WriteStandardOutput(bytes.data(), bytes.size());
     }
     if (!toFile) OutputDebugStringA(bytes.c_str()); // outside the lock: a hook may log
-    return true;
+    return stored;
 }
 
 bool CLog::ReplaceFlag(bool CLog::*flag, bool value) {

@@ -13,16 +13,20 @@
 // The file. SetFile opens the file once (open or create, write, at the end,
 // others may read and write) and appends every later text with one write, so
 // several processes may share one log file: their entries never overwrite or
-// split each other. A second SetFile, or one that cannot open the file,
-// returns false and changes nothing; text keeps collecting in memory.
+// split each other. A second SetFile, or one that cannot open the file or
+// cannot write all of the kept text to it, returns false: the text stays in
+// memory and keeps collecting there, and the file is cut back to its old end
+// (a writer that appended in between would lose its entry to that cut).
 // SetFile(fs, path) opens the file through fs (null: the disk file system);
 // SetFile(path) uses the disk.
 //
 // Ownership: the log owns its file and closes it when destroyed. A copy takes
 // the kept text and the flags but no file (the file stays with its original).
 //
-// Results: Write and WriteLine return true. setVerbose and setPrintConsole
-// return the previous value.
+// Results: Write and WriteLine return true if the whole text was stored: in
+// the file when there is one, in memory otherwise; false if the file refused
+// it (a full disk) or memory is full. setVerbose and setPrintConsole return
+// the previous value.
 //
 // Threads: every member is thread-safe (one recursive lock per log); a write
 // that a debug-sink hook makes from within the log's echo is allowed.
@@ -65,6 +69,7 @@ private:
     bool Put(CString const &text);
     bool ReplaceFlag(bool CLog::*flag, bool value);
     bool ReadFlag(bool CLog::*flag);
+    bool WriteKeptText(IFile &target);
 
     IFile *file = nullptr; // owned; null until SetFile
     CMemFile memory;       // the text while there is no file

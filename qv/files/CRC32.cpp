@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "qv/files/CRC.h"
+#include "qv/files/CRC32Fold.h"
 #include "qv/files/FileBlockScan.h"
 
 namespace qv {
@@ -14,9 +15,10 @@ constexpr uint32_t kIeeePolynomial = 0x04C11DB7;
 
 using Crc32Tables = std::array<std::array<uint32_t, 256>, 8>;
 
-// The polynomial in use. The standard one runs on the system zlib's kernel,
-// which gives the same values as the reflected table; any other polynomial
-// runs on gTables.
+// The polynomial in use. The standard one folds with carry-less multiplies
+// where the machine has them (CRC32Fold.h) and runs on the system zlib's
+// kernel elsewhere, both giving the reflected table's values; any other
+// polynomial runs on gTables.
 std::atomic<uint32_t> gPolynomial{kIeeePolynomial};
 Crc32Tables gTables;
 
@@ -78,7 +80,8 @@ uint32_t FiniCRC32(uint32_t crc) {
 uint32_t CalcMultBlockCRC32(uint8_t const *p, uint32_t n, uint32_t crc) {
     if (!p || !n) return crc;
     if (gPolynomial.load(std::memory_order_acquire) != kIeeePolynomial) return TableCRC32(p, n, crc);
-    // zlib's crc32 takes and gives finished values.
+    if (crc_detail::FoldCRC32(p, n, crc)) return crc;
+    // The portable path: zlib's crc32, which takes and gives finished values.
     return ~uint32_t(crc32(~crc, p, n));
 }
 

@@ -45,13 +45,18 @@ bool CFile::Open(char16_t const *path, uint32_t flags) {
     bool fits = named && fullPath.GetLength() <= kMaxFullPathLength;
     OpenRequest request = DecodeOpenFlags(flags);
     FileHandle opened = fits ? OpenDiskFile(ToDiskName(fullPath.GetUTF16()).c_str(), request) : kInvalidFileHandle;
+    // A file that should start at its end but cannot get there is not opened:
+    // its first write would land at the start.
+    if (opened != kInvalidFileHandle && request.seekToEnd && SeekDiskFile(opened, 0, SeekOrigin::End) < 0) {
+        CloseDiskFile(opened);
+        opened = kInvalidFileHandle;
+    }
     if (opened == kInvalidFileHandle) {
         qvLogWriteLineW(u"CFile::Open(%s) FAILED.", named ? fullPath.GetUTF16() : path);
         return false;
     }
     handle = opened;
     filename = fullPath;
-    if (request.seekToEnd) SeekToEnd();
     return true;
 }
 
@@ -114,6 +119,10 @@ bool CFile::SetSize(int64_t size) {
 
 void CFile::Flush() {
     FlushDiskFile(handle);
+}
+
+bool CFile::Sync() {
+    return FlushDiskFile(handle);
 }
 
 void CFile::Close() {

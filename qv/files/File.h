@@ -10,16 +10,17 @@
 // the share declarations, which end with the last of them). Attach adopts a
 // handle without closing the old one; Detach hands the handle back.
 //
-// Open(path, flags) takes the flag word of IFileSystem::CreateFileW (see
-// qv/files/OpenRequest.h for the bits). The path is completed to a full path
-// ('/' and '\' both separate, "." and ".." resolved by text, no links
-// followed), kept as the file name; a full path longer than 511 units fails.
-// Sharing behaves as on Windows between the opens of one file, also across
-// processes; a refused open never truncates or removes the file. Only regular
-// files open. Delete-on-close removes the name at once. On failure the handle
-// stays as it was, the log gets "CFile::Open(<full path>) FAILED." and the
-// result is false. Open does not close a handle it already has: open a CFile
-// once.
+// Open(path, flags) takes the flag word of IFileSystem::CreateFileW, named in
+// qv/files/OpenFlags.h (kOpenExisting | kOpenRead | kOpenShareRead ...). The
+// path is completed to a full path ('/' and '\' both separate, "." and ".."
+// resolved by text, no links followed), kept as the file name; a full path
+// longer than 511 units fails. Sharing behaves as on Windows between the opens
+// of one file, also across processes; a refused open never truncates or
+// removes the file. Only regular files open. An open that should start at the
+// end (0x40) and cannot seek there fails. Delete-on-close removes the name at
+// once. On failure the handle stays as it was, the log gets
+// "CFile::Open(<full path>) FAILED." and the result is false. Open does not
+// close a handle it already has: open a CFile once.
 //
 // Failures: Read/Write return the bytes that passed (a failing write shows as
 // a short count); Seek with an origin other than 1, 2, 3 moves nothing and
@@ -69,6 +70,8 @@ public:
     // later write. False if the system refuses; the file is then as it was.
     bool SetSize(int64_t size) override;
     void Flush() override;
+    // Flush that tells whether the system wrote the data to the device.
+    bool Sync();
     void Close() override; // nothing on a closed file
 
     using IFile::Remove; // the file's Remove(pos, n) beside the static one

@@ -52,8 +52,7 @@ void CGZFile::Open(IFile *f, uint32_t mode, bool own) {
     bool usable = f && (mode == kWriteFlag ? f->GetSize() == 0 : mode == kReadFlag && f->GetSize() > 0);
     if (usable) {
         flags = mode;
-        f->Seek(0, 1);
-        usable = mode == kWriteFlag ? StartWriting() : StartReading();
+        usable = f->Seek(0, 1) == 0 && (mode == kWriteFlag ? StartWriting() : StartReading());
     }
     if (usable) return;
     if (owned) delete file;
@@ -131,6 +130,7 @@ void CGZFile::Clear() {
     dataStart = 0;
     inputOffset = 0;
     writeFailed = false;
+    ended = false;
 }
 
 void CGZFile::CopyFrom(CGZFile const &other) {
@@ -166,8 +166,8 @@ IFileSystem &CGZFile::GetFileSystem() {
 // ---- Reading ----
 
 void CGZFile::Refill() {
-    file->Seek(inputOffset, 1);
-    uint32_t got = file->Read(buffer, bufferSize);
+    // A failed seek gives no input, which ends the transfer.
+    uint32_t got = file->Seek(inputOffset, 1) == inputOffset ? file->Read(buffer, bufferSize) : 0;
     inputOffset += got;
     stream->next_in = buffer;
     stream->avail_in = got;
@@ -233,7 +233,7 @@ bool CGZFile::WriteOutput() {
 
 uint32_t CGZFile::Write(void const *p, uint32_t n) {
     if (file && raw) return file->Write(p, n);
-    if (!Writing() || writeFailed) return 0;
+    if (!Writing() || writeFailed || ended) return 0;
     stream->next_in = static_cast<uint8_t const *>(p);
     stream->avail_in = n;
     while (stream->avail_in) {
@@ -244,18 +244,27 @@ uint32_t CGZFile::Write(void const *p, uint32_t n) {
     stream->avail_in = 0;
     position += taken;
     size += taken;
-    return taken;
+    // Output of this call and of earlier ones was lost with the refused write.
+    return writeFailed ? 0 : taken;
 }
 
 void CGZFile::FinishWriting() {
     while (!writeFailed) {
         int status = deflate(stream, Z_FINISH);
         bool done = status == Z_STREAM_END;
-        if (!done && status != Z_OK) break;
-        if ((done || !stream->avail_out) && !WriteOutput()) break;
+        if (!done && status != Z_OK) writeFailed = true;
+        else if ((done || !stream->avail_out) && !WriteOutput()) break;
         if (done) break;
     }
-    PatchTGZFSize(*file, size);
+    // A broken stream keeps the size 0, so that it reads as empty.
+    if (!writeFailed && !PatchTGZFSize(*file, size)) writeFailed = true;
+}
+
+bool CGZFile::Finish() {
+    if (!Writing()) return false;
+    if (!ended) FinishWriting();
+    ended = true;
+    return !writeFailed;
 }
 
 int64_t CGZFile::GetSize() {
@@ -277,7 +286,7 @@ void CGZFile::Flush() {
 
 void CGZFile::Close() {
     if (!file) return;
-    if (Writing()) FinishWriting();
+    if (Writing()) Finish();
     file->Close();
     if (owned) delete file;
     file = nullptr;

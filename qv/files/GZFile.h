@@ -23,11 +23,17 @@
 // stream ended. The compressed input is fetched from its own offset at every
 // refill, so the inner file's position may be shared.
 //
-// Writing. Write compresses n bytes and returns what was taken (less only
-// after the inner file refused a write; later writes then give 0). Seek does
-// nothing and returns the position. Close finishes the stream, fills in the
-// size field in the head, closes the inner file and deletes it if owned;
-// closing twice does nothing; the destructor closes.
+// Writing. Write compresses n bytes and returns n when it took them all. The
+// output goes to the inner file in pieces of 16 KiB, so a Write that returns
+// n has not necessarily reached it. When the inner file refuses a write, the
+// compressed output held back is lost with it, so the stream is broken: that
+// Write returns 0 and every later one too. Seek does nothing and returns the
+// position. Finish ends the stream and fills in the size field in the head;
+// it is true only if every byte reached the inner file (the stream is then
+// complete; callers that must know, call it before Close). A broken stream
+// keeps the size field 0 and reads back as empty. Close finishes the stream if
+// Finish was not called (its result is then lost), closes the inner file and
+// deletes it if owned; closing twice does nothing; the destructor closes.
 //
 // GetSize and GetPosition count uncompressed bytes; SetSize is false; Flush,
 // GetFilename and GetFileSystem are the inner file's. A writer gives 0 from
@@ -67,6 +73,10 @@ public:
     bool SetSize(int64_t size) override;
     void Flush() override;
     void Close() override;
+    // Writer: ends the stream; true if it is complete (see Writing above).
+    // False on a reader, a pass-through or an unusable object. Once called,
+    // Write gives 0; calling again gives the same answer.
+    bool Finish();
 
 protected:
     IFile *file = nullptr;
@@ -101,6 +111,7 @@ private:
 
     int64_t inputOffset = 0; // inner-file offset of the next compressed byte
     bool writeFailed = false;
+    bool ended = false; // Finish ran
 };
 
 } // namespace qv

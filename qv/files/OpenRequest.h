@@ -1,5 +1,6 @@
 // The open flag word of CFile::Open and IFileSystem::CreateFileW, decoded
-// into an explicit request that the platform's disk file opens. Internal.
+// into an explicit request that the platform's disk file opens. Internal;
+// callers name the flags with qv/files/OpenFlags.h.
 //
 // Flags: 0x01 open or create; 0x02 must exist; 0x08 create or truncate;
 // 0x04 must not exist (earlier ones win; none of them: must exist).

@@ -22,9 +22,8 @@ bool ReadTGZFHeader(IFile &f, int64_t &size) {
 
 bool PatchTGZFSize(IFile &f, int64_t size) {
     int64_t here = f.GetPosition();
-    bool ok = f.Seek(kTGZFSizeOffset, 1) == kTGZFSizeOffset && f.PutInt64(size);
-    f.Seek(here, 1);
-    return ok;
+    bool patched = here >= 0 && f.Seek(kTGZFSizeOffset, 1) == kTGZFSizeOffset && f.PutInt64(size);
+    return f.Seek(here, 1) == here && patched;
 }
 
 } // namespace qv

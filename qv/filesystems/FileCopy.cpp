@@ -5,6 +5,7 @@
 
 #include "qv/files/File.h"
 #include "qv/files/IFile.h"
+#include "qv/filesystems/AtomicSave.h"
 #include "qv/filesystems/DiskFileSystem.h"
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/platform/DiskFileCopy.h"
@@ -15,23 +16,34 @@ namespace {
 
 constexpr uint32_t kOpenForReading = 0x12; // read, must exist
 constexpr uint32_t kOpenSourceFile = 0x11; // read, open or create
-constexpr uint32_t kOpenReplacing = 0x28;  // write, create or truncate
 constexpr uint32_t kOpenNew = 0x24;        // write, must not exist
+constexpr uint32_t kProbeWriting = 0x322;  // write, must exist, share read and write
 constexpr int kTempPathSize = 260;
 
 void Report(CopyProgressRoutine progress, int64_t total, int64_t done, void *context) {
     if (progress) progress(total, done, context);
 }
 
-IFile *OpenForWriting(IFileSystem *fs, char16_t const *path, bool overwrite) {
-    return fs->CreateFileW(path, overwrite ? kOpenReplacing : kOpenNew);
+// A file that someone holds without sharing write (the copy's own source,
+// among others) or that cannot be written is not replaced, as Windows
+// refuses to open it; callers copying a file onto itself depend on that.
+bool MayReplace(IFileSystem *fs, char16_t const *path) {
+    if (!fs->FileExists(path)) return true;
+    IFile *probe = fs->CreateFileW(path, kProbeWriting);
+    delete probe;
+    return probe != nullptr;
 }
 
-// Copies count bytes of src into path in fs; a destination that was opened
-// and then not filled is deleted again.
+// Copies count bytes of src into path in fs. A new file that was opened and
+// then not filled is deleted again. A file that may be replaced is written
+// beside it and renamed over it at the end, so a failed copy leaves it whole.
 bool CopyIntoPath(IFile *src, IFileSystem *fs, char16_t const *path, int64_t count, bool overwrite,
                   CopyProgressRoutine progress, void *context) {
-    IFile *dst = OpenForWriting(fs, path, overwrite);
+    if (overwrite)
+        return MayReplace(fs, path) &&
+               SaveAtomically(
+            fs, path, [&](IFile &dst) { return IFileSystem::CopyFileW(src, &dst, count, progress, context); });
+    IFile *dst = fs->CreateFileW(path, kOpenNew);
     if (!dst) return false;
     bool copied = IFileSystem::CopyFileW(src, dst, count, progress, context);
     delete dst;
@@ -108,8 +120,7 @@ bool IFileSystem::CopyFileW(IFile *src, IFile *dst, int64_t count, CopyProgressR
 }
 
 bool IFileSystem::CopyFileW(IFile *src, IFile *dst, CopyProgressRoutine progress, void *context) {
-    if (!src) return false;
-    src->SeekToBegin();
+    if (!src || src->SeekToBegin() != 0) return false;
     return CopyFileW(src, dst, src->GetSize(), progress, context);
 }
 
@@ -128,7 +139,7 @@ bool IFileSystem::CopyFileW(IFile *src, IFileSystem *fs, char16_t const *path, b
                             CopyProgressRoutine progress, void *context) {
     if (!src || !fs || !path) return false;
     if (fs->GetCapabilities() & kCapabilityCopyAcross) return fs->CopyFileW(src, path, overwrite, progress, context);
-    src->SeekToBegin();
+    if (src->SeekToBegin() != 0) return false;
     return CopyIntoPath(src, fs, path, src->GetSize(), overwrite, progress, context);
 }
 
@@ -164,8 +175,7 @@ bool IFileSystem::CopyFileW(IFileSystem *src, char16_t const *srcPath, IFileSyst
         return dst->CopyFileW(src, srcPath, dstPath, overwrite, progress, context);
     IFile *in = src->CreateFileW(srcPath, kOpenForReading);
     if (!in) return false;
-    in->SeekToBegin();
-    bool copied = CopyIntoPath(in, dst, dstPath, in->GetSize(), overwrite, progress, context);
+    bool copied = in->SeekToBegin() == 0 && CopyIntoPath(in, dst, dstPath, in->GetSize(), overwrite, progress, context);
     delete in;
     return copied;
 }

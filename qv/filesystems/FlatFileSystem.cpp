@@ -1,7 +1,7 @@
 #include "qv/filesystems/FlatFileSystem.h"
 
-#include "qv/core/StringFunctions.h"
 #include "qv/core/WideChar.h"
+#include "qv/filesystems/FlatPaths.h"
 #include "qv/filesystems/Path.h"
 
 namespace qv {
@@ -28,18 +28,15 @@ bool HasName(CDirectoryListing const &listing, char16_t const *name) {
 CFlatFileSystem::CFlatFileSystem() : currentDirectory{u'/', 0} {}
 
 bool CFlatFileSystem::GetFullPath(char16_t *out, char16_t const *path, int size) {
-    if (!out || !path || size < 1) return false;
-    CString full = path[0] == u'/' ? CString(path)
-                                   : path::ConvertSlashes(
-                                         path::ExpandRelativePath(CString(currentDirectory), CString(path), u'/'), u'/');
-    if (full.GetLength() >= size) return false;
-    StrCpy(out, full.GetUTF16(), size_t(size));
-    return true;
+    return FlatFullPath(currentDirectory, out, path, size);
 }
 
 int CFlatFileSystem::FindFile(char16_t const *path) {
     char16_t full[PathBufferSize];
-    if (!path || !GetFullPath(full, path, PathBufferSize)) return -1;
+    return path && GetFullPath(full, path, PathBufferSize) ? FindFullPath(full) : -1;
+}
+
+int CFlatFileSystem::FindFullPath(char16_t const *full) const {
     for (uint32_t i = 0; i < entries.GetSize(); ++i)
         if (_wcsicmp(entries.GetAt(i).path, full) == 0) return int(i);
     return -1;
@@ -48,7 +45,7 @@ int CFlatFileSystem::FindFile(char16_t const *path) {
 CDirectoryEntry CFlatFileSystem::GetFileInfo(char16_t const *path) {
     char16_t full[PathBufferSize];
     if (!path || !GetFullPath(full, path, PathBufferSize)) return CDirectoryEntry();
-    int index = FindFile(full);
+    int index = FindFullPath(full);
     if (index >= 0) return entries.GetAt(uint32_t(index));
     AppendTrailingSlash(full, u'/');
     size_t length = wcslen(full);
@@ -80,17 +77,11 @@ CDirectoryListing CFlatFileSystem::GetDirectoryListing(char16_t const *dir, char
 }
 
 bool CFlatFileSystem::SetCurrentWorkingDirectory(char16_t const *path) {
-    char16_t full[PathBufferSize];
-    if (!path || !IsDirectory(path) || !GetFullPath(full, path, PathBufferSize - 1)) return false;
-    AppendTrailingSlash(full, u'/');
-    StrCpy(currentDirectory, full, PathBufferSize);
-    return true;
+    return SetFlatWorkingDirectory(*this, currentDirectory, path);
 }
 
 bool CFlatFileSystem::GetCurrentWorkingDirectory(char16_t *out, int size) {
-    if (!out || size < 1 || int(wcslen(currentDirectory)) >= size) return false;
-    StrCpy(out, currentDirectory, size_t(size));
-    return true;
+    return GetFlatWorkingDirectory(currentDirectory, out, size);
 }
 
 CDirectoryEntry CFlatFileSystem::MakeFileEntry(char16_t const *fullPath) {
@@ -105,7 +96,7 @@ CDirectoryEntry CFlatFileSystem::MakeFileEntry(char16_t const *fullPath) {
 bool CFlatFileSystem::MoveEntry(int &index, char16_t const *newPath) {
     char16_t full[PathBufferSize];
     if (!newPath || !GetFullPath(full, newPath, PathBufferSize)) return false;
-    int target = FindFile(full);
+    int target = FindFullPath(full);
     if (target == index) return true;
     if (target < 0 && IsDirectory(full)) return false;
     CDirectoryEntry &entry = entries.GetItem(uint32_t(index));

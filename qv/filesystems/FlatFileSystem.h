@@ -52,6 +52,8 @@ public:
 protected:
     // The index of the file entry at path (made full first), or -1.
     int FindFile(char16_t const *path);
+    // The index of the file entry whose path is full (taken as it stands), or -1.
+    int FindFullPath(char16_t const *full) const;
     // A file entry for fullPath: name and path set, kAttributeFile, modified now.
     static CDirectoryEntry MakeFileEntry(char16_t const *fullPath);
     // Moves the file entry at index to newPath (made full), dropping a file

@@ -15,7 +15,7 @@
 // The helpers GetCurrentWorkingDirectory() and GetFullPath(CString) give the
 // empty string where the virtual fails.
 //
-// Open flags of CreateFileW: those of CFile::Open (qv/files/OpenRequest.h):
+// Open flags of CreateFileW: those of CFile::Open, named in qv/files/OpenFlags.h:
 // 0x01 open or create, 0x02 must exist, 0x04 must not exist, 0x08 create or
 // truncate, 0x10 read, 0x20 write, 0x40 start at the end, 0x100/0x200 share
 // write/read, 0x100000 delete on close.
@@ -37,10 +37,14 @@
 // copy); progress, if not null, is called with (count, 0) first and with
 // (count, done) after each write. Zero bytes succeed and report (0, 0) once.
 // A source that ends early, a short write or a negative count give false.
-// Opening for writing uses 0x28 (create or truncate) with overwrite and 0x24
-// (must not exist) without. Where a copy to a path fails after the
-// destination was opened, the destination is deleted; a destination that
-// could not be opened (one that exists, without overwrite) is left alone.
+// A copy to a path with overwrite writes a new file beside the destination
+// and renames it over the destination at the end (CAtomicSave), so a copy
+// that fails leaves an existing destination whole and removes the new file;
+// on a file system without kCapabilityRename it opens the destination with
+// 0x28 (create or truncate) and a failure leaves it damaged. Without
+// overwrite it opens with 0x24 (must not exist); a destination that could not
+// be opened (one that exists) is left alone, and one that was opened and then
+// not filled is deleted.
 //
 // Deriving: overriding GetFullPath, GetCurrentWorkingDirectory or a CopyFileW
 // form hides the other forms of that name; bring them back with a

@@ -39,8 +39,10 @@ QV_API bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *fileSy
 // x gets 10000.0 / f (microns), y1 gets t, y2 gets r * (f * f / 10000.0)
 // (per micron), each row going in front of the earlier ones, so the table
 // comes out in rising wavelength. A row with fewer than three tokens ends the
-// reading with false, the rows before it kept; otherwise true, also for a
-// file without a "FREQ" line (the arrays then stay empty).
+// reading with false, the rows before it kept; so does a table that the end
+// of the file or an overlong line cuts before its "-9999." line (a cut table
+// would otherwise pass for the whole). Otherwise true, also for a file
+// without a "FREQ" line (the arrays then stay empty).
 QV_API bool ReadModtranFile(TArray<double> &x, TArray<double> &y1, TArray<double> &y2, IFile *file);
 QV_API bool ReadModtranFile(TArray<double> &x, TArray<double> &y1, TArray<double> &y2, IFileSystem *fileSystem,
                             char16_t const *path);

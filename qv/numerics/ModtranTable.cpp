@@ -28,7 +28,9 @@ bool ParseRow(char *text, SRow &row) {
 }
 
 // Reads the rows after the heading in file order, already converted; false
-// at a short row.
+// at a short row, and for a table that the end of the file (or an overlong
+// line) cuts before its "-9999." line: rows of a cut table would pass for
+// the whole table.
 bool ReadRows(IFile &file, TArray<double> &x, TArray<double> &y1, TArray<double> &y2) {
     char line[kCurveLineBytes];
     bool inTable = false;
@@ -39,7 +41,7 @@ bool ReadRows(IFile &file, TArray<double> &x, TArray<double> &y1, TArray<double>
             inTable = _strnicmp(text, "FREQ", 4) == 0;
             continue;
         }
-        if (std::strncmp(text, "-9999.", 6) == 0) break;
+        if (std::strncmp(text, "-9999.", 6) == 0) return true;
         SRow row;
         if (!ParseRow(text, row)) return false;
         double f = row.frequency;
@@ -47,7 +49,7 @@ bool ReadRows(IFile &file, TArray<double> &x, TArray<double> &y1, TArray<double>
         y1.Add(row.transmission);
         y2.Add(row.radiance * (f * f / 10000.0));
     }
-    return true;
+    return !inTable;
 }
 
 } // namespace

@@ -39,8 +39,9 @@ bool SetDiskFileSize(intptr_t handle, int64_t size);
 bool FlushDiskFile(intptr_t handle);
 bool RemoveDiskFile(char const *path);
 // Moves from over to (replacing a file there) after syncing from's data, then
-// syncs to's directory. False if from could not be synced or renamed; then
-// both names are as they were.
+// syncs to's directory. False if from could not be synced or renamed (then
+// both names are as they were), or if the directory's sync failed after the
+// rename (then to is the new file, but a crash may still undo the rename).
 bool RenameDiskFile(char const *from, char const *to);
 
 } // namespace qv

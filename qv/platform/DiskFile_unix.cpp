@@ -179,14 +179,14 @@ bool RemoveDiskFile(char const *path) {
 
 namespace {
 
-// Makes what path names durable. A directory may refuse fsync on some file
-// systems; only a regular file's failure counts.
+// Makes what path names durable. Some file systems cannot sync a directory
+// (they answer EINVAL) or open one for it; that is no failure, any other is.
 bool SyncDiskPath(char const *path, bool directory) {
     int fd = SysOpen(path, directory ? O_RDONLY | O_DIRECTORY : O_RDONLY, 0);
     if (fd == -1) return directory;
-    bool synced = SysFsync(fd) == 0;
+    bool synced = SysFsync(fd) == 0 || (directory && (errno == EINVAL || errno == EOPNOTSUPP));
     SysClose(fd);
-    return synced || directory;
+    return synced;
 }
 
 std::string DirectoryOf(char const *path) {
@@ -201,8 +201,7 @@ bool RenameDiskFile(char const *from, char const *to) {
     // The data reaches the disk before the name moves, so a crash never
     // leaves the new name on a file whose blocks were not written.
     if (!SyncDiskPath(from, false) || SysRename(from, to) != 0) return false;
-    SyncDiskPath(DirectoryOf(to).c_str(), true);
-    return true;
+    return SyncDiskPath(DirectoryOf(to).c_str(), true);
 }
 
 } // namespace qv

@@ -74,8 +74,13 @@ TEST(SpectralResponse, BadFilesLeaveTheCalibrationUsable) {
     } cases[] = {
         {"empty.txt", "", RS_TooFewPoints},
         {"one.txt", "4.0 1.0\n", RS_TooFewPoints},
-        {"junk.txt", "\x01\xff garbage\nnot numbers at all\n", RS_OK}, // two tokens read as 0 0
-        {"single.txt", "garbage\n3 1\n4 1\n", RS_TooFewPoints},        // one token ends the reading
+        {"junk.txt", "\x01\xff garbage\nnot numbers at all\n", RS_ReadError}, // two tokens read as 0 0
+        {"jumbled.txt", "3 1\n5 1\n4 1\n", RS_ReadError},
+        {"zero.txt", "3 0\n4 0\n5 0\n", RS_ReadError}, // no peak to scale to 1
+        {"negative.txt", "3 -1\n4 1\n", RS_ReadError}, // no response is below 0
+        {"nan.txt", "3 1\n4 nan\n5 1\n", RS_ReadError},
+        {"header.txt", "wavelength,response\n3 1\n4 1\n", RS_ReadError}, // a row at 0 microns
+        {"single.txt", "garbage\n3 1\n4 1\n", RS_TooFewPoints},          // one token ends the reading
     };
     for (Case const &c : cases) {
         CString path = dir.Write(c.name, c.text);
@@ -97,11 +102,16 @@ TEST(SpectralResponse, BadFilesLeaveTheCalibrationUsable) {
     ASSERT_TRUE(cal.GetCoefficients(0, c));
     EXPECT_NEAR(c[1], 1 / camera.gain, 1e-12);
 
-    // A table that falls is used as it stands (status OK); nothing overruns.
-    CString falling = dir.Write("falling.txt", "5 1\n4 1\n3 1\n");
-    cal.SetSpectralResponseFile(falling);
+    // A table that falls is turned around: the same curve as the rising one.
+    CString falling = dir.Write("falling.txt", "5 1\n4 0.5\n3 1\n");
+    EXPECT_TRUE(cal.SetSpectralResponseFile(falling));
     EXPECT_EQ(cal.SpectralResponse.getStatus(), RS_OK);
-    EXPECT_TRUE(std::isfinite(cal.CalcRadiance(30, 1.0)));
+    EXPECT_EQ(cal.RawResponse.X[0], 3);
+    EXPECT_EQ(cal.RawResponse.Y[1], 0.5);
+    double fromFalling = cal.CalcRadiance(30, 1.0);
+    EXPECT_TRUE(cal.SetSpectralResponseFile(dir.Write("rising.txt", "3 1\n4 0.5\n5 1\n")));
+    EXPECT_EQ(cal.CalcRadiance(30, 1.0), fromFalling);
+    EXPECT_GT(fromFalling, 0);
 
     // getType with the file flag set but a failed load is the top hat.
     cal.UseResponseFile = true;
@@ -176,6 +186,12 @@ TEST(Atmosphere, EnableLogicAndStatus) {
         {"one.table", Table(2500, 2500, 10, "0.5 0"), RS_TooFewPoints},
         {"short.table", "freq\n2000 0.5 0\n2100 0.5\n-9999.\n", RS_ReadError},
         {"junk.table", "\xff\xfe\x01 FREQ\n", RS_TooFewPoints},
+        // Cut short before its end line: the rows read would pass for the whole.
+        {"cut.table", "freq\n2000 0.5 0\n2100 0.5 0\n", RS_ReadError},
+        {"opaque.table", Table(2500, 2600, 10, "1.5 0"), RS_ReadError},   // a transmission above 1
+        {"glowing.table", Table(2500, 2600, 10, "0.5 -1"), RS_ReadError}, // a negative path radiance
+        {"zero.table", "freq\n0 0.5 0\n2100 0.5 0\n-9999.\n", RS_ReadError},
+        {"jumbled.table", "freq\n2000 0.5 0\n2200 0.5 0\n2100 0.5 0\n-9999.\n", RS_ReadError},
     };
     for (Case const &c : cases) {
         cal.Modtran.setFile(dir.Write(c.name, c.text));
@@ -220,7 +236,7 @@ TEST(SpectralResponse, HostileSpansAreRefused) {
     EXPECT_TRUE(cal.SetSpectralResponseTophat(3, 5, 1e-12));
     EXPECT_EQ(cal.SpectralResponse.Curve.getCount(), 0);
     EXPECT_EQ(cal.CalcRadiance(20, 1), 0);
-    EXPECT_TRUE(cal.SetSpectralResponseFile(dir.Write("wide.txt", "0 1\n1e9 1\n")));
+    EXPECT_TRUE(cal.SetSpectralResponseFile(dir.Write("wide.txt", "0.5 1\n1e9 1\n")));
     EXPECT_EQ(cal.SpectralResponse.Curve.getCount(), 0);
     EXPECT_EQ(cal.Pages[page].Points[0].getRadiance(), 0);
     EXPECT_TRUE(cal.SetSpectralResponseTophat(3, 5, 0.01));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "qv/core/CpuPath.h"
 #include "qv/core/DebugOutput.h"
 #include "qv/files/CRC.h"
 #include "qv/files/CRCFile.h"
@@ -83,6 +84,31 @@ TEST(CRCTest, KernelsMatchBitwiseReferenceAtEveryLengthAndAlignment) {
     EXPECT_EQ(CalcBlockCRC32(kCheck, 9), 0xE3069283u);
     InitCRC32Table(0x04C11DB7u);
     EXPECT_EQ(CalcBlockCRC32(kCheck, 9), 0xCBF43926u);
+}
+
+// Folding with carry-less multiplies (each path the machine has), zlib (the
+// portable path) and the tables all give the bit-at-a-time values: around
+// every lane and register width, at every alignment, from split points.
+TEST(CRCTest, EveryCpuPathMatchesTheBitwiseReference) {
+    std::vector<uint8_t> data = RandomBytes(5000, 11);
+    InitCRC32Table(0x04C11DB7u);
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        for (size_t offset : {0, 1, 7, 13})
+            for (size_t n : {0, 1, 15, 16, 17, 63, 64, 65, 79, 80, 127, 128, 255, 256, 257, 319, 320, 511, 512, 513,
+                             1000, 1024, 4093, 4960}) {
+                uint8_t const *p = data.data() + offset;
+                ASSERT_EQ(CalcBlockCRC32(p, uint32_t(n)), n ? BitwiseCRC32(0x04C11DB7u, p, n) : 0)
+                    << "path " << path << " offset " << offset << " n " << n;
+                ASSERT_EQ(CalcBlockCRC16(p, uint32_t(n)), BitwiseCRC16(p, n)) << path << " " << offset << " " << n;
+                size_t const split = n / 3;
+                uint32_t c = CalcMultBlockCRC32(p, uint32_t(split), InitCRC32());
+                c = FiniCRC32(CalcMultBlockCRC32(p + split, uint32_t(n - split), c));
+                ASSERT_EQ(c, BitwiseCRC32(0x04C11DB7u, p, n)) << "path " << path << " split " << split << " n " << n;
+            }
+        EXPECT_EQ(CalcBlockCRC32(kCheck, 9), 0xCBF43926u);
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
 }
 
 TEST(CRCTest, BlocksContinueAcrossSplits) {

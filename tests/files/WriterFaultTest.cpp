@@ -2,9 +2,11 @@
 // call reaches the caller, and the bytes left behind are what the writer's
 // header promises.
 #include <cerrno>
+#include <cstdio>
 #include <functional>
 
 #include "FileTestSupport.h"
+#include "qv/files/GZFile.h"
 #include "support/FaultInjection.h"
 
 namespace qv::test {
@@ -135,6 +137,36 @@ TEST_F(WriterFaults, SetSizeIsAllOrNothing) {
             },
             WithoutClose());
     }
+}
+
+// A TGZF stream written to disk is complete when Finish says so, and every
+// failure reaches the caller through Write or Finish.
+TEST_F(WriterFaults, GZFileStreamIsCompleteOrReportedBroken) {
+    Bytes data(1 << 19);
+    uint32_t x = 99;
+    for (auto &b : data)
+        b = uint8_t((x = x * 1103515245 + 12345) >> 24) & 0x3F; // compresses, but not to nothing
+    int runs = RunUnderFaults(
+        [&] { std::remove(path.c_str()); },
+        [&] {
+            CFile f;
+            if (!f.Open(name.c_str(), kOpenReadWrite)) return false;
+            CGZFile gz(&f, 0x20, false);
+            bool written = true;
+            for (size_t at = 0; at < data.size(); at += 65536)
+                written = gz.Write(data.data() + at, 65536) == 65536 && written;
+            return gz.Finish() && written;
+        },
+        [&](FaultRun const &run) {
+            ExpectFailureReported(run);
+            if (!run.succeeded) return;
+            CFile f;
+            ASSERT_TRUE(f.Open(name.c_str(), 0x02 | 0x10));
+            CGZFile back(&f, 0x10, false);
+            EXPECT_EQ(AllBytes(back), data);
+        },
+        WithoutClose());
+    EXPECT_GT(runs, 20);
 }
 
 } // namespace

@@ -7,7 +7,9 @@
 // only blocks it was given (no new files, deletes or directories), the
 // resource file system only what the program carries; both are read through
 // the seeded cases. Flat tables (memory, CDFS) have no directories of their
-// own and keep no attributes or times.
+// own and keep no attributes or times; a CDFS answers true when deleting a
+// missing path (existing callers depend on it). A merge of two mounts makes
+// directories only with one mount.
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -19,7 +21,10 @@
 
 #include "qv/files/MemFile.h"
 #include "qv/filesystems/DiskFileSystem.h"
+#include "qv/filesystems/CDFileSystem.h"
 #include "qv/filesystems/MemFileSystem.h"
+#include "qv/filesystems/MergeFileSystem.h"
+#include "qv/filesystems/RFSFileSystem.h"
 #include "qv/filesystems/Path.h"
 #include "tests/filesystems/FileSystemTestSupport.h"
 
@@ -73,6 +78,88 @@ private:
     std::deque<std::string> blocks;
 };
 
+// The program's own resources: the seeded files are compiled in
+// (tests/filesystems/resources.qvrc), so seeding only checks them.
+class ResourcesUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return fs; }
+    CString Root() const override { return u"/CONTRACT/t/"; }
+    bool Writes() const override { return false; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+    bool Seed(CString const &path, std::string const &bytes) override { return ReadWhole(fs, path) == bytes; }
+
+private:
+    CRFSFileSystem fs;
+};
+
+// A CDFS, its host given by the kind; a flat table with files only.
+class CDFSUnderTest : public FileSystemUnderTest {
+public:
+    IFileSystem &Get() override { return cdfs; }
+    CString Root() const override { return u"/t/"; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+
+protected:
+    CCDFileSystem cdfs;
+};
+
+class CDFSOnDisk : public CDFSUnderTest {
+public:
+    CDFSOnDisk() { EXPECT_TRUE(cdfs.Create(scratch.Text("host.cdfs"), false)); }
+    ~CDFSOnDisk() override { cdfs.Close(); }
+
+private:
+    ScratchDir scratch;
+};
+
+class CDFSInMemory : public CDFSUnderTest {
+public:
+    CDFSInMemory() { EXPECT_TRUE(cdfs.Create(&hosts, u"/host", false)); }
+    ~CDFSInMemory() override { cdfs.Close(); } // while the host is there
+
+private:
+    MemoryHosts hosts;
+};
+
+class CDFSInCDFS : public CDFSUnderTest {
+public:
+    CDFSInCDFS() {
+        EXPECT_TRUE(outer.Create(&hosts, u"/host", false));
+        EXPECT_TRUE(WriteWhole(outer, u"/neighbour", "neighbour"));
+        EXPECT_TRUE(cdfs.Create(&outer, u"/inner.cdfs", false));
+    }
+    ~CDFSInCDFS() override {
+        cdfs.Close();
+        EXPECT_EQ(ReadWhole(outer, u"/neighbour"), "neighbour");
+    }
+
+private:
+    MemoryHosts hosts;
+    CCDFileSystem outer;
+};
+
+// Two mounts at the root: a CDFS in memory first, then a disk directory.
+class MergeUnderTest : public FileSystemUnderTest {
+public:
+    MergeUnderTest() {
+        EXPECT_TRUE(cdfs.Create(&hosts, u"/host", false));
+        EXPECT_TRUE(merge.Mount(u"/", &cdfs, u"/"));
+        EXPECT_TRUE(merge.Mount(u"/", FileSystem, scratch.Text()));
+    }
+    IFileSystem &Get() override { return merge; }
+    CString Root() const override { return u"/t/"; }
+    bool MakesDirectories() const override { return false; }
+    bool KeepsAttributesAndTimes() const override { return false; }
+
+private:
+    ScratchDir scratch;
+    MemoryHosts hosts;
+    CCDFileSystem cdfs;
+    CMergeFileSystem merge;
+};
+
 struct FileSystemKind {
     char const *name;
     std::function<std::unique_ptr<FileSystemUnderTest>()> make;
@@ -83,6 +170,11 @@ std::vector<FileSystemKind> Kinds() {
     return {
         {"Disk", [] { return std::make_unique<DiskUnderTest>(); }},
         {"Memory", [] { return std::make_unique<MemoryUnderTest>(); }},
+        {"Resources", [] { return std::make_unique<ResourcesUnderTest>(); }},
+        {"CDFSOnDisk", [] { return std::make_unique<CDFSOnDisk>(); }},
+        {"CDFSInMemory", [] { return std::make_unique<CDFSInMemory>(); }},
+        {"CDFSInCDFS", [] { return std::make_unique<CDFSInCDFS>(); }},
+        {"MergeOfTwo", [] { return std::make_unique<MergeUnderTest>(); }},
     };
 }
 

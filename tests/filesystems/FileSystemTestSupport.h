@@ -118,3 +118,119 @@ protected:
 };
 
 } // namespace qv::test
+
+#include <map>
+
+#include "qv/core/StringFunctions.h"
+#include "qv/files/MemFile.h"
+
+namespace qv::test {
+
+// Files that live in memory under flat names and outlive their handles, for
+// hosting containers in memory. A fault can be armed: the call with number
+// failAt (counted over every file's operations from 1) fails once; a write
+// then keeps half its bytes.
+class MemoryHosts : public IFileSystem {
+public:
+    int64_t calls = 0;
+    int64_t failAt = 0;
+
+    CMemFile *Find(char16_t const *path) {
+        auto found = files.find(path ? path : u"");
+        return found == files.end() ? nullptr : found->second.get();
+    }
+    std::string Bytes(char16_t const *path) {
+        CMemFile *file = Find(path);
+        return file ? std::string(reinterpret_cast<char const *>(file->GetData()), size_t(file->ConstGetSize()))
+                    : std::string("<none>");
+    }
+    void SetBytes(char16_t const *path, std::string const &bytes) {
+        std::unique_ptr<CMemFile> &file = files[path];
+        if (!file) file = std::make_unique<CMemFile>();
+        file->SetGrowthRate(0xF000);
+        file->Reset();
+        file->Write(bytes.data(), uint32_t(bytes.size()));
+    }
+
+    IFile *CreateFileW(char16_t const *path, uint32_t flags) override {
+        CMemFile *file = Find(path);
+        if ((file && (flags & 0x04)) || (!file && (flags & 0x02))) return nullptr;
+        if (!file) {
+            SetBytes(path, "");
+            file = Find(path);
+        }
+        if (flags & 0x08) file->SetSize(0);
+        return new Handle(*this, *file);
+    }
+    CDirectoryListing GetDirectoryListing(char16_t const *dir, char16_t const *) override {
+        return CDirectoryListing(this, dir);
+    }
+    CDirectoryEntry GetFileInfo(char16_t const *path) override {
+        CDirectoryEntry entry;
+        if (CMemFile *file = Find(path)) {
+            entry.SetPath(path);
+            entry.SetName(GetFilename(path));
+            entry.attributes = kAttributeFile;
+            entry.size = file->ConstGetSize();
+        }
+        return entry;
+    }
+    bool GetFullPath(char16_t *out, char16_t const *path, int size) override {
+        StrCpy(out, path, size_t(size));
+        return true;
+    }
+    bool DeleteFileW(char16_t const *path) override { return files.erase(path) == 1; }
+    bool CreateDirectoryW(char16_t const *, bool) override { return false; }
+    bool RemoveDirectoryW(char16_t const *, bool) override { return false; }
+    bool SetCurrentWorkingDirectory(char16_t const *) override { return false; }
+    bool GetCurrentWorkingDirectory(char16_t *, int) override { return false; }
+    using IFileSystem::GetCurrentWorkingDirectory;
+    using IFileSystem::GetFullPath;
+
+private:
+    bool Fails() { return ++calls == failAt; }
+
+    // A position of its own over a shared memory file.
+    class Handle : public IFile {
+    public:
+        Handle(MemoryHosts &owner, CMemFile &file) : owner(owner), file(file) {}
+        char16_t *GetFilename(char16_t *buf, int) override {
+            buf[0] = 0;
+            return buf;
+        }
+        IFileSystem &GetFileSystem() override { return owner; }
+        uint32_t Write(void const *p, uint32_t n) override {
+            if (owner.Fails()) n /= 2;
+            file.SetPosition(position);
+            uint32_t done = file.Write(p, n);
+            position += done;
+            return done;
+        }
+        uint32_t Read(void *p, uint32_t n) override {
+            if (owner.Fails()) return 0;
+            file.SetPosition(position);
+            uint32_t done = file.Read(p, n);
+            position += done;
+            return done;
+        }
+        int64_t GetSize() override { return file.GetSize(); }
+        int64_t GetPosition() override { return position; }
+        int64_t Seek(int64_t offset, uint32_t origin) override {
+            int64_t from = origin == 1 ? 0 : origin == 2 ? position : file.GetSize();
+            position = from + offset < 0 ? 0 : from + offset;
+            return position;
+        }
+        bool SetSize(int64_t size) override { return !owner.Fails() && file.SetSize(size); }
+        void Flush() override {}
+        void Close() override {}
+
+    private:
+        MemoryHosts &owner;
+        CMemFile &file;
+        int64_t position = 0;
+    };
+
+    std::map<std::u16string, std::unique_ptr<CMemFile>> files;
+};
+
+} // namespace qv::test

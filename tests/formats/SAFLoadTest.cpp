@@ -99,7 +99,7 @@ TYPED_TEST(SAFLoadTest, RefusedFiles) {
         EXPECT_EQ(Narrow(saf.GetFilename()), "");
     }
     CSAFFile saf;
-    EXPECT_FALSE(saf.Load(nullptr));
+    EXPECT_FALSE(saf.Load(static_cast<IFile *>(nullptr)));
 }
 
 // Each hostile header loads as designed: true with the tags that could be

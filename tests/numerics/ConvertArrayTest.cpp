@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "TypedTestSupport.h"
+#include "qv/core/CpuPath.h"
 #include "qv/numerics/TypedArray.h"
 
 namespace qv {
@@ -32,6 +33,62 @@ TEST(ConvertArray, EveryPairMatchesElementRuleAtOddAddressesAndLengths) {
             }
         });
     });
+}
+
+// Floating point to integers on every CPU path: blocks of plain values take
+// the hardware's vector truncation; a block with one value it cannot take
+// (NaN, 2^31 and above, ...) goes again exactly. Same bits on every path.
+template <class S> std::vector<S> PlainWithSpecials(size_t n, size_t every) {
+    std::vector<S> specials = Samples<S>(), out;
+    for (size_t i = 0; i < n; ++i)
+        out.push_back(every && i % every == every - 1 ? specials[(i / every) % specials.size()]
+                                                      : S(double(int64_t(i * 2654435761u % 200000) - 100000) / 7));
+    return out;
+}
+
+TEST(ConvertArray, TruncationIsTheSameOnEveryCpuPath) {
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        ForEachType([path](auto sourceTag) {
+            using S = typename decltype(sourceTag)::type;
+            if constexpr (std::is_floating_point_v<S>) {
+                ForEachType([path](auto targetTag) {
+                    using D = typename decltype(targetTag)::type;
+                    for (size_t n : {size_t(1), size_t(7), size_t(256), size_t(257), size_t(1031)})
+                        for (size_t every : {size_t(0), size_t(300), size_t(5)}) {
+                            std::vector<S> source = PlainWithSpecials<S>(n, every);
+                            COddBuffer in(n * sizeof(S)), out(n * sizeof(D));
+                            in.Fill(source);
+                            ConvertArray(out.Typed<D>(), in.Typed<S>(), uint32_t(n));
+                            std::vector<D> got = out.Read<D>(n);
+                            for (size_t i = 0; i < n; ++i)
+                                ASSERT_TRUE(Same(got[i], ReferenceCast<D>(source[i])))
+                                    << "path " << path << " from " << kCode<S> << " to " << kCode<D> << " element " << i
+                                    << " of " << n;
+                            ASSERT_TRUE(out.GuardsIntact());
+                        }
+                });
+            }
+        });
+        // In place, same width.
+        std::vector<float> f = PlainWithSpecials<float>(700, 9);
+        std::vector<float> const fBefore = f;
+        ConvertArray({f.data(), DT_Int32}, {f.data(), DT_Float}, uint32_t(f.size()));
+        for (size_t i = 0; i < f.size(); ++i) {
+            int32_t got;
+            std::memcpy(&got, &f[i], sizeof got);
+            ASSERT_EQ(got, ReferenceCast<int32_t>(fBefore[i])) << "path " << path << " element " << i;
+        }
+        std::vector<double> d = PlainWithSpecials<double>(700, 9);
+        std::vector<double> const dBefore = d;
+        ConvertArray({d.data(), DT_Int64}, {d.data(), DT_Double}, uint32_t(d.size()));
+        for (size_t i = 0; i < d.size(); ++i) {
+            int64_t got;
+            std::memcpy(&got, &d[i], sizeof got);
+            ASSERT_EQ(got, ReferenceCast<int64_t>(dBefore[i])) << "path " << path << " element " << i;
+        }
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
 }
 
 TEST(ConvertArray, ExactValues) {

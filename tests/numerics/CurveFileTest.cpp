@@ -167,9 +167,13 @@ TEST(ModtranFile, ReadingRules) {
     Table noHeading("1000 0.5 1\n2000 0.5 1\n");
     EXPECT_TRUE(noHeading.ok);
     EXPECT_EQ(noHeading.x.GetSize(), 0u);
+    // A table without its -9999. line may be cut short: false, the rows kept.
     Table noEnd("\tFreQuency\r\n1000 0.5 1\r\n2000 0.5 1"); // no -9999. and no last line end
-    EXPECT_TRUE(noEnd.ok);
+    EXPECT_FALSE(noEnd.ok);
     EXPECT_EQ(ToVector(noEnd.x), (V{5.0, 10.0}));
+    Table cutInANumber("FREQ\n1000 0.5 1\n2000 0.5 1.2e-");
+    EXPECT_FALSE(cutInANumber.ok);
+    EXPECT_EQ(cutInANumber.x.GetSize(), 2u);
     Table endAtOnce("FREQ\n-9999.\n1000 1 1\n");
     EXPECT_TRUE(endAtOnce.ok);
     EXPECT_EQ(endAtOnce.x.GetSize(), 0u);
@@ -179,8 +183,8 @@ TEST(ModtranFile, ReadingRules) {
 }
 
 TEST(ModtranFile, HostileBytes) {
-    Table longLine("FREQ\n1000 1 1\n" + std::string(700, '5') + " 1 1\n2000 1 1\n");
-    EXPECT_TRUE(longLine.ok);
+    Table longLine("FREQ\n1000 1 1\n" + std::string(700, '5') + " 1 1\n2000 1 1\n-9999.\n");
+    EXPECT_FALSE(longLine.ok); // the overlong line cuts the table
     EXPECT_EQ(ToVector(longLine.x), V{10.0});
     Table special("FREQ\n0 1 1\nnan inf -inf\n1e999 1 1\n");
     ASSERT_EQ(special.x.GetSize(), 3u);

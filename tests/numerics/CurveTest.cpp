@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
 #include "Golden.h"
+#include "qv/core/CpuPath.h"
 #include "qv/numerics/Curve.h"
 #include "qv/numerics/Planck.h"
 
@@ -56,6 +58,36 @@ TEST(Curve, PlanckAtKnownPoints) {
     EXPECT_NEAR(y[0], 9.92403333007e-4, 1e-3 * 9.92e-4);
     Planck(x, y, 26.85, 0.5);
     EXPECT_NEAR(y[0], 0.5 * 9.92403333007e-4, 1e-3 * 4.97e-4);
+}
+
+// Block-wise Planck on every path gives the scalar formula's bits (stored
+// calibrations depend on them), over the band and temperatures a calibration
+// meets and beyond; the integral adds in index order on every path.
+TEST(Curve, PlanckIsTheScalarFormulaOnEveryCpuPath) {
+    TArray<double> x;
+    XAxis(x, 0.5, 30.0, uint32_t(1237));
+    std::vector<std::vector<double>> byPath;
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        std::vector<double> all;
+        for (double t : {-270.0, -200.0, -40.0, 0.0, 25.0, 100.0, 1000.0, 3000.0}) {
+            TArray<double> y;
+            Planck(x, y, t, 0.9);
+            ASSERT_EQ(y.GetSize(), x.GetSize());
+            double const kelvin = t + 273.15;
+            for (uint32_t i = 0; i < x.GetSize(); ++i) {
+                double const l = x[i], l2 = l * l, l5 = l2 * l2 * l;
+                double const want = 0.9 * (11910.06 / l5) * 1 / (std::exp(14388.3 / (l * kelvin)) - 1);
+                ASSERT_EQ(y[i], want) << "path " << path << " t " << t << " l " << l;
+                all.push_back(y[i]);
+            }
+            all.push_back(IntegrateRectTR(x, y));
+        }
+        byPath.push_back(all);
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
+    for (size_t p = 1; p < byPath.size(); ++p)
+        ASSERT_EQ(std::memcmp(byPath[p].data(), byPath[0].data(), byPath[0].size() * sizeof(double)), 0) << p;
 }
 
 TEST(Curve, WholeArrayOperations) {

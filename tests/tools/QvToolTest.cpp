@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -18,6 +19,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "qv/core/Version.h"
 
 extern char **environ;
 
@@ -31,6 +34,7 @@ std::string const kResponse = kData + "/NelisW__pyradi__pyradi__data__MWIRsensor
 std::string const kAtmosphere = kData + "/NelisW__pyradi__pyradi__data__tape7-02.table";
 std::string const kCounts = kData + "/cal_counts.csv";
 std::string const kSaf = kData + "/sample.saf";
+std::string const kCsvHeading = "page,counts,radiance,celsius,in_range,truth,error\n";
 
 std::string ReadFile(std::string const &path) {
     std::ifstream in(path, std::ios::binary);
@@ -65,12 +69,16 @@ protected:
     std::string Path(char const *name) const { return dir + "/" + name; }
 
     // Runs the tool with the arguments, its standard output and error going
-    // to files (no pipe to fill up). A sanitizer report fails the test
-    // whatever the exit status.
-    SRun Run(std::vector<std::string> const &args) const {
-        std::string const out = Path("stdout"), err = Path("stderr");
+    // to files (no pipe to fill up), standard input from a file (/dev/null
+    // unless given). A sanitizer report fails the test whatever the exit
+    // status. Output sent elsewhere (/dev/full) reads back empty.
+    SRun Run(std::vector<std::string> const &args, std::string const &in = "/dev/null",
+             std::string const &sendOutTo = "") const {
+        std::string const out = sendOutTo.empty() ? Path("stdout") : sendOutTo, err = Path("stderr");
+        std::remove(Path("stdout").c_str());
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         std::vector<char *> argv{const_cast<char *>(QV_TOOL)};
@@ -87,19 +95,26 @@ protected:
             return run;
         }
         run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-        run.out = ReadFile(out);
+        run.out = ReadFile(Path("stdout"));
         run.err = ReadFile(err);
         EXPECT_FALSE(Contains(run.err, "Sanitizer") || Contains(run.err, "runtime error")) << run.err;
         return run;
     }
 
-    // A failure the tool reports itself: its exit code and a message, nothing
-    // on standard output.
-    void ExpectRefused(std::vector<std::string> const &args, int code, std::string const &message) const {
-        SRun run = Run(args);
+    // A failure the tool reports itself: its exit code and one message line,
+    // nothing on standard output but (for qv cal) the CSV heading.
+    void ExpectRefused(std::vector<std::string> const &args, int code, std::string const &message,
+                       std::string const &in = "/dev/null") const {
+        SRun run = Run(args, in);
         EXPECT_EQ(run.status, code) << args[0] << " " << args.back() << "\n" << run.err;
-        EXPECT_TRUE(Contains(run.err, message)) << run.err;
-        EXPECT_EQ(run.out, "");
+        EXPECT_TRUE(Contains(run.err, message)) << "wanted: " << message << "\ngot: " << run.err;
+        EXPECT_TRUE(run.out == "" || run.out == kCsvHeading) << run.out;
+    }
+
+    // Writes a file in the test's directory and gives its path.
+    std::string Write(char const *name, std::string const &content) const {
+        std::ofstream(Path(name), std::ios::binary) << content;
+        return Path(name);
     }
 
     std::string dir;
@@ -120,18 +135,20 @@ std::vector<std::string> SplitCsv(std::string const &line) {
     return fields;
 }
 
-SCalOutput ParseCal(std::string const &out) {
+// The prose on standard error, the CSV (heading first) on standard output.
+SCalOutput ParseCal(SRun const &run) {
     SCalOutput parsed;
-    std::stringstream in(out);
+    std::stringstream csv(run.out);
+    std::string line;
+    std::getline(csv, line);
+    EXPECT_EQ(line + "\n", kCsvHeading);
+    while (std::getline(csv, line))
+        parsed.rows.push_back(SplitCsv(line));
+    std::stringstream in(run.err);
     int page = -1;
-    bool table = false;
     std::string const fitLine = "  temperature fit error over the lookup: at most ";
-    for (std::string line; std::getline(in, line);) {
-        if (table) {
-            parsed.rows.push_back(SplitCsv(line));
-        } else if (line == "page,counts,radiance,celsius,in_range,truth,error") {
-            table = true;
-        } else if (line.rfind("page ", 0) == 0) {
+    while (std::getline(in, line)) {
+        if (line.rfind("page ", 0) == 0) {
             page = std::atoi(line.c_str() + 5);
         } else if (line.rfind(fitLine, 0) == 0) {
             parsed.fitError[page] =
@@ -144,14 +161,14 @@ SCalOutput ParseCal(std::string const &out) {
 TEST_F(QvTool, CalConvertsTheSampleCountsWithinTheFitError) {
     SRun run = Run({"cal", kPoints, kResponse, kAtmosphere, kCounts});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.err, "");
-    EXPECT_TRUE(Contains(run.out, "response: file (band ")) << run.out;
-    EXPECT_TRUE(Contains(run.out, "atmosphere: transmission and path radiance\n"));
-    EXPECT_TRUE(Contains(run.out, "page 0: 9 points, 8 enabled\n")) << run.out;
-    EXPECT_TRUE(Contains(run.out, "page 1: 9 points, 8 enabled\n")) << run.out;
+    // The prose goes to standard error, only the CSV to standard output.
+    EXPECT_TRUE(Contains(run.err, "response: file (band ")) << run.err;
+    EXPECT_TRUE(Contains(run.err, "atmosphere: transmission and path radiance\n"));
+    EXPECT_TRUE(Contains(run.err, "page 0: 9 points, 8 enabled\n")) << run.err;
+    EXPECT_TRUE(Contains(run.err, "page 1: 9 points, 8 enabled\n")) << run.err;
 
-    SCalOutput cal = ParseCal(run.out);
-    ASSERT_EQ(cal.fitError.size(), 2u) << run.out;
+    SCalOutput cal = ParseCal(run);
+    ASSERT_EQ(cal.fitError.size(), 2u) << run.err;
     for (auto const &[page, error] : cal.fitError) {
         EXPECT_GE(error, 0.0) << page;
         EXPECT_LT(error, 1.0) << page; // a sixth-order fit over the lookup is far better than a degree
@@ -171,13 +188,20 @@ TEST_F(QvTool, CalConvertsTheSampleCountsWithinTheFitError) {
     }
     EXPECT_EQ(perPage[0], 5);
     EXPECT_EQ(perPage[1], 5);
+    EXPECT_TRUE(Contains(run.out, "0,3183.00,2.777914e-06,-5.349,yes,-5.000,-0.349\n")) << run.out;
+
+    // --csv: the same CSV and no prose.
+    SRun csv = Run({"cal", "--csv", kPoints, kResponse, kAtmosphere, kCounts});
+    ASSERT_EQ(csv.status, 0) << csv.err;
+    EXPECT_EQ(csv.out, run.out);
+    EXPECT_EQ(csv.err, "");
 }
 
 TEST_F(QvTool, CalConvertsAListOfCountsThroughEveryPage) {
     SRun run = Run({"cal", kPoints, kResponse, "none", "3000,9000"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "atmosphere: none\n"));
-    SCalOutput cal = ParseCal(run.out);
+    EXPECT_TRUE(Contains(run.err, "atmosphere: none\n"));
+    SCalOutput cal = ParseCal(run);
     ASSERT_EQ(cal.rows.size(), 4u) << run.out; // two counts, each through both pages
     for (auto const &row : cal.rows) {
         ASSERT_EQ(row.size(), 7u) << run.out;
@@ -190,14 +214,28 @@ TEST_F(QvTool, CalConvertsAListOfCountsThroughEveryPage) {
     EXPECT_EQ(cal.rows[3][0] + "," + cal.rows[3][1], "1,9000.00");
 }
 
+TEST_F(QvTool, CalReadsAnyOneInputFromStandardInput) {
+    SRun files = Run({"cal", kPoints, kResponse, kAtmosphere, kCounts});
+    ASSERT_EQ(files.status, 0) << files.err;
+    for (int which : {1, 2, 3, 4}) {
+        std::vector<std::string> args{"cal", kPoints, kResponse, kAtmosphere, kCounts};
+        std::string in = args[size_t(which)];
+        args[size_t(which)] = "-";
+        SRun piped = Run(args, in);
+        EXPECT_EQ(piped.status, 0) << which << piped.err;
+        EXPECT_EQ(piped.out, files.out) << which;
+    }
+    ExpectRefused({"cal", "-", kResponse, kAtmosphere, "-"}, 1, "only one input can be standard input");
+}
+
 TEST_F(QvTool, CalWithATopHatResponse) {
     SRun run = Run({"cal", kPoints, "tophat:3.5:4.9:0.01", "none", kCounts});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "response: top hat (band 3.5 to 4.9 um, 141 points on the final axis)\n")) << run.out;
-    EXPECT_TRUE(Contains(run.out, "temperature -10 to 60 C\n")) << run.out;
-    EXPECT_TRUE(Contains(run.out, "temperature 40 to 150 C\n")) << run.out;
-    SCalOutput cal = ParseCal(run.out);
-    EXPECT_EQ(cal.fitError.size(), 2u) << run.out;
+    EXPECT_TRUE(Contains(run.err, "response: top hat (band 3.5 to 4.9 um, 141 points on the final axis)\n")) << run.err;
+    EXPECT_TRUE(Contains(run.err, "temperature -10 to 60 C\n")) << run.err;
+    EXPECT_TRUE(Contains(run.err, "temperature 40 to 150 C\n")) << run.err;
+    SCalOutput cal = ParseCal(run);
+    EXPECT_EQ(cal.fitError.size(), 2u) << run.err;
     ASSERT_EQ(cal.rows.size(), 10u) << run.out;
     // Another band than the camera's misses the truth by degrees, but more
     // counts still read warmer on each page.
@@ -208,35 +246,162 @@ TEST_F(QvTool, CalWithATopHatResponse) {
         }
     }
 
-    for (char const *bad : {"tophat:", "tophat:3:5", "tophat:5:3:0", "tophat:3:5:x", "tophat:3:5:0.01:9"})
+    for (char const *bad : {"tophat:", "tophat:3:5", "tophat:5:3:0", "tophat:3:5:x", "tophat:3:5:0.01:9",
+                            "tophat:-5:5:0.1", "tophat:3:5:1e-9", "tophat:5:3:0.01", "tophat:3:nan:0.1"})
         ExpectRefused({"cal", kPoints, bad, "none", kCounts}, 1, "bad top hat");
 }
 
-TEST_F(QvTool, CalRefusesMissingFilesAndJunk) {
+TEST_F(QvTool, CalRefusesMissingFilesWithTheSystemsReason) {
     std::string const missing = Path("missing.csv");
-    ExpectRefused({"cal", missing, kResponse, kAtmosphere, kCounts}, 1, "cannot open " + missing);
-    ExpectRefused({"cal", kPoints, missing, kAtmosphere, kCounts}, 1, "response " + missing);
-    ExpectRefused({"cal", kPoints, kResponse, missing, kCounts}, 1, "atmosphere " + missing);
-    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, missing}, 1, "nor is it a list of numbers");
+    std::string const reason = ": No such file or directory";
+    ExpectRefused({"cal", missing, kResponse, kAtmosphere, kCounts}, 1, "cannot open " + missing + reason);
+    ExpectRefused({"cal", kPoints, missing, kAtmosphere, kCounts}, 1, "cannot open " + missing + reason);
+    ExpectRefused({"cal", kPoints, kResponse, missing, kCounts}, 1, "cannot open " + missing + reason);
+    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, missing}, 1, "cannot open " + missing + reason);
+    ExpectRefused({"cal", dir, kResponse, kAtmosphere, kCounts}, 1, "cannot read " + dir + ": Is a directory");
+    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, dir}, 1, "cannot read " + dir + ": Is a directory");
+    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere}, 2,
+                  "usage: qv cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS");
+    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, kCounts, "extra"}, 2, "usage: qv cal");
+}
 
-    std::string const junk = Path("junk.csv");
-    std::ofstream(junk) << "0,20,1,abc,none,0,0,0,1\n";
-    ExpectRefused({"cal", junk, kResponse, "none", kCounts}, 1, junk + ":1: not a point");
-    std::ofstream(junk) << "# a comment\n5,20,1,3000,none,0,0,0,1\n";
-    ExpectRefused({"cal", junk, kResponse, "none", kCounts}, 1, junk + ":2: not a point (or page beyond 3)");
-    std::ofstream(junk) << "order,0,zero\n";
-    ExpectRefused({"cal", junk, kResponse, "none", kCounts}, 1, junk + ":1: not a setting");
-    std::ofstream(junk) << "# nothing but a comment\n";
-    ExpectRefused({"cal", junk, kResponse, "none", kCounts}, 1, "holds no points");
-    std::ofstream(junk) << "page,counts\n0,1e400,2,3\n";
-    ExpectRefused({"cal", kPoints, kResponse, "none", junk}, 1, junk + ":2: expected page,counts[,truth]");
-    std::ofstream(junk) << "3,5000\n";
-    SRun beyond = Run({"cal", kPoints, kResponse, "none", junk}); // found after the pages are printed
+// Points files whose fit would be nonsense, and values no source can have.
+TEST_F(QvTool, CalRefusesPointsThatFitNothing) {
+    std::string const head = "page,temperature,emissivity,counts,reflected,reflected_temperature,"
+                             "reflected_emissivity,reflected_radiance,enabled\n";
+    std::string const good = "0,10,1,3000,none,0,1,0,1\n0,40,1,9000,none,0,1,0,1\n";
+    auto refused = [&](std::string const &points, std::string const &message) {
+        ExpectRefused({"cal", Write("points.csv", points), kResponse, "none", kCounts}, 1, message);
+    };
+    refused(head + "0,10,1,3000,none,0,1,0,1\n", "page 0 needs enabled points at 2 or more different temperatures");
+    refused(head + "0,10,1,3000,none,0,1,0,0\n0,40,1,9000,none,0,1,0,0\n", "it has 0");
+    refused(head + "0,10,1,3000,none,0,1,0,1\n0,40,1,3000,none,0,1,0,1\n",
+            "needs 2 enabled points with different counts");
+    refused(head + "0,10,1,nan,none,0,1,0,1\n0,40,1,9000,none,0,1,0,1\n", ":2: the counts must be a finite number");
+    refused(head, "holds no points");
+    refused(head + "1,10,1,3000,none,0,1,0,1\n1,40,1,9000,none,0,1,0,1\n", "page 0 has no points");
+    refused(good + "order,1,1\n", "page 1 has no points");
+    refused(head + "0,-400,1,3000,none,0,1,0,1\n", ":2: the temperature must be a number from -273.15");
+    refused(head + "0,10,-5,3000,none,0,1,0,1\n", ":2: the emissivity must be a number from 0 to 1");
+    refused(head + "0,10,1,3000,none,-300,1,0,1\n", ":2: the reflected temperature must be");
+    refused(head + "0,10,1,3000,none,0,2,0,1\n", ":2: the reflected emissivity must be");
+    refused(head + "0,10,1,3000,none,0,1,-1,1\n", ":2: the reflected radiance must be");
+    refused(head + "0,10,1,3000,mirror,0,1,0,1\n", ":2: reflected must be none, radiance or temperature");
+    refused(head + "0,10,1,3000,none,0,1,0,2\n", ":2: enabled must be 0 or 1");
+    refused(head + "5,10,1,3000,none,0,1,0,1\n", ":2: the page must be 0 to 3");
+    refused(head + "0,10,1,3000,none,0,1,0\n", ":2: a point has 9 fields, this line 8");
+    refused("0,20,1,abc,none,0,0,0,1\n", ":1: the counts must be a finite number");
+}
+
+TEST_F(QvTool, CalRefusesSettingsItWouldChange) {
+    std::string const points = ReadFile(kPoints);
+    auto refused = [&](std::string const &setting, std::string const &message) {
+        ExpectRefused({"cal", Write("points.csv", points + setting), kResponse, "none", kCounts}, 1, message);
+    };
+    refused("temporder,0,-1\n", "temporder must be a whole number from 1 to 6");
+    refused("temporder,0,100\n", "temporder must be a whole number from 1 to 6");
+    refused("order,0,20\n", "a fit of order 20 needs 21 enabled points with different counts; page 0 has 8");
+    refused("order,0,0\n", "the order must be a whole number of 1 or more");
+    refused("order,0,zero\n", "the order must be a whole number");
+    refused("lookup,0,0,1e6,0.001\n", "the lookup STEP must be above 0 and make at most 100000 entries");
+    refused("lookup,0,70,-20,0.5\n", "the lookup needs START below END");
+    refused("lookup,0,-400,20,0.5\n", "the lookup needs START below END, both from -273.15");
+    refused("lookup,0,0,20\n", "lookup takes PAGE,START,END,STEP");
+    // A misspelt setting is an error, not a header skipped in silence.
+    refused("Temporder,0,6\n", ":28: unknown setting 'Temporder' (the settings are order, temporder and lookup)");
+    refused("page,temperature\n", "unknown setting 'page'"); // a header only comes first
+    // The largest order the points carry is taken as it is.
+    SRun seventh = Run({"cal", Write("points.csv", points + "order,0,7\n"), kResponse, "none", kCounts});
+    EXPECT_EQ(seventh.status, 0) << seventh.err;
+    EXPECT_TRUE(Contains(seventh.err, "counts to radiance (order 7, ")) << seventh.err;
+}
+
+// Response and atmosphere tables the library's readers would take in part,
+// or whose values make the radiances meaningless.
+TEST_F(QvTool, CalRefusesBrokenCurveTables) {
+    std::string const response = ReadFile(kResponse), table = ReadFile(kAtmosphere);
+    auto refusedResponse = [&](std::string const &text, std::string const &message) {
+        ExpectRefused({"cal", kPoints, Write("response.txt", text), "none", kCounts}, 1, message);
+    };
+    auto refusedTable = [&](std::string const &text, std::string const &message) {
+        ExpectRefused({"cal", kPoints, kResponse, Write("table.txt", text), kCounts}, 1, message);
+    };
+    refusedResponse("wavelength,response\n" + response, ":1: expected two numbers (wavelength in microns, response)");
+    refusedResponse(response + "junk\n4.9 0.5\n", ":61: expected two numbers");
+    refusedResponse("4.7 0\n   \n4.8 1\n", ":2: expected two numbers"); // a blank line would end the reading
+    refusedResponse(ReadFile(kSaf), "is not a text file (it holds a NUL byte)");
+    refusedResponse("4.7 0\n4.8 1\n4.75 0.5\n",
+                    "is not a usable response: wavelengths must be above 0 and rise or fall");
+    refusedResponse("4.7 0\n4.8 0\n4.9 0\n", "responses must be 0 or more with a peak above 0");
+    refusedResponse("4.7 -1\n4.8 -2\n", "is not a usable response");
+    refusedResponse("4.7 1\n", "holds fewer than 2 rows");
+    refusedResponse(std::string(600, '4') + " 1\n", ":1: the line is longer than 511 bytes");
+
+    std::string const end = "-9999.\n";
+    ASSERT_TRUE(Contains(table, end));
+    std::string const cut = table.substr(0, table.find(end));
+    refusedTable(cut, "the MODTRAN table has no -9999. end line (is it cut short?)");
+    refusedTable(cut.substr(0, cut.size() - 6), "the MODTRAN table has no -9999. end line");
+    refusedTable(cut.substr(0, cut.size() - 4) + "\n" + end,
+                 "expected a row of frequency, transmission and path radiance");
+    refusedTable(response, "is not a MODTRAN table: it has no FREQ heading line");
+    refusedTable("FREQ\n2000 1.5 0\n2100 0.5 0\n-9999.\n", "transmissions lie in 0..1");
+    refusedTable("FREQ\n2000 0.5 -1\n2100 0.5 0\n-9999.\n", "path radiances are 0 or more");
+    refusedTable("FREQ\n2000 0.5 0\n2100 0.5 0\n2050 0.5 0\n-9999.\n", "frequencies must be above 0 and rise or fall");
+}
+
+TEST_F(QvTool, CalTakesAResponseInFallingOrder) {
+    std::vector<std::string> lines;
+    std::stringstream in(ReadFile(kResponse));
+    for (std::string line; std::getline(in, line);)
+        lines.insert(lines.begin(), line);
+    std::string reversed;
+    for (std::string const &line : lines)
+        reversed += line + "\n";
+    SRun rising = Run({"cal", kPoints, kResponse, kAtmosphere, kCounts});
+    SRun falling = Run({"cal", kPoints, Write("falling.txt", reversed), kAtmosphere, kCounts});
+    ASSERT_EQ(falling.status, 0) << falling.err;
+    EXPECT_EQ(falling.out, rising.out);
+}
+
+TEST_F(QvTool, CalRefusesCountsThatAreNoCounts) {
+    auto refused = [&](std::string const &counts, std::string const &message) {
+        ExpectRefused({"cal", kPoints, kResponse, "none", counts}, 1, message);
+    };
+    refused(Write("empty.csv", ""), "empty.csv holds no counts");
+    refused(Write("header.csv", "page,counts\n# nothing\n"), "holds no counts");
+    refused(kSaf, "is not a text file (it holds a NUL byte)");
+    refused("/dev/zero", "/dev/zero is not a text file");
+    refused(Write("counts.csv", "page,counts\n0,1e400,2,3\n"), "counts.csv:2: expected page,counts[,truth]");
+    refused(Write("counts.csv", "0,nan\n"), "counts.csv:1: expected page,counts[,truth]");
+    refused(Write("counts.csv", "0,3000,-300\n"), "counts.csv:1: expected page,counts[,truth]");
+    refused(Write("counts.csv", std::string(5000, '1') + "\n"), "counts.csv:1: the line is longer than 4096 bytes");
+    refused("3000,nan", "the counts list holds a number that is not finite");
+    // Rows stream out as they are read; a bad row later still fails the run.
+    SRun beyond = Run({"cal", kPoints, kResponse, "none", Write("counts.csv", "0,3000\n3,5000\n")});
     EXPECT_EQ(beyond.status, 1);
     EXPECT_TRUE(Contains(beyond.err, "qv: counts for page 3, which does not exist")) << beyond.err;
+    SRun header = Run({"cal", kPoints, kResponse, "none", Write("counts.csv", "0,3000\nPage,counts\n")});
+    EXPECT_EQ(header.status, 1);
+    EXPECT_TRUE(Contains(header.err, "counts.csv:2: expected page,counts[,truth]")) << header.err;
+}
 
-    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere}, 2, "usage: qv cal POINTS RESPONSE ATMOSPHERE COUNTS");
-    ExpectRefused({"cal", kPoints, kResponse, kAtmosphere, kCounts, "extra"}, 2, "usage: qv cal");
+// Work stays bounded by a documented limit whatever the input's size.
+TEST_F(QvTool, CalBoundsItsWork) {
+    std::string const huge = Path("huge.csv");
+    ASSERT_EQ(truncate(Write("huge.csv", "").c_str(), off_t(2) << 30), 0); // 2 GB, sparse
+    ExpectRefused({"cal", huge, kResponse, "none", kCounts}, 1, "huge.csv is larger than the 16 MiB an input may hold");
+    ExpectRefused({"cal", kPoints, huge, "none", kCounts}, 1, "is larger than the 16 MiB");
+    ExpectRefused({"cal", "-", kResponse, "none", kCounts}, 1, "standard input is not a text file", "/dev/zero");
+
+    // Many points are added at once and fitted once.
+    std::string points = "order,0,1\n";
+    for (int i = 0; i < 10000; ++i)
+        points += "0," + std::to_string(i % 100) + ",1," + std::to_string(3000 + 100 * (i % 100) + i / 100) +
+                  ",none,0,1,0,1\n";
+    SRun many = Run({"cal", Write("many.csv", points), kResponse, "none", "3000"});
+    EXPECT_EQ(many.status, 0) << many.err;
+    EXPECT_TRUE(Contains(many.err, "page 0: 10000 points, 10000 enabled\n")) << many.err;
 }
 
 TEST_F(QvTool, SafShowAndSetOnACopy) {
@@ -247,6 +412,9 @@ TEST_F(QvTool, SafShowAndSetOnACopy) {
     EXPECT_TRUE(Contains(shown.out, "Width = 64\n"));
     EXPECT_TRUE(Contains(shown.out, "\ndata offset: 2271\n")) << shown.out;
     EXPECT_FALSE(Contains(shown.out, "Operator"));
+    SRun piped = Run({"saf", "show", "-"}, kSaf);
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    EXPECT_EQ(piped.out, shown.out);
 
     std::string const copy = Path("sample.saf");
     std::filesystem::copy_file(kSaf, copy);
@@ -257,20 +425,90 @@ TEST_F(QvTool, SafShowAndSetOnACopy) {
     SRun changed = Run({"saf", "set", copy, "Camera", "bench rig"});
     ASSERT_EQ(changed.status, 0) << changed.err;
     EXPECT_TRUE(Contains(changed.out, "Camera: 'qv synthetic camera' -> 'bench rig'\n")) << changed.out;
+    // A value is shown as a load reads it back: without its outer blanks.
+    SRun blanks = Run({"saf", "set", copy, "Lens", "  25 mm  "});
+    ASSERT_EQ(blanks.status, 0) << blanks.err;
+    EXPECT_TRUE(Contains(blanks.out, "Lens: added '25 mm'\n")) << blanks.out;
+    SRun negative = Run({"saf", "set", copy, "Offset", "-5"}); // a negative number is no option
+    ASSERT_EQ(negative.status, 0) << negative.err;
+    SRun dashed = Run({"saf", "set", "--", copy, "Note", "--json"}); // -- ends the options
+    ASSERT_EQ(dashed.status, 0) << dashed.err;
+    EXPECT_TRUE(Contains(dashed.out, "Note: added '--json'\n")) << dashed.out;
 
     SRun after = Run({"saf", "show", copy});
     ASSERT_EQ(after.status, 0) << after.err;
-    EXPECT_TRUE(Contains(after.out, "Operator = Night shift\n")) << after.out;
-    EXPECT_TRUE(Contains(after.out, "Camera = bench rig\n")) << after.out;
+    for (char const *line : {"Operator = Night shift\n", "Camera = bench rig\n", "Lens = 25 mm\n", "Offset = -5\n"})
+        EXPECT_TRUE(Contains(after.out, line)) << line << after.out;
     EXPECT_TRUE(Contains(after.out, "\ndata offset: 2271\n")) << after.out;
     // The frames behind the header are untouched.
     EXPECT_EQ(ReadFile(copy).substr(2271), original.substr(2271));
-
-    ExpectRefused({"saf", "set", copy, "bad name", "x"}, 1, "cannot store tag 'bad name'");
-    ExpectRefused({"saf", "show", Path("missing.saf")}, 1, "cannot open");
-    std::ofstream(Path("junk.saf")) << "not a header\n";
-    ExpectRefused({"saf", "show", Path("junk.saf")}, 1, "is not a SAF file");
     EXPECT_EQ(ReadFile(kSaf), original);
+}
+
+TEST_F(QvTool, SafRefusesWhatItCannotDo) {
+    std::string const copy = Path("sample.saf");
+    std::filesystem::copy_file(kSaf, copy);
+    std::string const before = ReadFile(copy);
+    ExpectRefused({"saf", "set", copy, "bad name", "x"}, 1, "cannot store tag 'bad name'");
+    ExpectRefused({"saf", "set", copy, "DATA", "x"}, 1, "DATA is not a tag one can set");
+    ExpectRefused({"saf", "set", copy, "saf_padding", "x"}, 1, "saf_padding is not a tag one can set");
+    ExpectRefused({"saf", "set", copy, "", "x"}, 1, "a tag name cannot be empty");
+    ExpectRefused({"saf", "set", "-", "Camera", "x"}, 1, "standard input cannot be changed");
+    EXPECT_EQ(ReadFile(copy), before);
+
+    ExpectRefused({"saf", "show", Path("missing.saf")}, 1,
+                  "cannot open " + Path("missing.saf") + ": No such file or directory");
+    ExpectRefused({"saf", "show", dir}, 1, "cannot open " + dir + ": Is a directory");
+    ExpectRefused({"saf", "show", Write("junk.saf", "not a header\n")}, 1, "is not a SAF file");
+    ExpectRefused({"saf", "show", "-"}, 1, "standard input is not a SAF file", Write("junk.saf", "x\n"));
+    if (geteuid() != 0) {
+        std::filesystem::permissions(copy, std::filesystem::perms::owner_read);
+        ExpectRefused({"saf", "set", copy, "Camera", "x"}, 1, "cannot open " + copy + ": Permission denied");
+    }
+}
+
+TEST_F(QvTool, SafShowEscapesBinaryBytes) {
+    std::string const header = std::string("HdSize auto\r\nRaw a\x1b[2J\x01\xff\\b\r\nText \xc3\xa9t\xc3\xa9\r\n") +
+                               "Csi \xc2\x9b" + "1m\r\nDATA\r\n";
+    std::string const file = Write("binary.saf", header + std::string(16, '\0'));
+    SRun shown = Run({"saf", "show", file});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    // The loader made U+FFFD of the byte that is no UTF-8.
+    EXPECT_TRUE(Contains(shown.out, "Raw = a\\x1B[2J\\x01\xef\xbf\xbd\\\\b\n")) << shown.out;
+    EXPECT_TRUE(Contains(shown.out, "Text = \xc3\xa9t\xc3\xa9\n")) << shown.out; // text passes as it is
+    EXPECT_TRUE(Contains(shown.out, "Csi = \\x9B1m\n")) << shown.out;
+    for (char c : shown.out)
+        EXPECT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20) << int(c);
+}
+
+// --json output is one object a JSON parser reads; python3 judges it where
+// it is installed.
+TEST_F(QvTool, JsonOutputsParse) {
+    SRun saf = Run({"saf", "show", "--json", kSaf});
+    ASSERT_EQ(saf.status, 0) << saf.err;
+    EXPECT_EQ(saf.out.rfind("{\"file\":", 0), 0u) << saf.out;
+    EXPECT_TRUE(Contains(saf.out, "{\"name\":\"Camera\",\"value\":\"qv synthetic camera\"}")) << saf.out;
+    EXPECT_TRUE(Contains(saf.out, "\"dataOffset\":2271}\n")) << saf.out;
+    SRun date = Run({"date", "--json", "2024-02-29 13:45:10"});
+    ASSERT_EQ(date.status, 0) << date.err;
+    EXPECT_TRUE(Contains(date.out, "\"year\":2024,\"month\":2,\"day\":29,")) << date.out;
+    EXPECT_TRUE(Contains(date.out, "\"irig\":\"13:45:10.000000\"")) << date.out;
+    SRun band = Run({"band", "--json", kResponse, "35"});
+    ASSERT_EQ(band.status, 0) << band.err;
+    EXPECT_TRUE(Contains(band.out, "\"kind\":\"response\",\"points\":60,\"start\":4.7,\"end\":4.8239,")) << band.out;
+    EXPECT_TRUE(Contains(band.out, "\"bandLow\":4.721,\"bandHigh\":4.8029}")) << band.out;
+    std::string const header = std::string("HdSize auto\r\nRaw \"q\"\x01\xff\\\r\nDATA\r\n");
+    SRun binary = Run({"saf", "show", "--json", Write("binary.saf", header)});
+    ASSERT_EQ(binary.status, 0) << binary.err;
+    EXPECT_TRUE(Contains(binary.out, "\"value\":\"\\\"q\\\"\\u0001\xef\xbf\xbd\\\\\"")) << binary.out;
+
+    if (std::system("python3 -c '' 2>/dev/null") != 0) GTEST_SKIP() << "python3 is not installed";
+    for (SRun const *run : {&saf, &date, &band, &binary}) {
+        std::string const json = Write("out.json", run->out);
+        std::string const check =
+            "python3 -c 'import json,sys; json.load(open(sys.argv[1], encoding=\"utf-8\"))' " + json;
+        EXPECT_EQ(std::system(check.c_str()), 0) << run->out;
+    }
 }
 
 TEST_F(QvTool, DatePrintsTheFieldsAndBothForms) {
@@ -297,6 +535,9 @@ TEST_F(QvTool, BandOfAResponseAndAnAtmosphere) {
     // The first and last samples above half the peak of 1.
     EXPECT_TRUE(Contains(response.out, "\nband (half maximum): 4.721 to 4.8029 um\n")) << response.out;
     EXPECT_TRUE(Contains(response.out, "\nin-band radiance at 35 C: ")) << response.out;
+    SRun piped = Run({"band", "-", "35"}, kResponse);
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    EXPECT_EQ(piped.out.substr(piped.out.find(':')), response.out.substr(response.out.find(':')));
 
     SRun atmosphere = Run({"band", kAtmosphere, "35"});
     ASSERT_EQ(atmosphere.status, 0) << atmosphere.err;
@@ -312,22 +553,81 @@ TEST_F(QvTool, BandOfAResponseAndAnAtmosphere) {
     EXPECT_NEAR(Number(atmosphere.out.substr(total + at.size(), 12)), sum, 1e-10) << atmosphere.out;
     EXPECT_GT(sum, 0.0);
 
+    SRun csv = Run({"band", "--csv", kAtmosphere, "35"});
+    ASSERT_EQ(csv.status, 0) << csv.err;
+    EXPECT_EQ(csv.out.rfind("wavelength_um,transmission,path_radiance\n", 0), 0u) << csv.out;
+    EXPECT_EQ(std::count(csv.out.begin(), csv.out.end(), '\n'), 52);
+    SRun curve = Run({"band", "--csv", kResponse, "35"});
+    ASSERT_EQ(curve.status, 0) << curve.err;
+    EXPECT_TRUE(Contains(curve.out, "wavelength_um,response\n4.7,0\n")) << curve.out;
+}
+
+TEST_F(QvTool, BandRefusesWhatHasNoRadiance) {
     ExpectRefused({"band", kResponse, "warm"}, 2, "usage: qv band FILE CELSIUS");
-    ExpectRefused({"band", Path("missing.txt"), "35"}, 1, "cannot open");
+    ExpectRefused({"band", kResponse, "1e308"}, 2, "usage: qv band FILE CELSIUS");
+    ExpectRefused({"band", kResponse, "-300"}, 2, "usage: qv band FILE CELSIUS");
+    ExpectRefused({"band", Path("missing.txt"), "35"}, 1, "missing.txt: No such file or directory");
+    ExpectRefused({"band", kSaf, "35"}, 1, "is not a text file (it holds a NUL byte)");
+    ExpectRefused({"band", Write("header.saf", "HdSize 2271\r\nWidth 64\r\n"), "35"}, 1,
+                  ":1: expected two numbers (wavelength in microns, response), found 'HdSize 2271'");
+    ExpectRefused({"band", Write("falling.txt", "4.7 0\n4.8 1\n4.75 0.5\n"), "35"}, 1, "is not a usable response");
+    SRun falling = Run({"band", Write("falling.txt", "4.8 1\n4.75 0.5\n4.7 0\n"), "35"});
+    EXPECT_EQ(falling.status, 0) << falling.err;
+    EXPECT_TRUE(Contains(falling.out, "3 points, 4.7 to 4.8 um\n")) << falling.out;
+    std::string const table = ReadFile(kAtmosphere);
+    ExpectRefused({"band", Write("cut.table", table.substr(0, table.find("-9999."))), "35"}, 1, "no -9999. end line");
+}
+
+TEST_F(QvTool, HelpAndVersion) {
+    for (std::vector<std::string> args : {std::vector<std::string>{"--help"}, {"-h"}, {"help"}}) {
+        SRun help = Run(args);
+        EXPECT_EQ(help.status, 0) << args[0];
+        EXPECT_TRUE(Contains(help.out, "usage: qv COMMAND [ARGUMENTS]")) << help.out;
+        EXPECT_TRUE(Contains(help.out, "  cal [--csv] POINTS RESPONSE ATMOSPHERE COUNTS\n")) << help.out;
+        EXPECT_TRUE(Contains(help.out, "  saf show [--json] FILE\n")) << help.out;
+        EXPECT_EQ(help.err, "");
+    }
+    for (std::vector<std::string> args : {std::vector<std::string>{"help", "saf", "show"},
+                                          {"saf", "show", "--help"},
+                                          {"saf", "show", "-h", "ignored.saf"}}) {
+        SRun help = Run(args);
+        EXPECT_EQ(help.status, 0) << args.back();
+        EXPECT_EQ(help.out.rfind("usage: qv saf show [--json] FILE\n", 0), 0u) << help.out;
+    }
+    SRun cal = Run({"cal", "--help"});
+    EXPECT_EQ(cal.status, 0);
+    EXPECT_TRUE(Contains(cal.out, "  COUNTS      a file of page,counts[,truth] lines")) << cal.out;
+    ExpectRefused({"help", "frobnicate"}, 2, "qv: no command 'frobnicate'");
+
+    SRun version = Run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, "qv " QV_VERSION_STRING "\n");
 }
 
 TEST_F(QvTool, WrongCommandLinesPrintUsage) {
     ExpectRefused({"frobnicate"}, 2, "qv: unknown command 'frobnicate'");
-    ExpectRefused({"saf"}, 2, "unknown command 'saf'");
-    ExpectRefused({"date"}, 2, "usage: qv date TEXT");
+    ExpectRefused({"saf"}, 2, "qv: 'saf' needs a sub-command: 'saf show', 'saf set'");
+    ExpectRefused({"date"}, 2, "usage: qv date [--json] TEXT");
+    ExpectRefused({"date", "--csv", "2024-01-01"}, 2, "qv date: unknown option '--csv'");
+    ExpectRefused({"saf", "show", "--frobnicate", kSaf}, 2, "qv saf show: unknown option '--frobnicate'");
+    ExpectRefused({"band", "--json", "--csv", kResponse, "35"}, 2, "--json and --csv cannot be given together");
     SRun bare = Run({});
     EXPECT_EQ(bare.status, 2);
     EXPECT_TRUE(Contains(bare.err, "usage: qv COMMAND [ARGUMENTS]")) << bare.err;
+}
 
-    SRun help = Run({"help"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(Contains(help.out, "usage: qv COMMAND [ARGUMENTS]")) << help.out;
-    EXPECT_TRUE(Contains(help.out, "  cal POINTS RESPONSE ATMOSPHERE COUNTS ")) << help.out;
+// Output that could not be written is a failure, whatever the command.
+TEST_F(QvTool, AFailedWriteToStandardOutputFails) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full";
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "show", kSaf},
+                                          {"--help"},
+                                          {"--version"},
+                                          {"cal", kPoints, kResponse, kAtmosphere, kCounts},
+                                          {"band", kResponse, "35"}}) {
+        SRun run = Run(args, "/dev/null", "/dev/full");
+        EXPECT_EQ(run.status, 1) << args[0];
+        EXPECT_TRUE(Contains(run.err, "qv: cannot write to standard output: No space left on device")) << run.err;
+    }
 }
 
 #else

@@ -5,7 +5,12 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "Options.h"
+#include "qv/core/VersionInfo.h"
 #include "qv/files/File.h"
+#include "qv/files/OpenFlags.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/FileSystem.h"
 #include "qv/formats/tagged/SAFFile.h"
 
 namespace qvtool {
@@ -14,14 +19,19 @@ namespace qvtool {
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
 
-// A handler gets exactly the arguments its row names, as UTF-8 text.
+// A handler gets exactly the operands its row names, as UTF-8 text, followed
+// by a null. An argument in brackets ("[COMMAND...]") is optional and takes
+// any number of words. The options given (--json, --csv) are in
+// GivenOptions(); --help never reaches a handler.
 using Handler = int (*)(char *const *args);
 
 struct Command {
     char const *words;     // what selects it, e.g. "saf show"
-    char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument
+    char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument, optional ones in [ ]
     char const *summary;   // one line for the help
     Handler run;
+    unsigned options = 0;          // kTakesJson, kTakesCsv (Options.h) the command accepts
+    char const *details = nullptr; // more lines for "qv help COMMAND", each ending in \n
 };
 
 // The table, in the order the help lists it.
@@ -38,9 +48,17 @@ int Fail(char const *format, ...) __attribute__((format(printf, 1, 2)));
 // message is printed and false returned.
 bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf);
 
+// Opens the CDFS at path (read-only, or made when missing); on failure the
+// message, with the reason a table was refused, is printed and false returned.
+bool OpenCdfs(char const *path, bool readOnly, qv::CCDFileSystem &cdfs);
+
 // The list of sub-commands; qv help prints it to standard output, a wrong
 // command line to standard error.
 void PrintUsage(std::FILE *out);
+// "usage: qv WORDS [OPTIONS] ARGUMENTS", the summary and the details.
+void PrintCommandUsage(Command const &command, std::FILE *out);
+// The one-line synopsis of a command, e.g. "saf show [--json] FILE".
+void PrintSynopsis(Command const &command, std::FILE *out);
 
 int RunHelp(char *const *args);
 int RunSafShow(char *const *args);
@@ -48,6 +66,24 @@ int RunSafSet(char *const *args);
 int RunBand(char *const *args);
 int RunDate(char *const *args);
 int RunCal(char *const *args);
+int RunModtranShow(char *const *args);
+int RunModtranWrite(char *const *args);
+int RunModtranRun(char *const *args);
+int RunModtranTable(char *const *args);
+int RunVersionShow(char *const *args);
+int RunVersionSet(char *const *args);
+
+// Extracts the version resource of the executable at path; on failure the
+// message is printed and false returned.
+bool ExtractVersion(char const *path, qv::CVersionInfo &info);
+int RunSbfShow(char *const *args);
+int RunXmlShow(char *const *args);
+int RunTagsShow(char *const *args);
+int RunTagsConvert(char *const *args);
+int RunCdfsList(char *const *args);
+int RunCdfsAdd(char *const *args);
+int RunCdfsExtract(char *const *args);
+int RunCdfsCheck(char *const *args);
 int RunConfigGet(char *const *args);
 int RunConfigSet(char *const *args);
 int RunConfigDump(char *const *args);

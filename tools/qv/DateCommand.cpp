@@ -1,20 +1,18 @@
-// qv date TEXT: the date text as CDateTime reads it, every field, then its
-// irig and timestamp forms. Text in none of the library's forms reads as zero.
+// qv date [--json] TEXT: the date text as CDateTime reads it, every field,
+// then its irig and timestamp forms. Text in none of the library's forms
+// reads as zero.
+//
+// --json prints one object: {"text", "year", "month", "day", "dayInYear",
+// "hour", "minute", "second", "millisecond", "microsecond", "irig",
+// "timestamp"}, the last two as strings.
 #include <cstdio>
 
 #include "Commands.h"
+#include "Output.h"
 #include "qv/core/DateTime.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
-
-namespace {
-
-void PrintFormatted(char const *label, qv::CDateTime &date, char16_t const *fmt) {
-    std::printf("%s: %s\n", label, qv::CString(date.Format(fmt)).GetUTF8());
-}
-
-} // namespace
 
 int RunDate(char *const *args) {
     qv::CString text(args[0]);
@@ -31,10 +29,21 @@ int RunDate(char *const *args) {
                         {"second", date.second},
                         {"millisecond", date.millisecond},
                         {"microsecond", date.microsecond}};
+    qv::CString irig(date.Format(u"%(irig)")), timestamp(date.Format(u"%(timestamp)"));
+    if (GivenOptions().json) {
+        CJsonWriter json(stdout);
+        json.BeginObject();
+        json.String("text", args[0]);
+        for (auto const &field : fields)
+            json.Integer(field.name, field.value);
+        json.String("irig", irig.GetUTF8());
+        json.String("timestamp", timestamp.GetUTF8());
+        json.EndObject();
+        return 0;
+    }
     for (auto const &field : fields)
         std::printf("%s: %d\n", field.name, field.value);
-    PrintFormatted("irig", date, u"%(irig)");
-    PrintFormatted("timestamp", date, u"%(timestamp)");
+    std::printf("irig: %s\ntimestamp: %s\n", irig.GetUTF8(), timestamp.GetUTF8());
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "Commands.h"
+#include "Input.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
@@ -19,7 +20,7 @@ int Fail(char const *format, ...) {
 
 bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf) {
     if (!file.Open(qv::CString(path).GetUTF16(), flags)) {
-        Fail("cannot open %s (missing, not a regular file, no permission, or in use)", path);
+        Fail("%s", OpenFailure(path, (flags & qv::kOpenWrite) != 0).c_str());
         return false;
     }
     if (!saf.Load(&file)) {

@@ -1,38 +1,66 @@
 // qv saf set FILE NAME VALUE: changes or adds one tag and rewrites the header
-// in place; the data segment moves only if the header's slack runs out.
+// in place; the data segment moves only if the header's slack runs out. The
+// value shown is the one a new load reads back (a load drops the blanks
+// around a value). DATA and saf_padding are no tags to set: the writer makes
+// those lines itself, and a value given to them would never be written.
 #include <cstdio>
+#include <cstring>
+#include <string>
 
 #include "Commands.h"
+#include "Output.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
 
+namespace {
+
+bool IsStructureTag(char const *name) {
+    return qv::CString(name).CompareNoCase(u"DATA") == 0 || qv::CString(name).CompareNoCase(u"saf_padding") == 0;
+}
+
+// The value of name as a fresh load of the file reads it.
+std::string ReadBack(qv::CFile &file, qv::CString const &name) {
+    qv::CSAFFile again;
+    if (!again.Load(&file)) return "";
+    char16_t const *value = again.GetTagValue(name.GetUTF16());
+    return value ? qv::CString(value).GetUTF8() : "";
+}
+
+} // namespace
+
 int RunSafSet(char *const *args) {
     char const *path = args[0];
+    if (std::strcmp(path, "-") == 0) return Fail("saf set changes a file in place; standard input cannot be changed");
+    if (!*args[1]) return Fail("a tag name cannot be empty");
+    if (IsStructureTag(args[1]))
+        return Fail("%s is not a tag one can set: the header writer makes the DATA and saf_padding lines itself",
+                    Escaped(args[1]).c_str());
     qv::CString name(args[1]), value(args[2]);
     qv::CFile file;
     qv::CSAFFile saf;
-    if (!OpenSaf(path, 0x02 | 0x10 | 0x20, file, saf)) return kExitFailed;
+    if (!OpenSaf(path, qv::kOpenExisting | qv::kOpenRead | qv::kOpenWrite, file, saf)) return kExitFailed;
     if (!saf.HeaderEndsAsStated())
         return Fail("%s has a fixed-size header whose HdSize falls inside a line; it cannot be rewritten in place",
                     path);
 
     char16_t const *old = saf.GetTagValue(name.GetUTF16());
-    qv::CString before(old ? old : u"");
+    std::string before = old ? qv::CString(old).GetUTF8() : "";
     bool existed = old != nullptr;
     if (!saf.SetTagValue(name.GetUTF16(), value.GetUTF16()))
         return Fail("cannot store tag '%s': names take no blanks, values no line breaks, a line holds at most "
-                    "510 bytes, HdSize holds only auto, and no tag named HdSize, DATA or saf_padding can be added",
-                    args[1]);
+                    "510 bytes, HdSize holds only auto, and no tag named HdSize can be added",
+                    Escaped(args[1]).c_str());
     uint32_t const oldOffset = saf.GetDataPosition();
     uint32_t newOffset = oldOffset;
     if (!saf.Update(&file, newOffset, true)) return Fail("cannot rewrite the header of %s", path);
     file.Flush();
+    std::string stored = Escaped(ReadBack(file, name));
 
     if (existed)
-        std::printf("%s: '%s' -> '%s'\n", args[1], before.GetUTF8(), args[2]);
+        std::printf("%s: '%s' -> '%s'\n", Escaped(args[1]).c_str(), Escaped(before).c_str(), stored.c_str());
     else
-        std::printf("%s: added '%s'\n", args[1], args[2]);
+        std::printf("%s: added '%s'\n", Escaped(args[1]).c_str(), stored.c_str());
     std::printf("data offset: old %u, new %u\n", oldOffset, newOffset);
     if (oldOffset == newOffset)
         std::printf("data segment stayed at %u\n", oldOffset);

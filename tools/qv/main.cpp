@@ -1,25 +1,62 @@
 // qv: a command-line tool over the qv library. Dispatches the first words of
-// the command line to a sub-command of the table below.
+// the command line to a sub-command of the table below; the options shared by
+// every command (--help, --json, --csv, --) are parsed here, once.
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "Commands.h"
+#include "Output.h"
+#include "qv/core/Version.h"
 
 namespace qvtool {
 
 namespace {
 
+char const kCalDetails[] = "  POINTS      page,temperature,emissivity,counts,reflected,reflected_temperature,\n"
+                           "              reflected_emissivity,reflected_radiance,enabled lines, and settings\n"
+                           "              order,PAGE,N  temporder,PAGE,N  lookup,PAGE,START,END,STEP\n"
+                           "  RESPONSE    an XY response file, or tophat:START:END:STEP (microns)\n"
+                           "  ATMOSPHERE  a MODTRAN table (transmission and path radiance), or none\n"
+                           "  COUNTS      a file of page,counts[,truth] lines, or a list such as 3000,9000\n"
+                           "The fit of each page goes to standard error (--csv leaves it out), the\n"
+                           "conversions as CSV to standard output: page,counts,radiance,celsius,in_range,\n"
+                           "truth,error. Any one input may be - (standard input).\n";
+
+char const kBandDetails[] = "FILE is a spectral response (XY lines) or a MODTRAN table (a FREQ heading).\n"
+                            "--json prints the summary as one object, --csv the curve as it was read.\n";
+
 Command const kCommands[] = {
-    {"help", "", "print this help", RunHelp},
-    {"saf show", "FILE", "print the tags of a SAF file, their count and the data offset", RunSafShow},
+    {"help", "[COMMAND...]", "print this help, or the usage of one command", RunHelp},
+    {"saf show", "FILE", "print the tags of a SAF file, their count and the data offset", RunSafShow, kTakesJson},
     {"saf set", "FILE NAME VALUE", "change or add a tag in place and tell whether the data moved", RunSafSet},
-    {"band", "FILE CELSIUS", "band, points and blackbody in-band radiance of a response or MODTRAN table", RunBand},
+    {"band", "FILE CELSIUS", "band, points and blackbody in-band radiance of a response or MODTRAN table", RunBand,
+     kTakesJson | kTakesCsv, kBandDetails},
     {"cal", "POINTS RESPONSE ATMOSPHERE COUNTS",
-     "fit a calibration to measured points and convert counts to temperatures", RunCal},
-    {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate},
+     "fit a calibration to measured points and convert counts to temperatures", RunCal, kTakesCsv, kCalDetails},
+    {"date", "TEXT", "print a date text as CDateTime reads it, with its irig and timestamp forms", RunDate, kTakesJson},
+    {"modtran show", "TAPE5", "print each run of a MODTRAN deck and its cards, named", RunModtranShow, kTakesJson},
+    {"modtran write", "TAPE5 OUT", "read a MODTRAN deck and write it back as qv lays out its cards", RunModtranWrite},
+    {"modtran run", "TAPE5", "run the MODTRAN tool on a deck and print its tape7 table", RunModtranRun,
+     kTakesTool},
+    {"modtran table", "TAPE7", "print the columns of a MODTRAN tape7 table", RunModtranTable, kTakesCsv},
+    {"version show", "EXE", "print the version resource of a Windows executable (PE32 or PE32+)", RunVersionShow},
+    {"version set", "EXE NAME VALUE",
+     "stamp a version string, Version (a.b.c.d) or Beta (yes/no) into a Windows executable in place",
+     RunVersionSet},
+    {"sbf show", "FILE", "print a structured binary file's identifier, strings and element tree", RunSbfShow},
+    {"xml show", "FILE", "print the node tree of an XML file as the library reads it", RunXmlShow},
+    {"tags show", "FILE", "print a tag dictionary (binary TAGF, SBF or XML), one entry a line", RunTagsShow},
+    {"tags convert", "IN OUT", "convert a tag dictionary to the form OUT's extension names (.xml, .sbf, else TAGF)",
+     RunTagsConvert},
+    {"cdfs list", "FILE", "list the files of a CDFS composite: size, offset, capacity, path", RunCdfsList},
+    {"cdfs add", "FILE PATH", "store a disk file (- for standard input) in a CDFS, made when missing", RunCdfsAdd},
+    {"cdfs extract", "FILE NAME OUT", "copy the file NAME out of a CDFS into OUT (- for standard output)", RunCdfsExtract},
+    {"cdfs check", "FILE", "walk the table of a CDFS and say what is wrong, or ok", RunCdfsCheck},
     {"config get", "STORE PATH", "print one setting of a .ini, .xml or .db file, reg:user or reg:machine", RunConfigGet},
     {"config set", "STORE PATH VALUE", "write one setting (as text) and save the store", RunConfigSet},
-    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump},
+    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump, kTakesJson},
 };
 
 int CountWords(char const *text) {
@@ -40,6 +77,53 @@ bool Matches(char const *words, int argc, char *const *argv) {
     return true;
 }
 
+bool IsOneOf(char const *word, char const *a, char const *b) {
+    return std::strcmp(word, a) == 0 || (b && std::strcmp(word, b) == 0);
+}
+
+int Finish(int status) {
+    if (!FinishStandardOutput() && status == 0) return kExitFailed;
+    return status;
+}
+
+int UnknownCommand(char const *word) {
+    std::string group = std::string(word) + " ";
+    std::string members;
+    CommandTable table = Commands();
+    for (int i = 0; i < table.count; ++i)
+        if (std::strncmp(table.rows[i].words, group.c_str(), group.size()) == 0)
+            members += std::string(members.empty() ? "" : ", ") + "'" + table.rows[i].words + "'";
+    if (!members.empty())
+        std::fprintf(stderr, "qv: '%s' needs a sub-command: %s\n", word, members.c_str());
+    else
+        std::fprintf(stderr, "qv: unknown command '%s'; run 'qv help' for the list\n", word);
+    return kExitUsage;
+}
+
+int RunCommand(Command const &command, int argc, char *const *argv) {
+    SOptions options;
+    std::vector<char *> operands;
+    std::string error;
+    if (!ParseOptions(argc, argv, command.options, options, operands, error)) {
+        std::fprintf(stderr, "qv %s: %s\n", command.words, error.c_str());
+        return kExitUsage;
+    }
+    if (options.help) {
+        PrintCommandUsage(command, stdout);
+        return Finish(0);
+    }
+    bool variadic = command.arguments[0] == '[';
+    if (!variadic && int(operands.size()) != CountWords(command.arguments)) {
+        std::fputs("usage: qv ", stderr);
+        PrintSynopsis(command, stderr);
+        std::fputc('\n', stderr);
+        return kExitUsage;
+    }
+    operands.push_back(nullptr);
+    SetGivenOptions(options);
+    return Finish(command.run(operands.data()));
+}
+
 } // namespace
 
 CommandTable Commands() {
@@ -54,17 +138,20 @@ int main(int argc, char **argv) {
         PrintUsage(stderr);
         return kExitUsage;
     }
+    if (IsOneOf(argv[1], "--help", "-h")) {
+        PrintUsage(stdout);
+        return Finish(0);
+    }
+    if (IsOneOf(argv[1], "--version", nullptr)) {
+        std::printf("qv %s\n", qvVersion());
+        return Finish(0);
+    }
     CommandTable table = Commands();
     for (int i = 0; i < table.count; ++i) {
         Command const &command = table.rows[i];
         if (!Matches(command.words, argc - 1, argv + 1)) continue;
         int used = CountWords(command.words);
-        if (argc - 1 - used != CountWords(command.arguments)) {
-            std::fprintf(stderr, "usage: qv %s %s\n", command.words, command.arguments);
-            return kExitUsage;
-        }
-        return command.run(argv + 1 + used);
+        return RunCommand(command, argc - 1 - used, argv + 1 + used);
     }
-    std::fprintf(stderr, "qv: unknown command '%s'; run 'qv help' for the list\n", argv[1]);
-    return kExitUsage;
+    return UnknownCommand(argv[1]);
 }

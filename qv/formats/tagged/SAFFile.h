@@ -42,6 +42,26 @@
 // Failures are reported by bool only; nothing throws on bad file content.
 // A failed Load keeps the tags read so far, with filename cleared.
 //
+// By path (qv/formats/tagged/SAFFileSave.cpp). Load(fs, path) opens with
+// 0x212 and remembers the file and file system. Save(fs, path, pad) takes
+// one of three roads:
+//   - a new file (no file name yet): the header alone, with 2048 bytes of
+//     padding if pad is set, written to a temporary file beside path and
+//     renamed over it;
+//   - save as (path differs from the file name, compared exactly since disk
+//     names are case-sensitive, or fs differs): the header, padded with 2048
+//     bytes if the old file has data behind its header, then the old data
+//     segment, all into a temporary file renamed over path; the old file is
+//     only read;
+//   - in place (all other cases): Update on the file itself, since only that
+//     keeps a multi-gigabyte data segment where it is; Update's own rules
+//     about failures hold (see there).
+// On a file system without rename the first two write path directly.
+// Save reports every failed write; after a failure the object is unchanged.
+// Tag groups (BubbleGroups, SortByGroups) arrange the header by the shared
+// dictionary (qv/formats/tagged/TagFile.h); safTest is the library's self
+// check of the padding rules (qv/formats/tagged/SAFSelfTest.h).
+//
 // Ownership: the object owns its tags; fileSystem is not owned. Update works on
 // the caller's open IFile and leaves it open, positioned at the data segment.
 //
@@ -58,6 +78,8 @@ namespace qv {
 
 class IFile;
 class IFileSystem;
+class CTagFile;
+QV_API CTagFile &GetTagFile();
 
 struct SAF_TAG {
     CString name;
@@ -151,6 +173,36 @@ public:
     bool RemoveTag(uint32_t i);
     bool RemoveTag(char16_t const *name);
 
+    // ---- By path ----
+    // fs null: the disk. True when the file loaded; then filename and
+    // fileSystem name it.
+    bool Load(IFileSystem *fs, char16_t const *path);
+    bool Load(char16_t const *path);
+    // See "By path" above. path null: the file name of the last load or
+    // save. Save() is Save(disk, null, true).
+    bool Save(IFileSystem *fs, char16_t const *path, bool pad);
+    bool Save(char16_t const *path, bool pad);
+    bool Save();
+    // Whether the file begins with "HDSize" in any case (Load may still
+    // refuse it). False if it cannot be opened.
+    static bool IsSAFFile(IFileSystem *fs, char16_t const *path);
+
+    // ---- Groups ----
+    // Brings the known "group" tags (values: the 17 group names of the
+    // dictionary's categories 0..16), each with the "groupcomment" tags that
+    // follow it, to the front of the header behind HdSize, in their order.
+    // True.
+    bool BubbleGroups();
+    // As BubbleGroups, then moves every tag behind the header of its
+    // category's group in dictionary order (CTagFile::CompareTags), the
+    // comment tags (category 17) in front of it going along. Comments are
+    // exchanged into place rather than moved, an order existing files show.
+    // A tag whose group has no header stays where it is, or with addGroups
+    // gets a new "Group" tag behind the last group. True.
+    bool SortByGroups(bool addGroups);
+    // The dictionary consulted: the shared one.
+    CTagFile &GetTagFile() { return *tagFile; }
+
     uint32_t GetDataPosition() const;
     // False after a Load of a fixed-size header whose HdSize fell inside a
     // line (see Load); true otherwise.
@@ -164,6 +216,7 @@ protected:
     uint32_t dataPosition;   // offset of the data segment (the header's size)
     TArray<SAF_TAG> tags;
     bool headerEndsAsStated = true;
+    CTagFile *tagFile = &::qv::GetTagFile(); // not owned
 
 private:
     bool FindTag(char16_t const *name, SAF_TAG *&tag);

@@ -1,0 +1,76 @@
+// The tool's inputs: a path, or "-" for standard input, wherever a file is
+// read. Failures come back as one sentence that names the input and, where
+// the system refused, the system's message ("cannot open x.csv: No such file
+// or directory").
+//
+// Bounds: a text input read whole is refused above kMaxTextInput bytes,
+// before anything is read when its size is known; a streamed input is read
+// in a fixed buffer, one line of at most kMaxLineBytes at a time. Text holds
+// no NUL byte: one refuses the input as binary.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace qvtool {
+
+constexpr size_t kMaxTextInput = size_t(16) << 20; // 16 MiB
+constexpr size_t kMaxLineBytes = 4096;
+
+// "standard input" for "-", else the path.
+std::string InputName(char const *path);
+
+// Reads a whole text input into text.
+bool ReadTextInput(char const *path, std::string &text, std::string &error);
+
+// Reads at most limit bytes from the start of an input, binary or not.
+bool ReadInputHead(char const *path, size_t limit, std::string &bytes, std::string &error);
+
+// Why a library open of path failed, as a sentence: the system's message
+// when the system refuses the path too ("cannot open x: Permission denied"),
+// else what the library refuses (a directory, a device, a file in use).
+std::string OpenFailure(char const *path, bool write);
+
+// Reads a text input line by line, in constant memory.
+class CLineReader {
+public:
+    CLineReader() = default;
+    ~CLineReader();
+    CLineReader(CLineReader const &) = delete;
+    CLineReader &operator=(CLineReader const &) = delete;
+
+    bool Open(char const *path, std::string &error);
+    // The next line without its LF (a CR before it is dropped too). False at
+    // the end, and on a failure, which sets error.
+    bool Next(std::string &line, std::string &error);
+    int LineNumber() const { return number_; }
+
+private:
+    bool Fill(std::string &error);
+    int fd_ = -1;
+    bool owned_ = false;
+    std::string name_;
+    char buffer_[65536];
+    size_t start_ = 0, end_ = 0;
+    bool atEnd_ = false;
+    int number_ = 0;
+};
+
+// A path that a library loader can open for an input: the path itself, or
+// for "-" a temporary file holding text (removed again by the destructor).
+class CLibraryPath {
+public:
+    CLibraryPath() = default;
+    ~CLibraryPath();
+    CLibraryPath(CLibraryPath const &) = delete;
+    CLibraryPath &operator=(CLibraryPath const &) = delete;
+
+    bool Make(char const *path, std::string const &text, std::string &error);
+    char const *Path() const { return path_.c_str(); }
+
+private:
+    std::string path_;
+    bool temporary_ = false;
+};
+
+} // namespace qvtool

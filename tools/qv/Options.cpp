@@ -1,0 +1,56 @@
+// Parsing the shared options of the sub-commands.
+#include "Options.h"
+
+#include <cctype>
+#include <cstring>
+
+namespace qvtool {
+
+namespace {
+
+SOptions given;
+
+// A word that looks like an option; "-" and negative numbers do not.
+bool LooksLikeOption(char const *word) {
+    if (word[0] != '-' || word[1] == '\0') return false;
+    return !(std::isdigit(static_cast<unsigned char>(word[1])) || word[1] == '.');
+}
+
+} // namespace
+
+bool ParseOptions(int count, char *const *words, unsigned accepted, SOptions &options, std::vector<char *> &operands,
+                  std::string &error) {
+    bool optionsEnded = false;
+    for (int i = 0; i < count; ++i) {
+        char *word = words[i];
+        if (optionsEnded || !LooksLikeOption(word)) {
+            operands.push_back(word);
+        } else if (std::strcmp(word, "--") == 0) {
+            optionsEnded = true;
+        } else if (std::strcmp(word, "--help") == 0 || std::strcmp(word, "-h") == 0) {
+            options.help = true;
+        } else if (std::strcmp(word, "--json") == 0 && (accepted & kTakesJson)) {
+            options.json = true;
+        } else if (std::strcmp(word, "--csv") == 0 && (accepted & kTakesCsv)) {
+            options.csv = true;
+        } else if (std::strcmp(word, "--tool") == 0 && (accepted & kTakesTool)) {
+            if (i + 1 == count) return error = "--tool needs a path", false;
+            options.tool = words[++i];
+        } else {
+            error = std::string("unknown option '") + word + "' (put -- before an operand that begins with a dash)";
+            return false;
+        }
+    }
+    if (options.json && options.csv) return error = "--json and --csv cannot be given together", false;
+    return true;
+}
+
+SOptions const &GivenOptions() {
+    return given;
+}
+
+void SetGivenOptions(SOptions const &options) {
+    given = options;
+}
+
+} // namespace qvtool
