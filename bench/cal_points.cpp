@@ -51,7 +51,7 @@ void AddManyPoints(benchmark::State &state) {
         reference.x.push_back(3.0 + 0.01 * i);
     double sink = 0;
     bench::RunPaired(
-        state, "addall_over_reference", n,
+        state, {"AddAll of n points with one refit, vs a sort and a fit of the same points", 1.0}, n,
         [&] {
             qv::CRCalFile cal;
             cal.SetSpectralResponseTophat(3.0, 5.0, 0.01);

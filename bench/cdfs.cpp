@@ -68,9 +68,9 @@ void ReadEntryAgainstCFile(benchmark::State &state) {
     }
     std::vector<char> block(kMiB);
     bench::RunPaired(
-        state, "time_ratio", size, [&] { benchmark::DoNotOptimize(ReadAll(*entry, block)); },
+        state, {"Reading a 64 MiB CDFS entry on disk, vs the same bytes from a plain CFile", 0.9, true}, size,
+        [&] { benchmark::DoNotOptimize(ReadAll(*entry, block)); },
         [&] { benchmark::DoNotOptimize(ReadAll(plain, block)); });
-    state.counters["throughput_ratio"] = 1.0 / state.counters["time_ratio"].value;
     entry.reset();
     cdfs.Close();
     plain.Close();
@@ -111,7 +111,7 @@ void GrowFrontAgainstBlockMove(benchmark::State &state) {
     bool ok = true;
     int64_t at = 0x1000;
     bench::RunPaired(
-        state, "time_ratio", 1,
+        state, {"Growing the front entry of a 256 MiB CDFS host, vs a plain in-place block move", 0.8, true}, 1,
         [&] {
             front->Seek(0, 3);
             ok = ok && front->Write(grow.data(), uint32_t(grow.size())) == grow.size();

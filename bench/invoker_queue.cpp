@@ -135,7 +135,11 @@ void BM_InvokerQueue(benchmark::State &state) {
     SBatchCount referenceCount;
     std::vector<qv::invokable1<SBatchCount *>> calls(kBatch, qv::invokable1<SBatchCount *>(&CountCall, &qvCount));
     bench::RunPaired(
-        state, {"posted calls through CInvokerThread vs a mutex + condition-variable queue", 1.0, true}, kBatch,
+        state,
+        {state.range(0) == 1 ? "posted calls through CInvokerThread vs a mutex + condition-variable queue, 1 CPU"
+                             : "posted calls through CInvokerThread vs a mutex + condition-variable queue, 2 CPUs",
+         state.range(0) == 1 ? 0.0 : 1.0, true},
+        kBatch,
         [&] {
             for (auto &call : calls) {
                 if (invokerThread.Queue(&call, false)) continue;

@@ -1,5 +1,6 @@
 // Uncontended lock and unlock, each qv lock against its standard reference in
-// the same run: CCriticalSection against std::mutex, CSemaphore against a
+// the same run: CCriticalSection against std::mutex (in a process of one
+// thread, and again after a thread was started), CSemaphore against a
 // std::mutex-guarded counter, CRWLock (read and write) against
 // std::shared_mutex (shared and exclusive). The qv locks carry more
 // bookkeeping (recursion, per-thread reader lists, an order queue); the goal
@@ -8,6 +9,7 @@
 
 #include <mutex>
 #include <shared_mutex>
+#include <thread>
 
 #include "PairedTiming.h"
 #include "qv/threads/CriticalSection.h"
@@ -102,5 +104,26 @@ void BM_RWLockWrite(benchmark::State &state) {
         });
 }
 BENCHMARK(BM_RWLockWrite)->UseManualTime();
+
+// The same as BM_CriticalSection in a process that has started a second
+// thread: from then on the C library's mutex and qv's lock both use atomic
+// instructions. Registered last, since a process never goes back to one
+// thread.
+void BM_CriticalSectionOtherThread(benchmark::State &state) {
+    std::thread([] {}).join();
+    qv::CCriticalSection section;
+    std::mutex mutex;
+    RunRounds(
+        state, {"CCriticalSection enter/leave, uncontended, in a process that has started threads, vs std::mutex", 1.0},
+        [&] {
+            section.Enter();
+            section.Leave();
+        },
+        [&] {
+            mutex.lock();
+            mutex.unlock();
+        });
+}
+BENCHMARK(BM_CriticalSectionOtherThread)->UseManualTime();
 
 } // namespace

@@ -1,31 +1,32 @@
-// TArray<T>: the library's growable array, and TSimpleArray<T> for plain bytes.
-//
-// Layout: one virtual slot (the destructor), then data, capacity, count and
-// growthRate. Elements live in one block on the process heap (malloc/realloc/
-// free, one allocator every module shares), so a block taken with Detach may
-// be freed by any module with free(), and Attach accepts only such a block.
-//
-// Relocation. Elements are moved as raw bytes (realloc, memmove) and never
-// constructed or destroyed on relocation: T must tolerate that. CString (one
-// pointer) and nested TArrays do.
-//
-// Growth is linear: Dimension(n) above the capacity makes the capacity
-// (n / growthRate + 1) * growthRate, always strictly above n. The rate is 5
-// after every constructor; large arrays set their own (a rate of 0 counts as
-// 1). Capacity never shrinks.
-//
-// Failure. Every mutating operation returns false on heap exhaustion or on a
-// size that does not fit 32 bits / the address space, and then leaves the
-// array as it was. GetItem and operator[] give no sign: when they cannot
-// extend the array they return a scratch item that belongs to no array.
-// Only TSimpleArray reports exhaustion, as debug text.
-//
-// Indices past count: GetItem/operator[]/Replace/Swap/Move extend the array
-// (default-constructing the new items); ConstGetItem/GetAt never extend and
-// yield a static default-constructed dummy (made at first use, destroyed at
-// exit).
-//
-// Threads: no locks; an array belongs to one thread at a time.
+/// @file
+/// TArray<T>: the library's growable array, and TSimpleArray<T> for plain bytes.
+///
+/// Layout: one virtual slot (the destructor), then data, capacity, count and
+/// growthRate. Elements live in one block on the process heap (malloc/realloc/
+/// free, one allocator every module shares), so a block taken with Detach may
+/// be freed by any module with free(), and Attach accepts only such a block.
+///
+/// Relocation. Elements are moved as raw bytes (realloc, memmove) and never
+/// constructed or destroyed on relocation: T must tolerate that. CString (one
+/// pointer) and nested TArrays do.
+///
+/// Growth is linear: Dimension(n) above the capacity makes the capacity
+/// (n / growthRate + 1) * growthRate, always strictly above n. The rate is 5
+/// after every constructor; large arrays set their own (a rate of 0 counts as
+/// 1). Capacity never shrinks.
+///
+/// Failure. Every mutating operation returns false on heap exhaustion or on a
+/// size that does not fit 32 bits / the address space, and then leaves the
+/// array as it was. GetItem and operator[] give no sign: when they cannot
+/// extend the array they return a scratch item that belongs to no array.
+/// Only TSimpleArray reports exhaustion, as debug text.
+///
+/// Indices past count: GetItem/operator[]/Replace/Swap/Move extend the array
+/// (default-constructing the new items); ConstGetItem/GetAt never extend and
+/// yield a static default-constructed dummy (made at first use, destroyed at
+/// exit).
+///
+/// Threads: no locks; an array belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -42,13 +43,13 @@ namespace qv {
 
 namespace detail {
 
-// The process heap, silent on failure (TArray).
+/// The process heap, silent on failure (TArray).
 struct SilentHeap {
     static void *Alloc(size_t size) { return std::malloc(size); }
     static void *ReAlloc(void *p, size_t size) { return std::realloc(p, size); }
 };
 
-// The process heap, reporting failure as debug text (TSimpleArray).
+/// The process heap, reporting failure as debug text (TSimpleArray).
 struct ReportingHeap {
     static void *Alloc(size_t size) {
         void *p = std::malloc(size);
@@ -62,7 +63,7 @@ struct ReportingHeap {
     }
 };
 
-// Everything TArray and TSimpleArray share; Heap decides how failure is told.
+/// Everything TArray and TSimpleArray share; Heap decides how failure is told.
 template <class T, class Heap> class ArrayBase {
 public:
     ArrayBase() = default;
@@ -73,8 +74,8 @@ public:
     }
     virtual ~ArrayBase() { Destroy(); }
 
-    // Destructs its own items, keeps block and rate, then adds other's items
-    // one by one.
+    /// Destructs its own items, keeps block and rate, then adds other's items
+    /// one by one.
     bool Copy(ArrayBase const &other) {
         if (&other == this) return true;
         Empty();
@@ -82,9 +83,11 @@ public:
     }
 
     static void *Alloc(size_t size) { return Heap::Alloc(size); }
-    // A null p allocates.
+    /// A null p allocates.
+    ///@{
     static void *ReAlloc(void *p, size_t size) { return p ? Heap::ReAlloc(p, size) : Heap::Alloc(size); }
     static void Free(void *p) { std::free(p); }
+    ///@}
 
     void Construct(T *p) const {
         if (p) ::new (static_cast<void *>(p)) T();
@@ -114,7 +117,8 @@ public:
     }
     bool SetCapacity(uint32_t n) { return Dimension(n); }
 
-    // Grows to n items (default-constructing the new ones); never shrinks.
+    /// Grows to n items (default-constructing the new ones); never shrinks.
+    ///@{
     bool ImplicitAddition(uint32_t n) {
         if (!Dimension(n)) return false;
         for (; count < n; ++count)
@@ -127,6 +131,7 @@ public:
         count = n;
         return true;
     }
+    ///@}
 
     T &GetItem(uint32_t i) {
         if (i == UINT32_MAX || !ImplicitAddition(i + 1)) return Scratch();
@@ -147,7 +152,8 @@ public:
         return true;
     }
 
-    // i past the end: the items between are default-constructed.
+    /// i past the end: the items between are default-constructed.
+    ///@{
     bool Insert(T const &v, uint32_t i) { return Insert(v, i, 1); }
     bool Insert(T const &v, uint32_t i, uint32_t n) {
         if (Aliases(v)) return Insert(T(v), i, n);
@@ -163,6 +169,7 @@ public:
         Construct(data + i);
         return true;
     }
+    ///@}
 
     bool Replace(T const &v, uint32_t i) {
         if (Aliases(v)) return Replace(T(v), i);
@@ -172,7 +179,8 @@ public:
         return true;
     }
 
-    // An index past the end is no error: true without effect.
+    /// An index past the end is no error: true without effect.
+    ///@{
     bool Remove(uint32_t i) { return Remove(i, 1); }
     bool Remove(uint32_t i, uint32_t n) {
         if (i >= count) return true;
@@ -187,6 +195,7 @@ public:
         count -= n;
         return true;
     }
+    ///@}
 
     void Empty() {
         DestructRange(0, count);
@@ -199,8 +208,8 @@ public:
         capacity = 0;
     }
 
-    // The caller takes the items and the block (free() it after destructing
-    // the items); the array is left empty with no block.
+    /// The caller takes the items and the block (free() it after destructing
+    /// the items); the array is left empty with no block.
     T *Detach() {
         T *p = data;
         data = nullptr;
@@ -208,7 +217,7 @@ public:
         count = 0;
         return p;
     }
-    // Destroy, then adopt p (a malloc block of n live items).
+    /// Destroy, then adopt p (a malloc block of n live items).
     void Attach(T *p, uint32_t n) {
         Destroy();
         data = p;
@@ -241,8 +250,9 @@ public:
         return true;
     }
 
-    // Stable: equal items keep their order (deterministic for files written
-    // from sorted arrays).
+    /// Stable: equal items keep their order (deterministic for files written
+    /// from sorted arrays).
+    ///@{
     void Sort(int (*cmp)(T const *, T const *)) {
         SortRelocatable(data, count, sizeof(T), &CallPlain, static_cast<void *>(&cmp));
     }
@@ -250,6 +260,7 @@ public:
         WithContext call{cmp, ctx};
         SortRelocatable(data, count, sizeof(T), &CallWithContext, &call);
     }
+    ///@}
 
 protected:
     T *data = nullptr;
@@ -276,8 +287,8 @@ private:
         return scratch;
     }
 
-    // v lives inside this array's block, which growing may move: callers
-    // then work on a copy.
+    /// v lives inside this array's block, which growing may move: callers
+    /// then work on a copy.
     bool Aliases(T const &v) const {
         auto at = reinterpret_cast<uintptr_t>(&v), begin = reinterpret_cast<uintptr_t>(data);
         return data && at >= begin && at < begin + size_t(capacity) * sizeof(T);
@@ -293,7 +304,7 @@ private:
             for (uint32_t i = from; i < to; ++i)
                 Destruct(data + i);
     }
-    // Makes room for n items at i < count, moving the tail up as raw bytes.
+    /// Makes room for n items at i < count, moving the tail up as raw bytes.
     bool OpenGap(uint32_t i, uint32_t n) {
         if (n > UINT32_MAX - count || !Dimension(count + n)) return false;
         std::memmove(static_cast<void *>(data + i + n), static_cast<void const *>(data + i),
@@ -301,7 +312,7 @@ private:
         count += n;
         return true;
     }
-    // Insert at or past the end: extend to i + n, then assign the n items.
+    /// Insert at or past the end: extend to i + n, then assign the n items.
     bool AssignAfterEnd(T const &v, uint32_t i, uint32_t n) {
         if (n > UINT32_MAX - i || !ImplicitAddition(i + n)) return false;
         for (uint32_t k = 0; k < n; ++k)
@@ -323,8 +334,8 @@ public:
         return *this;
     }
 
-    // Clears THIS array (Destroy) and only then hands its now empty fields to
-    // target, which comes out empty too: existing callers depend on this form.
+    /// Clears THIS array (Destroy) and only then hands its now empty fields to
+    /// target, which comes out empty too: existing callers depend on this form.
     bool MakeDuplicate(TArray &target) {
         this->Destroy();
         target.Destroy();
@@ -332,7 +343,7 @@ public:
         return true;
     }
 
-    // An array of the first n of values, each appended with Add.
+    /// An array of the first n of values, each appended with Add.
     template <class... V> static TArray MakeArray(uint32_t n, V const &...values) {
         TArray out;
         uint32_t left = n;
@@ -346,9 +357,9 @@ public:
     }
 };
 
-// For plain bytes (T trivially copyable); the only member of the family that
-// reports exhaustion ("TArray::Alloc failed\n", "TArray::ReAlloc failed\n" as
-// debug text).
+/// For plain bytes (T trivially copyable); the only member of the family that
+/// reports exhaustion ("TArray::Alloc failed\n", "TArray::ReAlloc failed\n" as
+/// debug text).
 template <class T> class TSimpleArray : public detail::ArrayBase<T, detail::ReportingHeap> {
     static_assert(std::is_trivially_copyable_v<T>, "TSimpleArray holds plain bytes");
     using Base = detail::ArrayBase<T, detail::ReportingHeap>;
@@ -361,8 +372,8 @@ public:
         return *this;
     }
 
-    // Clears target, then gives it this array's capacity, count, rate and
-    // bytes. False (target left empty) if the block cannot be allocated.
+    /// Clears target, then gives it this array's capacity, count, rate and
+    /// bytes. False (target left empty) if the block cannot be allocated.
     bool MakeDuplicate(TSimpleArray &target) const {
         target.Destroy();
         if (this->capacity) {

@@ -1,5 +1,6 @@
-// Bounds-checked little-endian reads from a block of untrusted bytes, for the
-// parsers of binary records (version blocks, PE headers). Internal to libqv.
+/// @file
+/// Bounds-checked little-endian reads from a block of untrusted bytes, for the
+/// parsers of binary records (version blocks, PE headers). Internal to libqv.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +11,10 @@ struct SByteSpan {
     uint8_t const *data = nullptr;
     uint64_t size = 0;
 
-    // Whether n bytes from at lie inside the block (no overflow).
+    /// Whether n bytes from at lie inside the block (no overflow).
     bool Holds(uint64_t at, uint64_t n) const { return at <= size && n <= size - at; }
-    // The value at at; false (value untouched) past the end.
+    /// The value at at; false (value untouched) past the end.
+    ///@{
     bool Word(uint64_t at, uint16_t &v) const {
         if (!Holds(at, 2)) return false;
         v = uint16_t(data[at] | data[at + 1] << 8);
@@ -24,6 +26,7 @@ struct SByteSpan {
             uint32_t(data[at + 3]) << 24;
         return true;
     }
+    ///@}
 };
 
 inline uint64_t AlignUp4(uint64_t n) {

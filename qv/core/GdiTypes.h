@@ -1,7 +1,8 @@
-// The value types that settings and pictures exchange: a rectangle, a colour
-// and a font description, with the fields and widths callers know from the
-// design (32-bit LONG fields, a BYTE per flag, a face name of 32 char16_t
-// units). Plain records: copy them freely, no ownership, no threads rules.
+/// @file
+/// The value types that settings and pictures exchange: a rectangle, a colour
+/// and a font description, with the fields and widths callers know from the
+/// design (32-bit LONG fields, a BYTE per flag, a face name of 32 char16_t
+/// units). Plain records: copy them freely, no ownership, no threads rules.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@ struct RECT {
     int32_t bottom;
 };
 
-// 0x00BBGGRR: red in the low byte.
+/// 0x00BBGGRR: red in the low byte.
 using COLORREF = uint32_t;
 
 inline constexpr int LF_FACESIZE = 32;

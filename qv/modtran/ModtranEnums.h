@@ -1,9 +1,10 @@
-// The enumerations of a MODTRAN tape5 run. Values with letters are the
-// character's code, and the card holds that character; the others are the
-// numbers the card holds. Reading maps a number to an enumeration with the
-// Get... helpers, false for a number out of range.
-//
-// Threads: pure functions, no state.
+/// @file
+/// The enumerations of a MODTRAN tape5 run. Values with letters are the
+/// character's code, and the card holds that character; the others are the
+/// numbers the card holds. Reading maps a number to an enumeration with the
+/// Get... helpers, false for a number out of range.
+///
+/// Threads: pure functions, no state.
 #pragma once
 
 #include "qv/core/Export.h"
@@ -26,7 +27,7 @@ enum LOS_PATH { LP_HORIZONTAL = 1, LP_SLANT = 2, LP_SLANT_TO_SPACE = 3 };
 enum EXECUTION_MODE { EM_TRANSMITTANCE = 0, EM_THERMAL_RADIANCE = 1, EM_RADIANCE_WITH_SUN = 2, EM_DIRECT_SUN = 3 };
 enum MULTIPLE_SCATTERING { MS_WITH_OUTPUT = -1, MS_NONE = 0, MS_ON = 1 };
 enum SCATTERING_ALGO { SA_ISAACS = 'F', SA_DISORT = 'T' };
-enum SURFACE_REFLECTANCE { SR_VALUE = 0, SR_LAMBER = 2, SR_BRDF = 3 }; // or a negative code, kept as the number
+enum SURFACE_REFLECTANCE { SR_VALUE = 0, SR_LAMBER = 2, SR_BRDF = 3 }; ///< or a negative code, kept as the number
 enum VERTICAL_COLUMN_TYPE { VCT_NONE = 0, VCT_VALUE = 1, VCT_GRAMS = 2, VCT_ATM_CM = 3 };
 enum AEROSOL_ATTENUATION {
     AA_USER_EXTINCTION = -1,
@@ -43,13 +44,13 @@ enum AEROSOL_ATTENUATION {
     AA_DESERT = 10
 };
 enum AEROSOL_PROFILE { AP_DEFAULT = 0, AP_SPRING_SUMMER = 1, AP_FALL_WINTER = 2 };
-enum VOLCANO_INFO { VI_BACKGROUND = 1, VI_EXTREME_FRESH = 8 }; // 1 to 8 as the numbers
-enum CLOUD_RAIN_MODEL { CRM_NONE = 0, CRM_USER_AEROSOL = 11, CRM_CIRRUS = 18, CRM_THIN_CIRRUS = 19 }; // and 1 to 10
+enum VOLCANO_INFO { VI_BACKGROUND = 1, VI_EXTREME_FRESH = 8 }; ///< 1 to 8 as the numbers
+enum CLOUD_RAIN_MODEL { CRM_NONE = 0, CRM_USER_AEROSOL = 11, CRM_CIRRUS = 18, CRM_THIN_CIRRUS = 19 }; ///< and 1 to 10
 enum AEROSOL_MODEL_TYPE { AMT_NONE = 0, AMT_PER_LEVEL = 1, AMT_PER_LEVEL_2 = 2 };
 enum LOS_TYPE { LT_0, LT_1, LT_2, LT_3, LT_4, LT_5, LT_6, LT_7, LT_8, LT_9 };
 enum PATH_LENGTH { PL_SHORT = 0, PL_LONG = 1 };
 enum SOLAR_LUNAR_SOURCE { SLS_SUN = 0, SLS_MOON = 1 };
-using SL_LOS_TYPE = int; // a plain number, kept as read
+using SL_LOS_TYPE = int; ///< a plain number, kept as read
 enum PHASE_FUNCTION_TYPE { PFT_MIE = 0, PFT_USER = 1, PFT_HENYEY_GREENSTEIN = 2 };
 enum INPUT_X_UNIT { IXU_BLANK = ' ', IXU_WAVENUMBER = 'W', IXU_MICRONS = 'M', IXU_NANOMETERS = 'N' };
 enum SLIT_FUNCTION {
@@ -73,21 +74,21 @@ enum BRDF_FUNCTION {
     BF_PINTY_VERSTRAETE = 10,
     BF_ROSS_LI = 12
 };
-// 0 a blank, 1 to 6 the digits, 10 to 17 the letters "A" to "H".
+/// 0 a blank, 1 to 6 the digits, 10 to 17 the letters "A" to "H".
 enum AB_UNITS { ABU_BLANK = 0, ABU_1 = 1, ABU_6 = 6, ABU_A = 10, ABU_H = 17 };
 
 QV_API bool GetAtmosphereModel(int n, ATMOSPHERE_MODEL &out);
 QV_API bool GetAerosolAttenuation(int n, AEROSOL_ATTENUATION &out);
 QV_API bool GetAerosolProfile(int n, AEROSOL_PROFILE &out);
-QV_API bool GetVolcanoInfo(int n, VOLCANO_INFO &out); // 0 is read as 1
+QV_API bool GetVolcanoInfo(int n, VOLCANO_INFO &out); ///< 0 is read as 1
 QV_API bool GetCloudRainModel(int n, CLOUD_RAIN_MODEL &out);
-// Either case; false for anything else.
+/// Either case; false for anything else.
 QV_API bool GetABUnits(char c, AB_UNITS &out);
-// The upper case; 0 for an unknown value.
+/// The upper case; 0 for an unknown value.
 QV_API char ABUnits2char(AB_UNITS units);
-// The BRDF function of a number or a name (any case): "walthall",
-// "walthall(a)", "sine-walthall", "sine-walthall(a)", "rahman", "roujean",
-// "pinty-verstraete", "ross-li".
+/// The BRDF function of a number or a name (any case): "walthall",
+/// "walthall(a)", "sine-walthall", "sine-walthall(a)", "rahman", "roujean",
+/// "pinty-verstraete", "ross-li".
 QV_API bool GetBRDFFunction(char const *text, BRDF_FUNCTION &out);
 
 } // namespace qv

@@ -1,29 +1,30 @@
-// RUN: one MODTRAN run of a tape5 deck, a plain record copied as bytes.
-// Fields follow the cards in order; their defaults come from DefaultRun
-// (qv/modtran/ModtranTape5File.h). Tables have fixed bounds; a deck that
-// asks for more rows than a bound is refused by the reader.
+/// @file
+/// RUN: one MODTRAN run of a tape5 deck, a plain record copied as bytes.
+/// Fields follow the cards in order; their defaults come from DefaultRun
+/// (qv/modtran/ModtranTape5File.h). Tables have fixed bounds; a deck that
+/// asks for more rows than a bound is refused by the reader.
 #pragma once
 
 #include "qv/modtran/ModtranEnums.h"
 
 namespace qv {
 
-inline constexpr int kModtranMaxLevels = 67;        // user atmosphere levels
-inline constexpr int kModtranSpectraPerRegion = 47; // aerosol spectra of one region
-inline constexpr int kModtranMaxCloudRows = 64;     // layer boundaries, cloud profile rows
+inline constexpr int kModtranMaxLevels = 67;        ///< user atmosphere levels
+inline constexpr int kModtranSpectraPerRegion = 47; ///< aerosol spectra of one region
+inline constexpr int kModtranMaxCloudRows = 64;     ///< layer boundaries, cloud profile rows
 inline constexpr int kModtranMaxPhaseAngles = 50;
 inline constexpr int kModtranMaxPhaseWavelengths = 10;
 inline constexpr int kModtranMaxSurfaces = 2;
 inline constexpr int kModtranMaxBRDFRows = 50;
-inline constexpr int kModtranNameLength = 80; // file names on their own cards
+inline constexpr int kModtranNameLength = 80; ///< file names on their own cards
 
 struct USER_LEVEL {
     float altitude;
-    float values[5];    // pressure, temperature and three species, as written
-    float extended[9];  // with the extended flag
-    AB_UNITS units[15]; // fourteen unit letters, then one behind a blank
-    float heavy[13];    // with the extended flag and heavy species option 2
-    float aerosol[5];   // type 1 uses the first three, type 2 all five
+    float values[5];    ///< pressure, temperature and three species, as written
+    float extended[9];  ///< with the extended flag
+    AB_UNITS units[15]; ///< fourteen unit letters, then one behind a blank
+    float heavy[13];    ///< with the extended flag and heavy species option 2
+    float aerosol[5];   ///< type 1 uses the first three, type 2 all five
     AEROSOL_ATTENUATION attenuation;
     CLOUD_RAIN_MODEL cloud;
     VOLCANO_INFO volcano;
@@ -32,7 +33,7 @@ struct USER_LEVEL {
 };
 
 struct AEROSOL_REGION {
-    int nSpectra; // as written: 1 stands for 47
+    int nSpectra; ///< as written: 1 stands for 47
     float value;
     char title[73];
     float spectra[kModtranSpectraPerRegion][4];
@@ -43,11 +44,12 @@ struct SURFACE {
     int nRows;
     float zenith, azimuth;
     float rows[kModtranMaxBRDFRows][6];
-    char files[2][kModtranNameLength + 1]; // LAMBER: two file names
+    char files[2][kModtranNameLength + 1]; ///< LAMBER: two file names
 };
 
 struct RUN {
-    // Card 1
+    /// Card 1
+    ///@{
     MODTRAN_MODEL bandModel;
     CORRELATIONK_SPEED speed;
     ATMOSPHERE_MODEL atmosphereModel;
@@ -59,9 +61,11 @@ struct RUN {
     int atmosphereCache;
     int secondCache;
     float tempAtFirstBoundary;
-    int surfaceReflectance; // SURFACE_REFLECTANCE or a negative code
+    int surfaceReflectance; ///< SURFACE_REFLECTANCE or a negative code
     float surfaceValue;
-    // Card 1A
+    ///@}
+    /// Card 1A
+    ///@{
     SCATTERING_ALGO scatteringAlgo;
     bool azimuthDependence;
     int streams;
@@ -78,7 +82,9 @@ struct RUN {
     char instrumentFilterFileName[kModtranNameLength + 1];
     bool updateH2OAerosol;
     float solarConstant;
-    // Card 2
+    ///@}
+    /// Card 2
+    ///@{
     bool aerosolPlus;
     AEROSOL_ATTENUATION aerosolAttenuation;
     bool navyFlag;
@@ -88,25 +94,33 @@ struct RUN {
     int coastal;
     CLOUD_RAIN_MODEL cloudModel;
     bool avsa;
-    float card2[5]; // visibility, wind speeds, rain rate, ground altitude
-    // Card 2 extras
+    float card2[5]; ///< visibility, wind speeds, rain rate, ground altitude
+    ///@}
+    /// Card 2 extras
+    ///@{
     float adjustments[3][4];
     float clouds[3];
     int nLayerBoundaries;
     int nCloudProfile;
     float cloudExtra[6];
     float avsaValues[3];
-    // User atmosphere
+    ///@}
+    /// User atmosphere
+    ///@{
     int nLevels;
     bool extended;
     AEROSOL_MODEL_TYPE aerosolModelType;
     char userTitle[66];
     USER_LEVEL levels[kModtranMaxLevels];
-    // Aerosol regions and cloud tables
+    ///@}
+    /// Aerosol regions and cloud tables
+    ///@{
     AEROSOL_REGION regions[4];
     float layerBoundaries[kModtranMaxCloudRows][4];
     float cloudProfile[kModtranMaxCloudRows][7];
-    // Card 3
+    ///@}
+    /// Card 3
+    ///@{
     LOS_TYPE losType;
     float h1, h2, angle, range, beta, r0;
     PATH_LENGTH pathLength;
@@ -114,7 +128,9 @@ struct RUN {
     int solarDay;
     SOLAR_LUNAR_SOURCE source;
     float solarAngle;
-    // Card 3A and phase functions
+    ///@}
+    /// Card 3A and phase functions
+    ///@{
     SL_LOS_TYPE slLosType;
     PHASE_FUNCTION_TYPE phaseFunctionType;
     float solarParameters[7];
@@ -122,11 +138,15 @@ struct RUN {
     int nPhaseWavelengths;
     float phaseAngles[kModtranMaxPhaseAngles];
     float phaseWavelengths[kModtranMaxPhaseWavelengths];
-    // With no wavelengths: one row of five per angle. With wavelengths: four
-    // values per angle and wavelength.
+    ///@}
+    /// With no wavelengths: one row of five per angle. With wavelengths: four
+    /// values per angle and wavelength.
+    ///@{
     float phaseRows[kModtranMaxPhaseAngles][5];
     float phaseTable[kModtranMaxPhaseAngles][kModtranMaxPhaseWavelengths][4];
-    // Card 4
+    ///@}
+    /// Card 4
+    ///@{
     float start, end, step, fwhm;
     char outputYUnit;
     char outputXUnit;
@@ -138,11 +158,14 @@ struct RUN {
     bool saveNonDegraded;
     bool useSavedDegraded;
     char fluxTableType;
-    // Card 4A
+    ///@}
+    /// Card 4A
+    ///@{
     int nSurfaces;
     float surfaceTemperature;
     SURFACE surfaces[kModtranMaxSurfaces];
-    // Card 5
+    ///@}
+    /// Card 5
     int repeat;
 };
 

@@ -1,36 +1,37 @@
-// CModtranTape5File: a MODTRAN tape5 deck in memory, a list of runs (RUN,
-// qv/modtran/ModtranRun.h) of which one is current; every accessor acts on
-// the current run. Load and Save move the list to and from the fixed-column
-// cards of the file.
-//
-// Failures are false (or -1 from AddRun) with a last-error text, read with
-// GetLastError; the text stays until the next failure. A new object holds one
-// default run, current, and the text "No Error". An accessor without a current
-// run gives false with "Current run not selected."; one whose row index is
-// outside its table gives false with "Row %d does not exist.".
-//
-// Cards. Each card is a line ending in "\r\n". The reader cuts fields by
-// column and width (a blank number is 0), takes a line end of LF or CR LF,
-// keeps the first 127 bytes of a longer line, and refuses a deck that ends
-// before its last card ("Unexpected end of file at card %s."), that asks for
-// more rows than a table holds, or that chains more than kModtranMaxRuns runs.
-// The writer writes two columns as the tool reads them (phi of card 3 at
-// columns 71-80, the solar constant of card 1A at 51-60); the reader accepts
-// those numbers there and five (two) columns to the left, where older
-// writers put them. A value wider than its field is refused ("A value of
-// card %s does not fit its columns.") rather than shifting the columns
-// behind it. A vertical column field reads as "none" only when it is empty
-// or 0 ("0.5" is a scale the tool uses). Before card 3 the writer clears, in
-// the run itself, the geometry fields its line-of-sight type does not use.
-//
-// Save(path) writes the deck beside the file and renames it over the file
-// (CAtomicSave, qv/filesystems/AtomicSave.h): a save that fails leaves the
-// old file whole, with "The file %s could not be opened." or "... could not
-// be replaced." or the writer's own text.
-//
-// Ownership: the object owns its runs; files are the caller's. Threads: no
-// locks, and FormatSurfaceReflectance / FormatVerticalColumnType give
-// static buffers: one object, and one thread, at a time. Nothing here throws.
+/// @file
+/// CModtranTape5File: a MODTRAN tape5 deck in memory, a list of runs (RUN,
+/// qv/modtran/ModtranRun.h) of which one is current; every accessor acts on
+/// the current run. Load and Save move the list to and from the fixed-column
+/// cards of the file.
+///
+/// Failures are false (or -1 from AddRun) with a last-error text, read with
+/// GetLastError; the text stays until the next failure. A new object holds one
+/// default run, current, and the text "No Error". An accessor without a current
+/// run gives false with "Current run not selected."; one whose row index is
+/// outside its table gives false with "Row %d does not exist.".
+///
+/// Cards. Each card is a line ending in "\r\n". The reader cuts fields by
+/// column and width (a blank number is 0), takes a line end of LF or CR LF,
+/// keeps the first 127 bytes of a longer line, and refuses a deck that ends
+/// before its last card ("Unexpected end of file at card %s."), that asks for
+/// more rows than a table holds, or that chains more than kModtranMaxRuns runs.
+/// The writer writes two columns as the tool reads them (phi of card 3 at
+/// columns 71-80, the solar constant of card 1A at 51-60); the reader accepts
+/// those numbers there and five (two) columns to the left, where older
+/// writers put them. A value wider than its field is refused ("A value of
+/// card %s does not fit its columns.") rather than shifting the columns
+/// behind it. A vertical column field reads as "none" only when it is empty
+/// or 0 ("0.5" is a scale the tool uses). Before card 3 the writer clears, in
+/// the run itself, the geometry fields its line-of-sight type does not use.
+///
+/// Save(path) writes the deck beside the file and renames it over the file
+/// (CAtomicSave, qv/filesystems/AtomicSave.h): a save that fails leaves the
+/// old file whole, with "The file %s could not be opened." or "... could not
+/// be replaced." or the writer's own text.
+///
+/// Ownership: the object owns its runs; files are the caller's. Threads: no
+/// locks, and FormatSurfaceReflectance / FormatVerticalColumnType give
+/// static buffers: one object, and one thread, at a time. Nothing here throws.
 #pragma once
 
 #include "qv/core/Array.h"
@@ -51,44 +52,53 @@ public:
     CModtranTape5File &operator=(CModtranTape5File const &) = default;
     ~CModtranTape5File();
 
-    // ---- Run control ----
-    void New(); // one default run, current
-    // -1 adds a default run, another index a copy of that run; the new index,
-    // or -1 ("Run %d does not exist."). The current run does not change.
+    /// ---- Run control ----
+    void New(); ///< one default run, current
+    /// -1 adds a default run, another index a copy of that run; the new index,
+    /// or -1 ("Run %d does not exist."). The current run does not change.
+    ///@{
     int AddRun(int from);
     bool UseRun(int run);
-    // Closes the gap and selects run 0; the last run can't go.
+    ///@}
+    /// Closes the gap and selects run 0; the last run can't go.
     bool RemoveRun(int run);
-    // Defaults into the current run; the argument is not used (existing
-    // callers pass any index).
+    /// Defaults into the current run; the argument is not used (existing
+    /// callers pass any index).
+    ///@{
     bool ResetRun(int run);
     int CurrentRun() const { return current; }
     int nRuns() const { return int(runs.GetSize()); }
     bool RunExists();
     bool Validate();
-    bool ValidateRun(int run); // no checks: true
-    void Destroy();           // no runs, no current run, "No Error"
+    bool ValidateRun(int run); ///< no checks: true
+    void Destroy();           ///< no runs, no current run, "No Error"
     static void DefaultRun(RUN &run);
     static void CopyRun(RUN &to, RUN const &from);
     char const *GetLastError() const { return lastError; }
     void SetLastError(char const *format, ...) __attribute__((format(printf, 2, 3)));
+    ///@}
 
-    // ---- Files ----
+    /// ---- Files ----
+    ///@{
     bool Load(IFile &file);
     bool Load(char16_t const *path);
-    bool Save(IFile &file); // repeat flags 1 ... 1, 0; leaves the last run current
+    bool Save(IFile &file); ///< repeat flags 1 ... 1, 0; leaves the last run current
     bool Save(char16_t const *path);
-    // One run, the current one. The repeat argument has no effect.
+    ///@}
+    /// One run, the current one. The repeat argument has no effect.
+    ///@{
     bool LoadRun(IFile &file, int repeat);
     bool SaveRun(IFile &file, int repeat);
-    // The cards SaveRun would write for the current run, each with its name
-    // ("1", "1A", "2", "3", ...) and its text without the line end.
+    ///@}
+    /// The cards SaveRun would write for the current run, each with its name
+    /// ("1", "1A", "2", "3", ...) and its text without the line end.
     bool GetCards(TArray<CString> &names, TArray<CString> &lines);
 
     static char *FormatSurfaceReflectance(SURFACE_REFLECTANCE kind, float value);
     static char *FormatVerticalColumnType(VERTICAL_COLUMN_TYPE kind, float value);
 
-    // ---- Accessors of the current run ----
+    /// ---- Accessors of the current run ----
+    ///@{
     bool SetBandModel(MODTRAN_MODEL v);
     bool GetBandModel(MODTRAN_MODEL &v);
     bool SetCorrelationKSpeed(CORRELATIONK_SPEED v);
@@ -105,44 +115,60 @@ public:
     bool GetExecutionMode(EXECUTION_MODE &v);
     bool SetMultipleScattering(MULTIPLE_SCATTERING v, SCATTERING_ALGO algo, bool azimuth, int streams);
     bool GetMultipleScattering(MULTIPLE_SCATTERING &v, SCATTERING_ALGO &algo, bool &azimuth, int &streams);
-    // The six user model selections and the heavy species option.
+    ///@}
+    /// The six user model selections and the heavy species option.
+    ///@{
     bool SetUserDefinedModel(ATMOSPHERE_MODEL const models[6], int heavySpecies);
     bool GetUserDefinedModel(ATMOSPHERE_MODEL models[6], int &heavySpecies);
-    // The user atmosphere heading (count up to kModtranMaxLevels).
+    ///@}
+    /// The user atmosphere heading (count up to kModtranMaxLevels).
+    ///@{
     bool SetUserDefinedModel(int count, bool extended, AEROSOL_MODEL_TYPE type, char const *title);
     bool GetUserDefinedModel(int &count, bool &extended, AEROSOL_MODEL_TYPE &type, char *title66);
-    // Per level: altitude, five values and fifteen units.
+    ///@}
+    /// Per level: altitude, five values and fifteen units.
+    ///@{
     bool SetUserDefinedModel(int level, float altitude, float const values[5], AB_UNITS const units[15]);
     bool GetUserDefinedModel(int level, float &altitude, float values[5], AB_UNITS units[15]);
-    // Per level: the nine extended values.
+    ///@}
+    /// Per level: the nine extended values.
+    ///@{
     bool SetUserDefinedModel(int level, float const extended[9]);
     bool GetUserDefinedModel(int level, float extended[9]);
-    // Per level: the thirteen heavy species values.
+    ///@}
+    /// Per level: the thirteen heavy species values.
+    ///@{
     bool SetUserDefinedModelHeavy(int level, float const heavy[13]);
     bool GetUserDefinedModelHeavy(int level, float heavy[13]);
-    // Per level, aerosol model type 1.
+    ///@}
+    /// Per level, aerosol model type 1.
+    ///@{
     bool SetUserDefinedModel(int level, float a, float b, float c, AEROSOL_ATTENUATION attenuation,
                              CLOUD_RAIN_MODEL cloud, VOLCANO_INFO volcano, AEROSOL_PROFILE profile, bool flag);
     bool GetUserDefinedModel(int level, float &a, float &b, float &c, AEROSOL_ATTENUATION &attenuation,
                              CLOUD_RAIN_MODEL &cloud, VOLCANO_INFO &volcano, AEROSOL_PROFILE &profile, bool &flag);
-    // Per level, aerosol model type 2.
+    ///@}
+    /// Per level, aerosol model type 2.
+    ///@{
     bool SetUserDefinedModel(int level, float a, float b, float c, float d, float e);
     bool GetUserDefinedModel(int level, float &a, float &b, float &c, float &d, float &e);
     bool SetTempAtFirstBoundary(float v);
     bool GetTempAtFirstBoundary(float &v);
     bool SetSurfaceReflectance(SURFACE_REFLECTANCE kind, float value);
     bool GetSurfaceReflectance(SURFACE_REFLECTANCE &kind, float &value);
-    // Card 4A: the surface count (up to kModtranMaxSurfaces) and its float.
+    ///@}
+    /// Card 4A: the surface count (up to kModtranMaxSurfaces) and its float.
+    ///@{
     bool SetSurfaceReflectance(int count, float temperature);
     bool GetSurfaceReflectance(int &count, float &temperature);
     bool SetSurfaceReflectance(int surface, char const *file1, char const *file2);
-    bool GetSurfaceReflectance(int surface, char *file1, char *file2); // 81 bytes each
+    bool GetSurfaceReflectance(int surface, char *file1, char *file2); ///< 81 bytes each
     bool SetSurfaceReflectance(int surface, BRDF_FUNCTION function, int rows, float zenith, float azimuth);
     bool GetSurfaceReflectance(int surface, BRDF_FUNCTION &function, int &rows, float &zenith, float &azimuth);
     bool SetSurfaceReflectance(int surface, int row, float a, float b, float c, float d, float e, float f);
     bool GetSurfaceReflectance(int surface, int row, float &a, float &b, float &c, float &d, float &e, float &f);
     bool SetSolarIrradiance(bool file, bool userFile, char const *name, int index);
-    bool GetSolarIrradiance(bool &file, bool &userFile, char *name, int &index); // name: 81 bytes
+    bool GetSolarIrradiance(bool &file, bool &userFile, char *name, int &index); ///< name: 81 bytes
     bool SetBandModelFile(bool flag, char const *name);
     bool GetBandModelFile(bool &flag, char *name);
     bool SetInstrumentFilterFile(bool flag, char const *name);
@@ -179,21 +205,25 @@ public:
     bool GetCloudProfile(int row, float &a, float &b, float &c, float &d, float &e, float &f, float &g);
     bool SetAVSA(bool flag, float a, float b, float c);
     bool GetAVSA(bool &flag, float &a, float &b, float &c);
-    // H1, H2 and the angle; the other geometry fields are cleared.
+    ///@}
+    /// H1, H2 and the angle; the other geometry fields are cleared.
+    ///@{
     bool SetGeometry(float h1, float h2, float angle);
     bool GetGeometry(float &h1, float &h2, float &angle);
     bool SetGeometry(float h1, float h2, float angle, float range, float beta, float r0, float phi, PATH_LENGTH length);
     bool GetGeometry(float &h1, float &h2, float &angle, float &range, float &beta, float &r0, float &phi,
                      PATH_LENGTH &length);
-    // Card 3A and the solar-lunar items of card 3: phase function type, day,
-    // source, the seven floats of card 3A and the last float of card 3.
+    ///@}
+    /// Card 3A and the solar-lunar items of card 3: phase function type, day,
+    /// source, the seven floats of card 3A and the last float of card 3.
+    ///@{
     bool SetSolarLunarGeometry(PHASE_FUNCTION_TYPE type, int day, SOLAR_LUNAR_SOURCE source,
                                float const parameters[7], float angle);
     bool GetSolarLunarGeometry(PHASE_FUNCTION_TYPE &type, int &day, SOLAR_LUNAR_SOURCE &source, float parameters[7],
                                float &angle);
     bool SetPhaseFunction(int angles, int wavelengths);
     bool GetPhaseFunction(int &angles, int &wavelengths);
-    bool SetPhaseFunction(int row, float a, float b, float c, float d, float e); // no wavelengths
+    bool SetPhaseFunction(int row, float a, float b, float c, float d, float e); ///< no wavelengths
     bool GetPhaseFunction(int row, float &a, float &b, float &c, float &d, float &e);
     bool SetPhaseFunctionAngle(int row, float angle);
     bool GetPhaseFunctionAngle(int row, float &angle);
@@ -205,7 +235,8 @@ public:
                        FWHM_TYPE fwhmType);
     bool GetOutputInfo(float &start, float &end, float &step, INPUT_X_UNIT &unit, SLIT_FUNCTION &slit, float &fwhm,
                        FWHM_TYPE &fwhmType);
-    // The whole current run, or null ("Current run not selected.").
+    ///@}
+    /// The whole current run, or null ("Current run not selected.").
     RUN *GetRun();
 
 private:

@@ -1,25 +1,26 @@
-// CModtranTape7File: the spectral table that MODTRAN writes (tape7), loaded
-// column by column, by run, or interpolated between runs along the path
-// geometry.
-//
-// A file is a block per run: ten header lines (the first holds the
-// execution mode at byte 14, the sixth three geometry numbers at bytes 0, 10
-// and 30, ten wide), a column heading, data rows at fixed columns, and a
-// line starting "-9999." that ends the block. The layout follows the mode
-// and the heading: one starting "    FREQ" (any case) has the wider
-// frequency column. Every run of a file has one mode and one row count.
-//
-// Load gives false, with no text, for a file that does not open, a mode that
-// is not 0 to 3, runs of different modes or lengths, columns the layout
-// lacks, columns in the high 32 bits (existing callers never ask Load for
-// those: T7C_SO2_TRANS, T7C_SOL_TR, T7C_SOLAR), and a run whose block ends
-// without its "-9999." line or its whole header (a table cut short, whose
-// last row may be partial), or a file with no run at all. Blank lines
-// between blocks are skipped. Lines are read up to 255 bytes; the rest of a
-// longer line is skipped. Frequencies are always loaded.
-//
-// Ownership: the object owns its tables. Threads: one thread at a time.
-// Nothing here throws.
+/// @file
+/// CModtranTape7File: the spectral table that MODTRAN writes (tape7), loaded
+/// column by column, by run, or interpolated between runs along the path
+/// geometry.
+///
+/// A file is a block per run: ten header lines (the first holds the
+/// execution mode at byte 14, the sixth three geometry numbers at bytes 0, 10
+/// and 30, ten wide), a column heading, data rows at fixed columns, and a
+/// line starting "-9999." that ends the block. The layout follows the mode
+/// and the heading: one starting "    FREQ" (any case) has the wider
+/// frequency column. Every run of a file has one mode and one row count.
+///
+/// Load gives false, with no text, for a file that does not open, a mode that
+/// is not 0 to 3, runs of different modes or lengths, columns the layout
+/// lacks, columns in the high 32 bits (existing callers never ask Load for
+/// those: T7C_SO2_TRANS, T7C_SOL_TR, T7C_SOLAR), and a run whose block ends
+/// without its "-9999." line or its whole header (a table cut short, whose
+/// last row may be partial), or a file with no run at all. Blank lines
+/// between blocks are skipped. Lines are read up to 255 bytes; the rest of a
+/// longer line is skipped. Frequencies are always loaded.
+///
+/// Ownership: the object owns its tables. Threads: one thread at a time.
+/// Nothing here throws.
 #pragma once
 
 #include <cstdint>
@@ -31,7 +32,7 @@ namespace qv {
 
 class IFile;
 
-// One row: a double for every column a tape7 can have.
+/// One row: a double for every column a tape7 can have.
 struct TAPE7_DATA {
     double freq, totTrans, pthThrml, thrmlSct, surfEmis, solScat, singScat, grndRflt, drctRflt, totalRad, refSol,
         solObs, depth, h2oTrans, co2pTrans, o3Trans, traceTrans, n2Count, h2oCount, molecCount, aerTrans, hno3Trans,
@@ -41,7 +42,7 @@ struct TAPE7_DATA {
 
 struct TAPE7_RUN {
     TArray<TAPE7_DATA> data;
-    double geometry[3]; // the sixth header line: H1, H2 and the range
+    double geometry[3]; ///< the sixth header line: H1, H2 and the range
 };
 
 class QV_API CModtranTape7File {
@@ -88,25 +89,25 @@ public:
     CModtranTape7File &operator=(CModtranTape7File const &) = delete;
 
     bool Load(char16_t const *name, uint64_t columns);
-    bool Load(IFile &file, uint64_t columns); // from the file's position
-    int nPoints() const;                      // rows per run; 0 with no run
+    bool Load(IFile &file, uint64_t columns); ///< from the file's position
+    int nPoints() const;                      ///< rows per run; 0 with no run
     int nRuns() const { return int(runs.GetSize()); }
-    // The columns the file's layout has (0 before a load).
+    /// The columns the file's layout has (0 before a load).
     uint64_t GetColumns() const { return columns; }
-    // The execution mode of the runs, -1 before a load.
+    /// The execution mode of the runs, -1 before a load.
     int GetMode() const { return mode; }
-    // The three geometry numbers of a run; false for a run out of range.
+    /// The three geometry numbers of a run; false for a run out of range.
     bool GetGeometry(int run, double out[3]) const;
-    // out holds nPoints() doubles. False with no run.
+    /// out holds nPoints() doubles. False with no run.
     bool GetFreq(double *out) const;
-    // One column of one run (a negative run is 0). False beyond the last run
-    // or for a bit that names no column.
+    /// One column of one run (a negative run is 0). False beyond the last run
+    /// or for a bit that names no column.
     bool GetData(double *out, int run, uint64_t column) const;
-    // Interpolated between runs for geometry values a (against the runs' H2)
-    // and b (against their range): freq receives the frequencies, out the
-    // column. Nothing is extrapolated below the table; at or above its top
-    // the top group or run is taken as it is. False with no run, for an
-    // unknown bit, or below the table.
+    /// Interpolated between runs for geometry values a (against the runs' H2)
+    /// and b (against their range): freq receives the frequencies, out the
+    /// column. Nothing is extrapolated below the table; at or above its top
+    /// the top group or run is taken as it is. False with no run, for an
+    /// unknown bit, or below the table.
     bool GetData(double *freq, double *out, double a, double b, uint64_t column) const;
 
 private:
@@ -117,7 +118,7 @@ private:
     bool Blend(TArray<TAPE7_DATA> &out, TArray<int> const &group, double b) const;
 
     TArray<TAPE7_RUN *> runs;
-    TArray<TArray<int>> index; // groups of runs by H2, each by range
+    TArray<TArray<int>> index; ///< groups of runs by H2, each by range
     uint64_t columns;
     int mode;
 };

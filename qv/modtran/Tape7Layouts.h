@@ -1,5 +1,6 @@
-// Internal to qv/modtran: the column layouts of tape7 tables and the place
-// of each column in TAPE7_DATA.
+/// @file
+/// Internal to qv/modtran: the column layouts of tape7 tables and the place
+/// of each column in TAPE7_DATA.
 #pragma once
 
 #include <cstdint>
@@ -14,15 +15,15 @@ struct SColumn {
 };
 
 struct SLayout {
-    SColumn const *columns; // in file order, from byte 0
+    SColumn const *columns; ///< in file order, from byte 0
     int count;
 };
 
-// The layout of a mode (0 to 3) with a wide ("    FREQ") or narrow heading;
-// false for another mode.
+/// The layout of a mode (0 to 3) with a wide ("    FREQ") or narrow heading;
+/// false for another mode.
 bool GetTape7Layout(int mode, bool wide, SLayout &out);
 
-// The field of one column bit; null for a bit that names no column.
+/// The field of one column bit; null for a bit that names no column.
 double TAPE7_DATA::*Tape7Field(uint64_t bit);
 
 } // namespace qv::modtran_detail

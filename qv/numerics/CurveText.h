@@ -1,6 +1,7 @@
-// Line and token handling shared by the curve file readers (internal header
-// of qv/numerics). Locale-free: white space is the ASCII set of the "C"
-// locale.
+/// @file
+/// Line and token handling shared by the curve file readers (internal header
+/// of qv/numerics). Locale-free: white space is the ASCII set of the "C"
+/// locale.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +11,20 @@
 
 namespace qv::numerics_detail {
 
-constexpr int kCurveLineBytes = 512; // the longest line GetLine hands over
+constexpr int kCurveLineBytes = 512; ///< the longest line GetLine hands over
 
-// Skips leading white space, cuts trailing white space in place.
+/// Skips leading white space, cuts trailing white space in place.
 char *TrimLine(char *line);
 
-// The next token of *cursor separated by any of separators (runs of them
-// count as one, as strtok has it); null when none is left. Advances *cursor.
+/// The next token of *cursor separated by any of separators (runs of them
+/// count as one, as strtok has it); null when none is left. Advances *cursor.
 char *NextToken(char **cursor, char const *separators);
 
-// Opens path on the disk for reading.
+/// Opens path on the disk for reading.
 bool OpenCurveFile(CFile &file, char16_t const *path);
 
-// Lets an array that is filled item by item grow in large steps, and gives it
-// its own growth rate back afterwards.
+/// Lets an array that is filled item by item grow in large steps, and gives it
+/// its own growth rate back afterwards.
 class CBulkGrowth {
 public:
     explicit CBulkGrowth(TArray<double> &array) : array_(array), rate_(array.SetGrowthRate(4096)) {}

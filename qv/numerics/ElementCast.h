@@ -1,19 +1,20 @@
-// ElementCast<To>(from): the one element conversion of the typed array
-// operations, defined for every input (internal header of qv/numerics).
-//
-// Floating point to integer behaves as the x86 runtime that existing files
-// were written with: truncate toward zero to 64 bits, NaN and values outside
-// [-2^63, 2^63) give INT64_MIN, then wrap to the target width (-1.0 to
-// uint16 is 65535, 70000.0 is 4464). Integers wrap; integer to floating point
-// and double to float round as the hardware does.
-//
-// The rule itself is stated once, in qv/core/FloatToInt.h, with branches.
-// The functions here give the same results (tests compare them bit for bit)
-// without branches, from operations every SSE2 machine has in vector form,
-// so that loops over whole frames vectorise: the hardware's own truncation
-// has no vector form for 64-bit results before AVX-512. They are constexpr,
-// so constant folding agrees with run time, and correct in every rounding
-// mode.
+/// @file
+/// ElementCast<To>(from): the one element conversion of the typed array
+/// operations, defined for every input (internal header of qv/numerics).
+///
+/// Floating point to integer behaves as the x86 runtime that existing files
+/// were written with: truncate toward zero to 64 bits, NaN and values outside
+/// [-2^63, 2^63) give INT64_MIN, then wrap to the target width (-1.0 to
+/// uint16 is 65535, 70000.0 is 4464). Integers wrap; integer to floating point
+/// and double to float round as the hardware does.
+///
+/// The rule itself is stated once, in qv/core/FloatToInt.h, with branches.
+/// The functions here give the same results (tests compare them bit for bit)
+/// without branches, from operations every SSE2 machine has in vector form,
+/// so that loops over whole frames vectorise: the hardware's own truncation
+/// has no vector form for 64-bit results before AVX-512. They are constexpr,
+/// so constant folding agrees with run time, and correct in every rounding
+/// mode.
 #pragma once
 
 #include <bit>
@@ -24,17 +25,17 @@
 
 namespace qv::numerics_detail {
 
-// The scalar statement of the rule, for code outside vector loops.
+/// The scalar statement of the rule, for code outside vector loops.
 using qv::TruncateToInt64;
 
-// trunc(x) = high * 2^32 + middle * 2^16 + low, every part truncated toward
-// zero and so of x's sign, each step exact in double arithmetic. The parts
-// fit 32 bits, so the hardware's 32-bit truncation (which SSE2 has in vector
-// form) makes them. All three are 0 when x is NaN or outside (-2^63, 2^63):
-// x is masked to zero first, with integer arithmetic on its bits.
+/// trunc(x) = high * 2^32 + middle * 2^16 + low, every part truncated toward
+/// zero and so of x's sign, each step exact in double arithmetic. The parts
+/// fit 32 bits, so the hardware's 32-bit truncation (which SSE2 has in vector
+/// form) makes them. All three are 0 when x is NaN or outside (-2^63, 2^63):
+/// x is masked to zero first, with integer arithmetic on its bits.
 struct STruncatedParts {
     int32_t high, middle, low;
-    uint64_t valid; // all ones when x was in range
+    uint64_t valid; ///< all ones when x was in range
 };
 
 constexpr STruncatedParts SplitTruncated(double x) {
@@ -56,8 +57,8 @@ constexpr int64_t TruncateToInt64Branchless(double x) {
     return static_cast<int64_t>(sum | (uint64_t(1) << 63 & ~p.valid));
 }
 
-// The low 32 bits of TruncateToInt64Branchless(x), all that a target of 32
-// bits or less keeps; computed in 32-bit lanes, twice as many per vector.
+/// The low 32 bits of TruncateToInt64Branchless(x), all that a target of 32
+/// bits or less keeps; computed in 32-bit lanes, twice as many per vector.
 constexpr uint32_t TruncateToLow32Branchless(double x) {
     STruncatedParts p = SplitTruncated(x);
     return (uint32_t(p.middle) << 16) + uint32_t(p.low);

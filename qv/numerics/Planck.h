@@ -1,6 +1,7 @@
-// Planck's law on a wavelength axis, with the calibration's own constants.
-//
-// Ownership: the arrays are the caller's. Threads: no state. Never throws.
+/// @file
+/// Planck's law on a wavelength axis, with the calibration's own constants.
+///
+/// Ownership: the arrays are the caller's. Threads: no state. Never throws.
 #pragma once
 
 #include "qv/core/Array.h"
@@ -8,12 +9,12 @@
 
 namespace qv {
 
-// y is cleared, then for each wavelength l of x (microns), with T =
-// temperature + 273.15 (temperature in degrees Celsius):
-//   y = emissivity * (11910.06 / l^5) * 1 / (exp(14388.3 / (l * T)) - 1)
-// in W/(sr-cm^2) per micron. l^5 is formed by squaring, not by pow. The two
-// constants are the ones every stored calibration was computed with: other
-// (even more exact) values would make recomputed radiances disagree with them.
+/// y is cleared, then for each wavelength l of x (microns), with T =
+/// temperature + 273.15 (temperature in degrees Celsius):
+///   y = emissivity * (11910.06 / l^5) * 1 / (exp(14388.3 / (l * T)) - 1)
+/// in W/(sr-cm^2) per micron. l^5 is formed by squaring, not by pow. The two
+/// constants are the ones every stored calibration was computed with: other
+/// (even more exact) values would make recomputed radiances disagree with them.
 QV_API void Planck(TArray<double> &x, TArray<double> &y, double temperature, double emissivity);
 
 } // namespace qv

@@ -1,6 +1,7 @@
-// Arithmetic of the typed array operations (internal header of qv/numerics):
-// the usual common type of a mixed pair, and integer arithmetic that wraps
-// where C++ would leave signed overflow undefined.
+/// @file
+/// Arithmetic of the typed array operations (internal header of qv/numerics):
+/// the usual common type of a mixed pair, and integer arithmetic that wraps
+/// where C++ would leave signed overflow undefined.
 #pragma once
 
 #include <cmath>
@@ -8,8 +9,8 @@
 
 namespace qv::numerics_detail {
 
-// The type a + b has: int for the small integers, unsigned for a 32-bit
-// unsigned beside a narrower or equal signed integer, and so on.
+/// The type a + b has: int for the small integers, unsigned for a 32-bit
+/// unsigned beside a narrower or equal signed integer, and so on.
 template <class A, class B> using TCommon = decltype(A() + B());
 
 template <class T>
@@ -19,7 +20,7 @@ template <class T> inline T WrapAdd(T x, T y) { return static_cast<T>(TWrapped<T
 
 template <class T> inline T WrapSubtract(T x, T y) { return static_cast<T>(TWrapped<T>(x) - TWrapped<T>(y)); }
 
-// |x|; the most negative integer stays itself, an unsigned value is its own.
+/// |x|; the most negative integer stays itself, an unsigned value is its own.
 template <class T> inline T AbsOf(T x) {
     if constexpr (std::is_floating_point_v<T>)
         return std::fabs(x);

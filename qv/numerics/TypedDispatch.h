@@ -1,6 +1,7 @@
-// Run-time element types to compile-time ones (internal header of
-// qv/numerics). Each typed operation dispatches once per call, here, to one
-// template instance for its exact types; nothing is decided per element.
+/// @file
+/// Run-time element types to compile-time ones (internal header of
+/// qv/numerics). Each typed operation dispatches once per call, here, to one
+/// template instance for its exact types; nothing is decided per element.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +14,8 @@ template <class T> struct TypeTag {
     using type = T;
 };
 
-// f(TypeTag<T>{}) for the element type T of `type`; types without arithmetic
-// (7, DT_Packed, DT_Unknown, out of range) call nothing.
+/// f(TypeTag<T>{}) for the element type T of `type`; types without arithmetic
+/// (7, DT_Packed, DT_Unknown, out of range) call nothing.
 template <class F> void DispatchOne(EDataType type, F &&f) {
     switch (type) {
     case DT_Int8: f(TypeTag<int8_t>{}); return;
@@ -30,8 +31,8 @@ template <class F> void DispatchOne(EDataType type, F &&f) {
     }
 }
 
-// f(TypeTag<T1>{}, TypeTag<T2>{}, ...) for the element types of `types`, in
-// order; nothing if any of them has no arithmetic.
+/// f(TypeTag<T1>{}, TypeTag<T2>{}, ...) for the element types of `types`, in
+/// order; nothing if any of them has no arithmetic.
 template <class F> void Dispatch(F &&f) { f(); }
 
 template <class F, class... More> void Dispatch(F &&f, EDataType first, More... more) {

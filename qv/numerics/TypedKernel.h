@@ -1,17 +1,18 @@
-// The element loops every typed operation runs (internal header of
-// qv/numerics).
-//
-// Elements are read and written through memcpy, so buffers need no
-// alignment (frames inside file images often sit at odd offsets); the
-// compiler makes plain unaligned loads and stores of them.
-//
-// Full blocks of kBlock elements have a fixed trip count, so g++ vectorises
-// them even at -O2, whose cost model refuses remainders and run-time alias
-// checks. Aliasing is settled once per call instead: when the output overlaps
-// no input, the loop stores straight through a restrict pointer; otherwise
-// each block is computed into a local array and stored whole, so a call in
-// place (the output is an input of the same element width) sees every
-// element's old value, as a plain loop would.
+/// @file
+/// The element loops every typed operation runs (internal header of
+/// qv/numerics).
+///
+/// Elements are read and written through memcpy, so buffers need no
+/// alignment (frames inside file images often sit at odd offsets); the
+/// compiler makes plain unaligned loads and stores of them.
+///
+/// Full blocks of kBlock elements have a fixed trip count, so g++ vectorises
+/// them even at -O2, whose cost model refuses remainders and run-time alias
+/// checks. Aliasing is settled once per call instead: when the output overlaps
+/// no input, the loop stores straight through a restrict pointer; otherwise
+/// each block is computed into a local array and stored whole, so a call in
+/// place (the output is an input of the same element width) sees every
+/// element's old value, as a plain loop would.
 #pragma once
 
 #include <concepts>
@@ -35,7 +36,7 @@ template <class T> inline void StoreElement(unsigned char *base, size_t i, T v) 
     std::memcpy(base + i * sizeof(T), &v, sizeof(T));
 }
 
-// One input of an element loop: where it is and how many bytes it covers.
+/// One input of an element loop: where it is and how many bytes it covers.
 struct SInput {
     void const *data;
     size_t bytes;
@@ -48,9 +49,9 @@ inline bool Overlaps(void const *out, size_t outBytes, SInput in) {
     return o < i + in.bytes && i < o + outBytes;
 }
 
-// fill(block, first, count) computes elements first .. first + count - 1
-// into block[0 .. count - 1]; count is a FullBlock except for the last,
-// shorter block. Then the block goes to out.
+/// fill(block, first, count) computes elements first .. first + count - 1
+/// into block[0 .. count - 1]; count is a FullBlock except for the last,
+/// shorter block. Then the block goes to out.
 template <class Out, class Fill> inline void ForEachBlock(void *out, uint32_t n, Fill fill) {
     Out block[kBlock];
     auto *bytes = static_cast<unsigned char *>(out);
@@ -64,9 +65,10 @@ template <class Out, class Fill> inline void ForEachBlock(void *out, uint32_t n,
     std::memcpy(bytes + i * sizeof(Out), block, (n - i) * sizeof(Out));
 }
 
-// out[i] = element(i), storing straight to out, which no input overlaps.
-// Plain loops on the restrict parameter: a lambda here would hide the
-// restrict from the vectoriser.
+/// out[i] = element(i), storing straight to out, which no input overlaps.
+/// Plain loops on the restrict parameter: a lambda here would hide the
+/// restrict from the vectoriser.
+///@{
 template <class Out, class Element>
 inline void StoreDisjoint(unsigned char *__restrict out, uint32_t n, Element element) {
     size_t i = 0;
@@ -76,9 +78,10 @@ inline void StoreDisjoint(unsigned char *__restrict out, uint32_t n, Element ele
     for (; i < n; ++i)
         StoreElement<Out>(out, i, element(i));
 }
+///@}
 
-// out[i] = element(i) through local blocks, for an output that may be an
-// input (i is a size_t, so that the compiler sees addresses that cannot wrap).
+/// out[i] = element(i) through local blocks, for an output that may be an
+/// input (i is a size_t, so that the compiler sees addresses that cannot wrap).
 template <class Out, class Element> inline void ForEachInPlace(void *out, uint32_t n, Element element) {
     ForEachBlock<Out>(out, n, [&](Out *block, size_t first, auto count) {
         for (size_t k = 0; k < count; ++k)
@@ -86,7 +89,8 @@ template <class Out, class Element> inline void ForEachInPlace(void *out, uint32
     });
 }
 
-// out[i] = element(i) for i in 0 .. n - 1, where element reads the inputs.
+/// out[i] = element(i) for i in 0 .. n - 1, where element reads the inputs.
+///@{
 template <class Out, class Element, std::same_as<SInput>... Inputs>
 inline void ForEachElement(void *out, uint32_t n, Element element, Inputs... inputs) {
     if ((Overlaps(out, size_t(n) * sizeof(Out), inputs) || ...))
@@ -94,5 +98,6 @@ inline void ForEachElement(void *out, uint32_t n, Element element, Inputs... inp
     else
         StoreDisjoint<Out>(static_cast<unsigned char *>(out), n, element);
 }
+///@}
 
 } // namespace qv::numerics_detail

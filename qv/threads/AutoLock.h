@@ -1,7 +1,8 @@
-// Scope guards: a lock taken by the constructor and given back by the
-// destructor. The lock must outlive the guard; a null pointer guards
-// nothing. CAutoMutex waits without limit; a mutex whose owner was
-// abandoned is owned all the same and is released at the end of the scope.
+/// @file
+/// Scope guards: a lock taken by the constructor and given back by the
+/// destructor. The lock must outlive the guard; a null pointer guards
+/// nothing. CAutoMutex waits without limit; a mutex whose owner was
+/// abandoned is owned all the same and is released at the end of the scope.
 #pragma once
 
 #include "qv/platform/Ticks.h"
@@ -40,7 +41,7 @@ private:
     CMutex *mutex;
 };
 
-// Either kind of lock, remembered by which pointer is set.
+/// Either kind of lock, remembered by which pointer is set.
 class CAutoLock {
 public:
     explicit CAutoLock(CCriticalSection *section) : section(section) {}

@@ -1,7 +1,8 @@
-// CCOMScope: marks a scope in which a thread uses the system's component
-// model. Linux has no such per-thread initialisation, so the scope has no
-// effect; it stays so that code written for both kinds of system keeps one
-// form. flags is accepted and ignored.
+/// @file
+/// CCOMScope: marks a scope in which a thread uses the system's component
+/// model. Linux has no such per-thread initialisation, so the scope has no
+/// effect; it stays so that code written for both kinds of system keeps one
+/// form. flags is accepted and ignored.
 #pragma once
 
 #include <cstdint>

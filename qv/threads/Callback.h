@@ -1,10 +1,11 @@
-// TCallback: holds one plain function to call later, or nothing.
-//
-// The parameters name the result and up to four arguments, void for none;
-// the library has the form without result or arguments, TCallback<>. The
-// function sits in an owned inner object (IInner), so a copy holds a copy of
-// it. Calling a callback with nothing set does nothing.
-// Threads: a callback belongs to one thread at a time.
+/// @file
+/// TCallback: holds one plain function to call later, or nothing.
+///
+/// The parameters name the result and up to four arguments, void for none;
+/// the library has the form without result or arguments, TCallback<>. The
+/// function sits in an owned inner object (IInner), so a copy holds a copy of
+/// it. Calling a callback with nothing set does nothing.
+/// Threads: a callback belongs to one thread at a time.
 #pragma once
 
 namespace qv {

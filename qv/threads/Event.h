@@ -1,18 +1,19 @@
-// CEvent: a signal that threads wait for, reset by hand or by the first
-// waiter it releases.
-//
-// A manual-reset event stays signalled until Reset and releases every
-// waiter; an auto-reset event releases one waiter (or lets one later Wait
-// through) and becomes unsignalled again. Pulse releases the threads that are
-// waiting at that moment (all of them, or one for an auto-reset event) and
-// leaves the event unsignalled; with nobody waiting it does nothing.
-//
-// Wait with pumpMessages keeps the calling thread's message queue served
-// (qv/platform/MessageQueue.h) while it waits, so that a thread with a loop
-// doesn't stop dispatching; without it Wait blocks the thread. getHandle
-// gives a handle that CMessageQueueInvoker::SafeWait accepts. A copy is a
-// new, unsignalled event with the same reset mode. The bool results are true
-// unless stated. Thread-safe.
+/// @file
+/// CEvent: a signal that threads wait for, reset by hand or by the first
+/// waiter it releases.
+///
+/// A manual-reset event stays signalled until Reset and releases every
+/// waiter; an auto-reset event releases one waiter (or lets one later Wait
+/// through) and becomes unsignalled again. Pulse releases the threads that are
+/// waiting at that moment (all of them, or one for an auto-reset event) and
+/// leaves the event unsignalled; with nobody waiting it does nothing.
+///
+/// Wait with pumpMessages keeps the calling thread's message queue served
+/// (qv/platform/MessageQueue.h) while it waits, so that a thread with a loop
+/// doesn't stop dispatching; without it Wait blocks the thread. getHandle
+/// gives a handle that CMessageQueueInvoker::SafeWait accepts. A copy is a
+/// new, unsignalled event with the same reset mode. The bool results are true
+/// unless stated. Thread-safe.
 #pragma once
 
 #include <condition_variable>
@@ -31,21 +32,25 @@ public:
     CEvent &operator=(CEvent const &) = delete;
     ~CEvent();
 
-    // Timeout in milliseconds, 0xFFFFFFFF without limit; true when the event
-    // was signalled (and, for auto reset, taken by this call). A pumping wait
-    // dispatches up to 100 messages at a time; every message it serves starts
-    // the timeout anew, so messages can lengthen it without limit (callers
-    // depend on this), and a quit message ends it with false (the quit is
-    // consumed).
+    /// Timeout in milliseconds, 0xFFFFFFFF without limit; true when the event
+    /// was signalled (and, for auto reset, taken by this call). A pumping wait
+    /// dispatches up to 100 messages at a time; every message it serves starts
+    /// the timeout anew, so messages can lengthen it without limit (callers
+    /// depend on this), and a quit message ends it with false (the quit is
+    /// consumed).
+    ///@{
     bool Wait(uint32_t timeout, bool pumpMessages = false);
     bool Signal();
     bool Reset();
     bool Pulse();
-    // Signals or resets; gives its argument.
+    ///@}
+    /// Signals or resets; gives its argument.
     bool setSignaled(bool signalled);
-    // Wait(0): for an auto-reset event this takes the signal.
+    /// Wait(0): for an auto-reset event this takes the signal.
+    ///@{
     bool getSignaled();
     void *getHandle() const;
+    ///@}
 
 private:
     bool PumpingWait(uint32_t timeout);
@@ -62,9 +67,9 @@ private:
     std::condition_variable changed;
     bool signalled;
     uint32_t waiters = 0;
-    uint64_t pulses = 0;       // manual-reset pulses so far
-    bool pulsePending = false; // an auto-reset pulse that no waiter took yet
-    CWakerList wakers;         // pumping waits in progress
+    uint64_t pulses = 0;       ///< manual-reset pulses so far
+    bool pulsePending = false; ///< an auto-reset pulse that no waiter took yet
+    CWakerList wakers;         ///< pumping waits in progress
 };
 
 } // namespace qv

@@ -1,35 +1,36 @@
-// event0, event1<A>, event2<A, B>: lists of handlers that a source fires.
-//
-// Each handler names the invoker that has to run it, so a source may fire
-// from any thread and each handler runs where it wants:
-//   - no invoker: called directly on the firing thread;
-//   - an invoker, not queued: packed into an invokable on the firing
-//     thread's stack and passed to Invoke, so Fire waits until it has run;
-//   - an invoker, queued: packed into an invokable on the heap and passed to
-//     Queue(call, true); the invoker deletes it. A call the invoker refuses
-//     is deleted here.
-// Handlers run in the order they were added. Fire walks them by index and
-// reads the count again each time, so a handler added during Fire runs in
-// the same Fire.
-//
-// A handler receives the sender first, then the event's arguments:
-// void CView::OnChanged(void *sender, char16_t const *name). Arguments are
-// copied as they are: a text pointer passed to a queued handler must stay
-// valid until that handler has run.
-//
-// Adding a method: AddHandlerEx(this, &CView::OnChanged, invoker, queued)
-// deduces the class from the target pointer. The raw form takes the target
-// as void * and the method as a TMethod built from the same class. A second
-// AddHandlerEx with the same target and method is ignored; AddHandler (a
-// plain function) always adds. RemoveHandlerEx removes the first handler
-// with that target and method (a null target and the function for a plain
-// one); give the target as the same pointer type as when adding.
-//
-// Failure: a handler the array has no room for is not added (false).
-//
-// Threads: no lock. Set the handlers up before firing starts; adding or
-// removing while another thread fires is not safe. Fire itself may run on
-// any thread.
+/// @file
+/// event0, event1<A>, event2<A, B>: lists of handlers that a source fires.
+///
+/// Each handler names the invoker that has to run it, so a source may fire
+/// from any thread and each handler runs where it wants:
+///   - no invoker: called directly on the firing thread;
+///   - an invoker, not queued: packed into an invokable on the firing
+///     thread's stack and passed to Invoke, so Fire waits until it has run;
+///   - an invoker, queued: packed into an invokable on the heap and passed to
+///     Queue(call, true); the invoker deletes it. A call the invoker refuses
+///     is deleted here.
+/// Handlers run in the order they were added. Fire walks them by index and
+/// reads the count again each time, so a handler added during Fire runs in
+/// the same Fire.
+///
+/// A handler receives the sender first, then the event's arguments:
+/// void CView::OnChanged(void *sender, char16_t const *name). Arguments are
+/// copied as they are: a text pointer passed to a queued handler must stay
+/// valid until that handler has run.
+///
+/// Adding a method: AddHandlerEx(this, &CView::OnChanged, invoker, queued)
+/// deduces the class from the target pointer. The raw form takes the target
+/// as void * and the method as a TMethod built from the same class. A second
+/// AddHandlerEx with the same target and method is ignored; AddHandler (a
+/// plain function) always adds. RemoveHandlerEx removes the first handler
+/// with that target and method (a null target and the function for a plain
+/// one); give the target as the same pointer type as when adding.
+///
+/// Failure: a handler the array has no room for is not added (false).
+///
+/// Threads: no lock. Set the handlers up before firing starts; adding or
+/// removing while another thread fires is not safe. Fire itself may run on
+/// any thread.
 #pragma once
 
 #include <cstdint>
@@ -43,11 +44,11 @@
 
 namespace qv {
 
-// The empty base of classes that take events.
+/// The empty base of classes that take events.
 class QV_API IEventTarget {};
 
-// One handler of an event taking (void *sender, Args...); events call it
-// HANDLER. function is set for a plain function, and method names it too.
+/// One handler of an event taking (void *sender, Args...); events call it
+/// HANDLER. function is set for a plain function, and method names it too.
 template <class... Args> struct TEventHandler {
     void *target = nullptr;
     IInvoker *invoker = nullptr;
@@ -63,8 +64,8 @@ template <> struct InvokableFor<void *> { using type = invokable1<void *>; };
 template <class A> struct InvokableFor<void *, A> { using type = invokable2<void *, A>; };
 template <class A, class B> struct InvokableFor<void *, A, B> { using type = invokable3<void *, A, B>; };
 
-// The common body of event0 .. event2; Args are the arguments after the
-// sender.
+/// The common body of event0 .. event2; Args are the arguments after the
+/// sender.
 template <class... Args> class EventBase : public TArray<TEventHandler<Args...>> {
     using Array = TArray<TEventHandler<Args...>>;
     using Call = typename InvokableFor<void *, Args...>::type;
@@ -74,7 +75,7 @@ public:
     using Method = TMethod<void *, Args...>;
     using Function = void (*)(void *, Args...);
 
-    // A plain function, called directly.
+    /// A plain function, called directly.
     bool AddHandler(Function function) {
         HANDLER handler;
         handler.method = Method(function);
@@ -82,8 +83,9 @@ public:
         return Array::Add(handler);
     }
 
-    // Raw form; a null target with a method made from a plain function adds
-    // that function.
+    /// Raw form; a null target with a method made from a plain function adds
+    /// that function.
+    ///@{
     bool AddHandlerEx(void *target, Method method, IInvoker *invoker, bool queued) {
         if (Find(target, method.Id()) != NotFound) return true;
         HANDLER handler;
@@ -99,6 +101,7 @@ public:
                       bool queued = false) {
         return AddHandlerEx(static_cast<void *>(target), Method(method), invoker, queued);
     }
+    ///@}
 
     void RemoveHandlerEx(void *target, CMethodId const &method) {
         uint32_t at = Find(target, method);

@@ -1,29 +1,30 @@
-// IInvokable: a call packed as an object, so that an IInvoker can run it on
-// another thread, now or later.
-//
-// invokable0 and invokable1<A> .. invokable3<A, B, C> hold a target object, a
-// method of it, a plain function and the arguments. Invoke calls the method on
-// the target when there is a target, otherwise the function. Arguments are
-// copied by value: a pointer argument (a text, a sender) must stay valid until
-// the call has run, which for a queued call is later, on another thread.
-//
-// Handler identity. A member-function pointer fits no void *, so a method is
-// named by CMethodId: the exact bytes of its pointer, compared for equality.
-// UsesHandler(target, method) says whether a call was made for that target and
-// method; invokers use it to drop pending duplicates. Name a method through
-// the same class when adding it and when asking for it (&Derived::OnX and
-// &Base::OnX may differ once converted).
-//
-// TMethod<Args...> carries a CMethodId and how to call it with Args, for any
-// class, so that records of handlers of any class share one type.
-//
-// Typed construction is the safe form: invokable1<void *> call(this,
-// &CView::OnChanged, sender) deduces the class from the target pointer. The
-// raw form (void *target, TMethod) trusts that target points to the object of
-// the class whose method TMethod names.
-//
-// Threads: an invokable belongs to whoever holds it; Invoke runs on the
-// calling thread.
+/// @file
+/// IInvokable: a call packed as an object, so that an IInvoker can run it on
+/// another thread, now or later.
+///
+/// invokable0 and invokable1<A> .. invokable3<A, B, C> hold a target object, a
+/// method of it, a plain function and the arguments. Invoke calls the method on
+/// the target when there is a target, otherwise the function. Arguments are
+/// copied by value: a pointer argument (a text, a sender) must stay valid until
+/// the call has run, which for a queued call is later, on another thread.
+///
+/// Handler identity. A member-function pointer fits no void *, so a method is
+/// named by CMethodId: the exact bytes of its pointer, compared for equality.
+/// UsesHandler(target, method) says whether a call was made for that target and
+/// method; invokers use it to drop pending duplicates. Name a method through
+/// the same class when adding it and when asking for it (&Derived::OnX and
+/// &Base::OnX may differ once converted).
+///
+/// TMethod<Args...> carries a CMethodId and how to call it with Args, for any
+/// class, so that records of handlers of any class share one type.
+///
+/// Typed construction is the safe form: invokable1<void *> call(this,
+/// &CView::OnChanged, sender) deduces the class from the target pointer. The
+/// raw form (void *target, TMethod) trusts that target points to the object of
+/// the class whose method TMethod names.
+///
+/// Threads: an invokable belongs to whoever holds it; Invoke runs on the
+/// calling thread.
 #pragma once
 
 #include <cstring>
@@ -35,7 +36,7 @@
 
 namespace qv {
 
-// The identity of a member or plain function; null by default.
+/// The identity of a member or plain function; null by default.
 class CMethodId {
 public:
     CMethodId() = default;
@@ -46,7 +47,8 @@ public:
         std::memcpy(bytes, &method, sizeof(M));
     }
 
-    // The pointer back, as the type it was made from.
+    /// The pointer back, as the type it was made from.
+    ///@{
     template <class M> M As() const {
         M method;
         std::memcpy(&method, bytes, sizeof(M));
@@ -54,12 +56,13 @@ public:
     }
     bool IsNull() const { return *this == CMethodId(); }
     bool operator==(CMethodId const &other) const { return std::memcmp(bytes, other.bytes, sizeof(bytes)) == 0; }
+    ///@}
 
 private:
     alignas(void *) unsigned char bytes[2 * sizeof(void *)] = {};
 };
 
-// A void member function of any class, or a plain function, taking Args.
+/// A void member function of any class, or a plain function, taking Args.
 template <class... Args> class TMethod {
 public:
     using Function = void (*)(Args...);
@@ -68,15 +71,19 @@ public:
     template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {}
     explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {}
 
-    // target must be a T * (as void *) of the class the method was made from;
-    // a plain function ignores it. A null TMethod does nothing.
+    /// target must be a T * (as void *) of the class the method was made from;
+    /// a plain function ignores it. A null TMethod does nothing.
+    ///@{
     void Call(void *target, Args... args) const {
         if (call) call(target, id, args...);
     }
     CMethodId const &Id() const { return id; }
-    // The plain function this was made from, or null.
+    ///@}
+    /// The plain function this was made from, or null.
+    ///@{
     Function PlainFunction() const { return plain ? id.As<Function>() : nullptr; }
     explicit operator bool() const { return call != nullptr; }
+    ///@}
 
 private:
     template <class T> static void CallMember(void *target, CMethodId const &id, Args... args) {
@@ -93,7 +100,7 @@ class QV_API IInvokable {
 public:
     virtual ~IInvokable() = default;
     virtual void Invoke() = 0;
-    // True when this call was made for target and method.
+    /// True when this call was made for target and method.
     virtual bool UsesHandler(void *target, CMethodId const &method) const {
         (void)target;
         (void)method;
@@ -101,21 +108,26 @@ public:
     }
 };
 
-// The common body of invokable0 .. invokable3.
+/// The common body of invokable0 .. invokable3.
 template <class... Args> class TInvokable : public IInvokable {
 public:
     using Function = void (*)(Args...);
 
-    // A method of *target, the class deduced from the target pointer.
+    /// A method of *target, the class deduced from the target pointer.
+    ///@{
     template <class T>
     TInvokable(T *target, std::type_identity_t<void (T::*)(Args...)> method, Args... args)
         : target(target), method(method), arguments(args...) {}
-    // Raw form: target is the object (as void *) that method belongs to.
+    ///@}
+    /// Raw form: target is the object (as void *) that method belongs to.
+    ///@{
     TInvokable(void *target, TMethod<Args...> method, Args... args)
         : target(target), method(method), function(method.PlainFunction()), arguments(args...) {}
     explicit TInvokable(Function function, Args... args) : method(function), function(function), arguments(args...) {}
+    ///@}
 
-    // A call with neither target nor function does nothing.
+    /// A call with neither target nor function does nothing.
+    ///@{
     void Invoke() override {
         if (target)
             std::apply([this](Args... a) { method.Call(target, a...); }, arguments);
@@ -125,6 +137,7 @@ public:
     bool UsesHandler(void *handlerTarget, CMethodId const &handlerMethod) const override {
         return target == handlerTarget && method.Id() == handlerMethod;
     }
+    ///@}
 
 protected:
     void *target = nullptr;

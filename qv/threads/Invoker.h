@@ -1,33 +1,34 @@
-// IInvoker: runs IInvokable calls where the invoker wants them run: at once on
-// the caller's thread (CDirectInvoker), on the thread that owns a message
-// queue, or on a worker thread.
-//
-// Invoke(call) is synchronous: it returns once call->Invoke() has run on the
-// invoker's thread. A call from that thread itself runs straight away. The
-// caller keeps ownership (a call on the caller's stack is fine). Invoke from
-// another thread blocks until the invoker's thread serves its queue; a thread
-// that waits for that other thread must keep serving its own queue, or both
-// wait forever.
-//
-// Queue(call, autoDelete) is asynchronous: the call runs later on the
-// invoker's thread, one call per turn of that thread's loop, in the order of
-// queueing. true: the invoker has taken the call and, when autoDelete is set,
-// deletes it once it has run or when it is dropped (by DequeueDuplicates or
-// by the invoker's destruction, which runs nothing still pending). Without
-// autoDelete the caller keeps ownership and must keep the call alive until it
-// has run or been dropped. false (no memory for the queue): the call is
-// neither run nor deleted, and stays the caller's.
-//
-// DequeueDuplicates(target, method) drops every pending call whose
-// UsesHandler(target, method) is true, deleting those queued with
-// autoDelete; the others keep their order. A call already running is not
-// touched.
-//
-// GetThreadID: the kernel's id of the thread that runs the calls (for
-// CDirectInvoker the caller's own).
-//
-// Threads: every operation may be called from any thread; a call is never run
-// while the invoker holds its internal lock, so a running call may queue more.
+/// @file
+/// IInvoker: runs IInvokable calls where the invoker wants them run: at once on
+/// the caller's thread (CDirectInvoker), on the thread that owns a message
+/// queue, or on a worker thread.
+///
+/// Invoke(call) is synchronous: it returns once call->Invoke() has run on the
+/// invoker's thread. A call from that thread itself runs straight away. The
+/// caller keeps ownership (a call on the caller's stack is fine). Invoke from
+/// another thread blocks until the invoker's thread serves its queue; a thread
+/// that waits for that other thread must keep serving its own queue, or both
+/// wait forever.
+///
+/// Queue(call, autoDelete) is asynchronous: the call runs later on the
+/// invoker's thread, one call per turn of that thread's loop, in the order of
+/// queueing. true: the invoker has taken the call and, when autoDelete is set,
+/// deletes it once it has run or when it is dropped (by DequeueDuplicates or
+/// by the invoker's destruction, which runs nothing still pending). Without
+/// autoDelete the caller keeps ownership and must keep the call alive until it
+/// has run or been dropped. false (no memory for the queue): the call is
+/// neither run nor deleted, and stays the caller's.
+///
+/// DequeueDuplicates(target, method) drops every pending call whose
+/// UsesHandler(target, method) is true, deleting those queued with
+/// autoDelete; the others keep their order. A call already running is not
+/// touched.
+///
+/// GetThreadID: the kernel's id of the thread that runs the calls (for
+/// CDirectInvoker the caller's own).
+///
+/// Threads: every operation may be called from any thread; a call is never run
+/// while the invoker holds its internal lock, so a running call may queue more.
 #pragma once
 
 #include <cstdint>

@@ -1,11 +1,12 @@
-// The process's invokers, one instance each inside libqv.so.
-//
-// directInvoker runs calls at once on the caller's thread. messageQueueInvoker
-// is built when libqv.so loads, so its calls run in the message loop of the
-// thread that loaded the library (normally the main thread, which has to pump
-// its queue for them to run; see qv/platform/MessageQueue.h). threadInvoker
-// starts its worker thread on first use. All three live until the process
-// exits; the worker then stops and calls still queued are dropped.
+/// @file
+/// The process's invokers, one instance each inside libqv.so.
+///
+/// directInvoker runs calls at once on the caller's thread. messageQueueInvoker
+/// is built when libqv.so loads, so its calls run in the message loop of the
+/// thread that loaded the library (normally the main thread, which has to pump
+/// its queue for them to run; see qv/platform/MessageQueue.h). threadInvoker
+/// starts its worker thread on first use. All three live until the process
+/// exits; the worker then stops and calls still queued are dropped.
 #pragma once
 
 #include "qv/core/Export.h"

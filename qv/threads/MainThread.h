@@ -1,11 +1,12 @@
-// Which thread is the application's main UI thread.
-//
-// The first call of either function, from any thread, makes the calling
-// thread the main UI thread for the rest of the process: an application
-// calls one of them early from its UI thread. qvInMainUIThread then says
-// whether the calling thread is that thread; qvNotInMainUIThread is its
-// negation. Thread-safe: when two threads race into the first call, one of
-// them wins and both answers agree with it.
+/// @file
+/// Which thread is the application's main UI thread.
+///
+/// The first call of either function, from any thread, makes the calling
+/// thread the main UI thread for the rest of the process: an application
+/// calls one of them early from its UI thread. qvInMainUIThread then says
+/// whether the calling thread is that thread; qvNotInMainUIThread is its
+/// negation. Thread-safe: when two threads race into the first call, one of
+/// them wins and both answers agree with it.
 #pragma once
 
 #include "qv/core/Export.h"

@@ -1,5 +1,7 @@
 #include "qv/threads/MessageQueueInvoker.h"
 
+#include <new>
+
 #include "qv/platform/ThreadId.h"
 #include "qv/platform/Ticks.h"
 #include "qv/threads/COMScope.h"
@@ -29,9 +31,9 @@ CMessageQueueInvoker::CMessageQueueInvoker(bool init) {
 CMessageQueueInvoker::~CMessageQueueInvoker() {
     window.reset();
     std::lock_guard<std::mutex> lock(mutex);
-    QUEUE_ENTRY entry;
-    while (queue.Dequeue(entry))
+    for (QUEUE_ENTRY const &entry : queue)
         Drop(entry);
+    queue.clear();
 }
 
 bool CMessageQueueInvoker::Init() {
@@ -49,7 +51,11 @@ bool CMessageQueueInvoker::Queue(IInvokable *invokable, bool autoDelete) {
     if (!window) return false;
     {
         std::lock_guard<std::mutex> lock(mutex);
-        if (!queue.Enqueue(QUEUE_ENTRY{invokable, autoDelete})) return false;
+        try {
+            queue.push_back(QUEUE_ENTRY{invokable, autoDelete});
+        } catch (std::bad_alloc const &) {
+            return false;
+        }
     }
     window->Post(kQueuedMessage, 0, reinterpret_cast<intptr_t>(this));
     return true;
@@ -57,13 +63,13 @@ bool CMessageQueueInvoker::Queue(IInvokable *invokable, bool autoDelete) {
 
 void CMessageQueueInvoker::DequeueDuplicates(void *target, CMethodId const &method) {
     std::lock_guard<std::mutex> lock(mutex);
-    for (uint32_t i = 0; i < queue.GetSize();) {
-        QUEUE_ENTRY const entry = queue.GetAt(i);
+    for (auto i = queue.begin(); i != queue.end();) {
+        QUEUE_ENTRY const entry = *i;
         if (!entry.invokable->UsesHandler(target, method)) {
             ++i;
             continue;
         }
-        queue.Remove(i);
+        i = queue.erase(i);
         Drop(entry);
     }
 }
@@ -98,7 +104,11 @@ void CMessageQueueInvoker::RunOneQueued() {
     bool taken;
     {
         std::lock_guard<std::mutex> lock(mutex);
-        taken = queue.Dequeue(entry);
+        taken = !queue.empty();
+        if (taken) {
+            entry = queue.front();
+            queue.pop_front();
+        }
     }
     if (taken) {
         entry.invokable->Invoke();

@@ -1,42 +1,43 @@
-// CMessageQueueInvoker: the invoker whose calls run in the message loop of
-// the thread that made it; CInvokerThread: the same on a worker thread of its
-// own that runs that loop.
-//
-// CMessageQueueInvoker works through a message-only window
-// (qv/platform/MessageQueue.h) on the thread that calls Init (the public
-// constructor does). Invoke sends message 0x400 to the window: from that
-// thread it runs at once, from another thread the caller blocks until the
-// owner's loop has run it (and meanwhile serves calls sent to its own
-// thread). Queue adds an entry and posts 0x401; each 0x401 runs at most one
-// entry, so queued calls never starve the loop. The owning thread has to pump
-// its queue (GetQueuedMessage/DispatchQueuedMessage, GetMessageQueueFd with a
-// loop of its own, SafeWait, or a pumping CEvent::Wait); without a pump no
-// queued call ever runs and Invoke from another thread blocks for ever.
-//
-// Ownership and failures follow IInvoker: the destructor drops pending
-// entries without running them (deleting those queued with autoDelete); a
-// Queue that cannot grow gives false and neither runs nor deletes the call;
-// before Init, Invoke runs nothing and Queue gives false. Destroy the
-// invoker on its own thread, or after that thread has ended.
-//
-// SafeWait(handle, timeout) waits for a handle (CEvent::getHandle,
-// CThread::getHandle; no other kind, CMutex's included) while serving only the calls that other threads send
-// to the calling thread, so a UI thread can wait for a worker that is inside
-// an Invoke aimed at it. Every call served starts the timeout anew. A quit
-// message ends it with false (and is consumed). True when the handle was
-// signalled.
-//
-// Threads: Invoke, Queue, DequeueDuplicates and GetThreadID may be called
-// from any thread; the queue is guarded by a mutex that is never held while
-// a call runs.
+/// @file
+/// CMessageQueueInvoker: the invoker whose calls run in the message loop of
+/// the thread that made it; CInvokerThread: the same on a worker thread of its
+/// own that runs that loop.
+///
+/// CMessageQueueInvoker works through a message-only window
+/// (qv/platform/MessageQueue.h) on the thread that calls Init (the public
+/// constructor does). Invoke sends message 0x400 to the window: from that
+/// thread it runs at once, from another thread the caller blocks until the
+/// owner's loop has run it (and meanwhile serves calls sent to its own
+/// thread). Queue adds an entry and posts 0x401; each 0x401 runs at most one
+/// entry, so queued calls never starve the loop. The owning thread has to pump
+/// its queue (GetQueuedMessage/DispatchQueuedMessage, GetMessageQueueFd with a
+/// loop of its own, SafeWait, or a pumping CEvent::Wait); without a pump no
+/// queued call ever runs and Invoke from another thread blocks for ever.
+///
+/// Ownership and failures follow IInvoker: the destructor drops pending
+/// entries without running them (deleting those queued with autoDelete); a
+/// Queue that cannot grow gives false and neither runs nor deletes the call;
+/// before Init, Invoke runs nothing and Queue gives false. Destroy the
+/// invoker on its own thread, or after that thread has ended.
+///
+/// SafeWait(handle, timeout) waits for a handle (CEvent::getHandle,
+/// CThread::getHandle; no other kind, CMutex's included) while serving only the calls that other threads send
+/// to the calling thread, so a UI thread can wait for a worker that is inside
+/// an Invoke aimed at it. Every call served starts the timeout anew. A quit
+/// message ends it with false (and is consumed). True when the handle was
+/// signalled.
+///
+/// Threads: Invoke, Queue, DequeueDuplicates and GetThreadID may be called
+/// from any thread; the queue is guarded by a mutex that is never held while
+/// a call runs.
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 
 #include "qv/core/Export.h"
-#include "qv/core/Queue.h"
 #include "qv/platform/MessageQueue.h"
 #include "qv/platform/SystemThread.h"
 #include "qv/threads/Invoker.h"
@@ -50,14 +51,16 @@ public:
         bool autoDelete;
     };
 
-    // Calls Init on the calling thread.
+    /// Calls Init on the calling thread.
+    ///@{
     CMessageQueueInvoker();
     CMessageQueueInvoker(CMessageQueueInvoker const &) = delete;
     CMessageQueueInvoker &operator=(CMessageQueueInvoker const &) = delete;
     ~CMessageQueueInvoker() override;
+    ///@}
 
-    // Binds the invoker to the calling thread; true (again on a second call,
-    // which changes nothing).
+    /// Binds the invoker to the calling thread; true (again on a second call,
+    /// which changes nothing).
     bool Init();
 
     void Invoke(IInvokable *invokable) override;
@@ -69,7 +72,7 @@ public:
 
 private:
     friend class CInvokerThread;
-    // Made without a window; Init follows on the thread that will own it.
+    /// Made without a window; Init follows on the thread that will own it.
     explicit CMessageQueueInvoker(bool init);
 
     intptr_t OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override;
@@ -79,19 +82,21 @@ private:
 
     uint32_t threadId = 0;
     std::unique_ptr<CMessageWindow> window;
-    std::mutex mutex; // guards queue
+    std::mutex mutex; ///< guards queue
     bool busy = false;
-    TQueue<QUEUE_ENTRY> queue;
+    std::deque<QUEUE_ENTRY> queue; ///< taken from the front in constant time
 };
 
 class QV_API CInvokerThread : public IInvoker {
 public:
-    // Starts the worker and returns once its invoker is ready.
+    /// Starts the worker and returns once its invoker is ready.
+    ///@{
     CInvokerThread();
     CInvokerThread(CInvokerThread const &) = delete;
     CInvokerThread &operator=(CInvokerThread const &) = delete;
-    // Asks the worker's loop to quit and waits for the worker, without limit;
-    // calls still queued are dropped.
+    ///@}
+    /// Asks the worker's loop to quit and waits for the worker, without limit;
+    /// calls still queued are dropped.
     ~CInvokerThread() override;
 
     void Invoke(IInvokable *invokable) override;

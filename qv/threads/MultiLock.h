@@ -1,19 +1,20 @@
-// CMultiLock: up to `slots` threads at once (Enter), or one thread alone
-// (EnterExclusive), built on a CSemaphore with that many permits.
-//
-// Entries are counted per thread: a thread that is already in enters again
-// without a permit, and only its last Leave gives the permit back. A thread
-// that is in may also enter exclusively; it then takes the remaining
-// permits. Leave and LeaveExclusive without an entry do nothing.
-//
-// EnterExclusive(false) answers the other way round, as existing callers
-// expect: when the permits cannot be had at once it counts the entry and
-// gives true; when they can, it keeps them but gives false and counts
-// nothing. Callers use EnterExclusive(true).
-//
-// A thread's record is made at its first call and kept for the lock's life.
-// Negative slots count as 0. A copy is a new lock with the same number of
-// slots. Thread-safe.
+/// @file
+/// CMultiLock: up to `slots` threads at once (Enter), or one thread alone
+/// (EnterExclusive), built on a CSemaphore with that many permits.
+///
+/// Entries are counted per thread: a thread that is already in enters again
+/// without a permit, and only its last Leave gives the permit back. A thread
+/// that is in may also enter exclusively; it then takes the remaining
+/// permits. Leave and LeaveExclusive without an entry do nothing.
+///
+/// EnterExclusive(false) answers the other way round, as existing callers
+/// expect: when the permits cannot be had at once it counts the entry and
+/// gives true; when they can, it keeps them but gives false and counts
+/// nothing. Callers use EnterExclusive(true).
+///
+/// A thread's record is made at its first call and kept for the lock's life.
+/// Negative slots count as 0. A copy is a new lock with the same number of
+/// slots. Thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -32,12 +33,14 @@ public:
     CMultiLock &operator=(CMultiLock const &) = delete;
     ~CMultiLock();
 
-    // With wait false, true only when a permit was free at once.
+    /// With wait false, true only when a permit was free at once.
+    ///@{
     bool Enter(bool wait);
     bool EnterExclusive(bool wait);
     void Leave();
     void LeaveExclusive();
-    // Entries held by all threads together.
+    ///@}
+    /// Entries held by all threads together.
     int GetLockCount();
 
 private:
@@ -47,12 +50,12 @@ private:
         int32_t exclusive;
     };
 
-    SThreadInfo &Row(); // the calling thread's, under the mutex
+    SThreadInfo &Row(); ///< the calling thread's, under the mutex
     uint32_t ExclusivePermits(SThreadInfo const &row) const;
 
     int slots;
     CSemaphore semaphore;
-    std::mutex mutex; // over the table; always taken before the semaphore's
+    std::mutex mutex; ///< over the table; always taken before the semaphore's
     TArray<SThreadInfo> threads;
 };
 

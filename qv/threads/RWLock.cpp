@@ -1,99 +1,111 @@
+// CRWLock over one atomic word; each thread's own reads in initial-exec
+// thread-local storage, which is read without a call.
 #include "qv/threads/RWLock.h"
 
-#include "qv/platform/ThreadId.h"
 #include "qv/platform/Ticks.h"
 
 namespace qv {
 
 namespace {
 
-// The field lock is held for a few instructions only.
-constexpr uint32_t kSpinCount = 4000;
+constexpr uint32_t kWriter = 0x80000000u; // a writer has set its mark
+constexpr uint32_t kReads = ~kWriter;
+
+uintptr_t ThisThread() { return reinterpret_cast<uintptr_t>(__builtin_thread_pointer()); }
+
+// This thread's reads of the locks it reads now.
+struct SHeldReads {
+    CRWLock const *lock;
+    uint32_t count;
+};
+constexpr int kHeldSlots = 16;
+[[gnu::tls_model("initial-exec")]] thread_local SHeldReads tHeld[kHeldSlots];
+
+SHeldReads *FindHeld(CRWLock const *lock) {
+    for (SHeldReads &slot : tHeld)
+        if (slot.lock == lock) return &slot;
+    return nullptr;
+}
+
+uint32_t ReadsOfThisThread(CRWLock const *lock) {
+    SHeldReads const *slot = FindHeld(lock);
+    return slot ? slot->count : 0;
+}
+
+void CountRead(CRWLock const *lock) {
+    if (SHeldReads *slot = FindHeld(lock)) {
+        ++slot->count;
+    } else if ((slot = FindHeld(nullptr))) {
+        *slot = {lock, 1};
+    }
+}
+
+void UncountRead(CRWLock const *lock) {
+    SHeldReads *slot = FindHeld(lock);
+    if (slot && --slot->count == 0) slot->lock = nullptr;
+}
 
 } // namespace
 
-CRWLock::CRWLock() : lock(kSpinCount) {}
+CRWLock::CRWLock() = default;
 
 CRWLock::CRWLock(CRWLock const &) : CRWLock() {}
 
 CRWLock::~CRWLock() = default;
 
-bool CRWLock::HoldsReadLock(uint32_t thread) const {
-    for (uint32_t i = 0; i < readerThreads.GetSize(); ++i) {
-        if (readerThreads.GetAt(i) == thread) return true;
-    }
-    return false;
-}
-
-uint32_t CRWLock::NumReadersNotMe(uint32_t thread) {
-    lock.Enter();
-    uint32_t others = 0;
-    for (uint32_t i = 0; i < readerThreads.GetSize(); ++i) {
-        if (readerThreads.GetAt(i) != thread) ++others;
-    }
-    lock.Leave();
-    return others;
-}
-
-// Called with the lock held; returns with it held and no writer.
-void CRWLock::LeaveUntilNoWriter() {
-    while (writers.load() != 0) {
-        lock.Leave();
-        while (writers.load() != 0)
-            SwitchToThread();
-        lock.Enter();
-    }
-}
-
-void CRWLock::YieldUntilNoReaderBut(uint32_t thread) {
-    while (NumReadersNotMe(thread) != 0)
-        SwitchToThread();
-}
-
-void CRWLock::WriteLock() {
-    uint32_t const me = GetCurrentThreadId();
-    lock.Enter();
-    if (writers.load() != 0 && writerThread == me) {
-        writers.fetch_add(1);
-        lock.Leave();
-        return;
-    }
-    LeaveUntilNoWriter();
-    writers.store(1);
-    writerThread = me;
-    lock.Leave();
-    YieldUntilNoReaderBut(me);
-}
-
-void CRWLock::WriteUnlock() {
-    lock.Enter();
-    if (writers.load() != 0) writers.fetch_sub(1);
-    lock.Leave();
-}
-
 void CRWLock::ReadLock() {
-    uint32_t const me = GetCurrentThreadId();
-    lock.Enter();
-    bool const atOnce = (writers.load() != 0 && writerThread == me) || HoldsReadLock(me);
-    if (!atOnce) LeaveUntilNoWriter();
-    ++readers;
-    readerThreads.Add(me);
-    lock.Leave();
+    bool const atOnce = writer.load(std::memory_order_relaxed) == ThisThread() || ReadsOfThisThread(this) != 0;
+    uint32_t s = state.load(std::memory_order_relaxed);
+    for (;;) {
+        if (atOnce || (s & kWriter) == 0) {
+            if (state.compare_exchange_weak(s, s + 1, std::memory_order_acquire, std::memory_order_relaxed)) break;
+        } else {
+            SwitchToThread();
+            s = state.load(std::memory_order_relaxed);
+        }
+    }
+    CountRead(this);
 }
 
 void CRWLock::ReadUnlock() {
-    uint32_t const me = GetCurrentThreadId();
-    lock.Enter();
-    if (readers != 0) {
-        --readers;
-        for (uint32_t i = 0; i < readerThreads.GetSize(); ++i) {
-            if (readerThreads[i] == me) {
-                readerThreads.Remove(i);
-                break;
-            }
+    uint32_t s = state.load(std::memory_order_relaxed);
+    while ((s & kReads) != 0 && !state.compare_exchange_weak(s, s - 1, std::memory_order_release, std::memory_order_relaxed)) {
+    }
+    UncountRead(this);
+}
+
+void CRWLock::WriteLock() {
+    uintptr_t const me = ThisThread();
+    if (writer.load(std::memory_order_relaxed) == me) {
+        writeDepth.fetch_add(1, std::memory_order_relaxed);
+        return;
+    }
+    uint32_t s = state.load(std::memory_order_relaxed);
+    for (;;) {
+        if ((s & kWriter) == 0) {
+            if (state.compare_exchange_weak(s, s | kWriter, std::memory_order_acquire, std::memory_order_relaxed)) break;
+        } else {
+            SwitchToThread();
+            s = state.load(std::memory_order_relaxed);
         }
     }
-    lock.Leave();
+    writer.store(me, std::memory_order_relaxed);
+    writeDepth.store(1, std::memory_order_relaxed);
+    // The mark is set: only reads already held remain; this thread's own do not count.
+    uint32_t const mine = ReadsOfThisThread(this);
+    while ((state.load(std::memory_order_acquire) & kReads) > mine)
+        SwitchToThread();
+}
+
+// Unchecked, as it always was: whichever thread calls it gives back one
+// write lock, and nothing happens without one.
+void CRWLock::WriteUnlock() {
+    uint32_t depth = writeDepth.load(std::memory_order_relaxed);
+    while (depth != 0 && !writeDepth.compare_exchange_weak(depth, depth - 1, std::memory_order_relaxed)) {
+    }
+    if (depth != 1) return;
+    writer.store(0, std::memory_order_relaxed);
+    state.fetch_and(kReads, std::memory_order_release);
 }
 
 } // namespace qv

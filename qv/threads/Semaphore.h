@@ -1,16 +1,17 @@
-// CSemaphore: a counting semaphore that serves its waiters strictly in the
-// order they came, each taking any number of permits at once.
-//
-// The count starts at the maximum given to the constructor and never
-// exceeds it. A request never overtakes the queue, even when enough permits
-// are free for it. Not recursive: every Acquire takes permits of its own.
-// The destructor wakes nobody: its owner makes sure no thread still waits.
-// A copy is a new, full semaphore with the same maximum. Thread-safe.
-//
-// Failure: Acquire gives false at its time limit (and at once with timeout 0
-// when it cannot be served without waiting); Release beyond the maximum
-// gives false and changes nothing. When the system has no memory for a
-// waiter's record, that waiter stays out of the queue and times out.
+/// @file
+/// CSemaphore: a counting semaphore that serves its waiters strictly in the
+/// order they came, each taking any number of permits at once.
+///
+/// The count starts at the maximum given to the constructor and never
+/// exceeds it. A request never overtakes the queue, even when enough permits
+/// are free for it. Not recursive: every Acquire takes permits of its own.
+/// The destructor wakes nobody: its owner makes sure no thread still waits.
+/// A copy is a new, full semaphore with the same maximum. Thread-safe.
+///
+/// Failure: Acquire gives false at its time limit (and at once with timeout 0
+/// when it cannot be served without waiting); Release beyond the maximum
+/// gives false and changes nothing. When the system has no memory for a
+/// waiter's record, that waiter stays out of the queue and times out.
 #pragma once
 
 #include <cstdint>
@@ -30,9 +31,11 @@ public:
     CSemaphore &operator=(CSemaphore const &) = delete;
     ~CSemaphore();
 
-    // Timeout in milliseconds, 0xFFFFFFFF without limit.
+    /// Timeout in milliseconds, 0xFFFFFFFF without limit.
+    ///@{
     bool Acquire(uint32_t count, uint32_t timeout);
     bool Release(uint32_t count);
+    ///@}
 
 private:
     struct SEventEntry {

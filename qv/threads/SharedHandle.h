@@ -1,16 +1,17 @@
-// CSharedHandle: a system handle shared by copies, closed by the last one.
-//
-// The handle is a file descriptor held as an intptr_t (an int converts), -1
-// meaning none. Every copy holds the same handle and one reference count on
-// the heap; the count changes atomically, so copies may live on different
-// threads. When the last holder lets go, the count is freed and the handle
-// closed. Made from no handle (-1) there is no count, and RefCount() is 0.
-// Any assignment drops the old share first; adopting a handle starts a new
-// count of 1. A handle given to the class belongs to it: do not close it
-// elsewhere.
-//
-// Threads: one object belongs to one thread at a time; copies are
-// independent objects.
+/// @file
+/// CSharedHandle: a system handle shared by copies, closed by the last one.
+///
+/// The handle is a file descriptor held as an intptr_t (an int converts), -1
+/// meaning none. Every copy holds the same handle and one reference count on
+/// the heap; the count changes atomically, so copies may live on different
+/// threads. When the last holder lets go, the count is freed and the handle
+/// closed. Made from no handle (-1) there is no count, and RefCount() is 0.
+/// Any assignment drops the old share first; adopting a handle starts a new
+/// count of 1. A handle given to the class belongs to it: do not close it
+/// elsewhere.
+///
+/// Threads: one object belongs to one thread at a time; copies are
+/// independent objects.
 #pragma once
 
 #include <atomic>
@@ -34,7 +35,7 @@ public:
     CSharedHandle &operator=(int handle);
 
     operator intptr_t() const { return handle; }
-    // The number of holders; 0 without a handle.
+    /// The number of holders; 0 without a handle.
     int32_t RefCount() const;
 
 private:

@@ -1,18 +1,19 @@
-// CTimer: fires its OnTick event every interval milliseconds from the message
-// loop of the thread that started it.
-//
-// Start sets a queue timer on the calling thread (qv/platform/MessageQueue.h);
-// the ticks come only while that thread pumps its queue. Tick fires
-// OnTick(this) only while the timer runs, so a tick already on its way when
-// Stop is called fires nothing. The interval is 1000 after construction;
-// Create sets it; SetInterval on a running timer restarts it with the new
-// value and on a stopped timer only stores it. The destructor stops the
-// timer, so a timer destroyed while its tick waits in the queue is safe.
-//
-// Results: Start false when no system timer could be set; the other bool
-// operations give true (SetInterval and Restart give Start's answer when
-// they start). Threads: start, stop and destroy a timer on one thread; the
-// handlers of OnTick run there (or where their invokers send them).
+/// @file
+/// CTimer: fires its OnTick event every interval milliseconds from the message
+/// loop of the thread that started it.
+///
+/// Start sets a queue timer on the calling thread (qv/platform/MessageQueue.h);
+/// the ticks come only while that thread pumps its queue. Tick fires
+/// OnTick(this) only while the timer runs, so a tick already on its way when
+/// Stop is called fires nothing. The interval is 1000 after construction;
+/// Create sets it; SetInterval on a running timer restarts it with the new
+/// value and on a stopped timer only stores it. The destructor stops the
+/// timer, so a timer destroyed while its tick waits in the queue is safe.
+///
+/// Results: Start false when no system timer could be set; the other bool
+/// operations give true (SetInterval and Restart give Start's answer when
+/// they start). Threads: start, stop and destroy a timer on one thread; the
+/// handlers of OnTick run there (or where their invokers send them).
 #pragma once
 
 #include <cstdint>
@@ -29,7 +30,8 @@ public:
     CTimer &operator=(CTimer const &) = delete;
     virtual ~CTimer();
 
-    // Sets the interval; always true.
+    /// Sets the interval; always true.
+    ///@{
     bool Create(uint32_t interval);
     uint32_t GetInterval() const { return interval; }
     bool SetInterval(uint32_t interval);
@@ -37,8 +39,9 @@ public:
     bool Stop();
     bool Restart();
     bool getRunning() const { return running; }
+    ///@}
 
-    // Fires OnTick while running.
+    /// Fires OnTick while running.
     virtual void Tick();
 
     event0 OnTick;

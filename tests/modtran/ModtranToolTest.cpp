@@ -100,7 +100,9 @@ TEST_F(ModtranTool, FailuresAreOneSentenceWithAnExitStatus) {
     EXPECT_NE(err.find(": Unrecognized bSolarIrradianceFile option 2.\n"), std::string::npos);
     EXPECT_EQ(Qv("modtran table"), 2);
     EXPECT_EQ(Qv("modtran table a --csv b"), 2);
-    EXPECT_EQ(Qv("modtran table " + DataPath("NelisW__pyradi__pyradi__data__tape7-02") + " --tsv"), 1);
+    // An option the command does not take is a wrong command line.
+    EXPECT_EQ(Qv("modtran table " + DataPath("NelisW__pyradi__pyradi__data__tape7-02") + " --tsv"), 2);
+    EXPECT_NE(err.find("unknown option '--tsv'"), std::string::npos);
 }
 
 #endif

@@ -1,6 +1,8 @@
 // Opening and reading the tool's inputs with the system's own messages.
 #include "Input.h"
 
+#include "Commands.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -94,6 +96,15 @@ bool ReadInput(char const *path, size_t limit, bool whole, bool text, std::strin
 }
 
 } // namespace
+
+bool ReadInput(char const *path, qv::CMemFile &file) {
+    std::string bytes, error;
+    if (!ReadInput(path, kMaxWholeInput, true, false, bytes, error)) return Fail("%s", error.c_str()) == 0;
+    if (file.Write(bytes.data(), uint32_t(bytes.size())) != bytes.size())
+        return Fail("%s does not fit in memory", InputName(path).c_str()) == 0;
+    file.SeekToBegin();
+    return true;
+}
 
 bool ReadInputHead(char const *path, size_t limit, std::string &bytes, std::string &error) {
     return ReadInput(path, limit, false, false, bytes, error);

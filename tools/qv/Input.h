@@ -12,6 +12,8 @@
 #include <cstddef>
 #include <string>
 
+#include "qv/files/MemFile.h"
+
 namespace qvtool {
 
 constexpr size_t kMaxTextInput = size_t(16) << 20; // 16 MiB
@@ -22,6 +24,12 @@ std::string InputName(char const *path);
 
 // Reads a whole text input into text.
 bool ReadTextInput(char const *path, std::string &text, std::string &error);
+
+// Reads a whole input, binary or not, of at most kMaxWholeInput bytes into
+// file, positioned at its start. On a failure the sentence goes to standard
+// error and the result is false.
+constexpr size_t kMaxWholeInput = size_t(256) << 20; // 256 MiB
+bool ReadInput(char const *path, qv::CMemFile &file);
 
 // Reads at most limit bytes from the start of an input, binary or not.
 bool ReadInputHead(char const *path, size_t limit, std::string &bytes, std::string &error);

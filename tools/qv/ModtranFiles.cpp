@@ -45,30 +45,16 @@ void PrintNumber(std::FILE *out, double value, char const *before, int width) {
 
 } // namespace
 
-bool ReadInput(char const *path, qv::CMemFile &file) {
-    std::FILE *in = std::strcmp(path, "-") == 0 ? stdin : std::fopen(path, "rb");
-    if (!in) return false;
-    char block[65536];
-    size_t n;
-    bool ok = true;
-    while ((n = std::fread(block, 1, sizeof block, in)) > 0)
-        ok = ok && file.Write(block, uint32_t(n)) == n;
-    ok = ok && !std::ferror(in);
-    if (in != stdin) std::fclose(in);
-    file.Seek(0, 1);
-    return ok;
-}
-
 bool LoadTape5(char const *path, qv::CModtranTape5File &tape5) {
     qv::CMemFile file;
-    if (!ReadInput(path, file)) return Fail("cannot read %s", path) == 0;
+    if (!ReadInput(path, file)) return false;
     if (!tape5.Load(file)) return Fail("%s: %s", path, tape5.GetLastError()) == 0;
     return true;
 }
 
 bool LoadWholeTape7(char const *path, qv::CModtranTape7File &tape7) {
     qv::CMemFile file;
-    if (!ReadInput(path, file)) return Fail("cannot read %s", path) == 0;
+    if (!ReadInput(path, file)) return false;
     // The first load finds the layout; the second takes all it may.
     if (!tape7.Load(file, T7::T7C_FREQ)) return Fail("%s is no tape7 table qv can read", path) == 0;
     file.Seek(0, 1);

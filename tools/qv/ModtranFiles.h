@@ -2,6 +2,8 @@
 // or standard input ("-"), and printing a tape7 table.
 #pragma once
 
+#include "Input.h"
+
 #include <cstdio>
 
 #include "qv/files/MemFile.h"
@@ -10,8 +12,6 @@
 
 namespace qvtool {
 
-// The whole of path ("-": standard input) in memory, positioned at its start.
-bool ReadInput(char const *path, qv::CMemFile &file);
 
 // Loads a deck; on failure prints "<path>: <last error>" and gives false.
 bool LoadTape5(char const *path, qv::CModtranTape5File &tape5);

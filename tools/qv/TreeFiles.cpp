@@ -18,28 +18,6 @@ bool IsStandardStream(char const *path) {
 
 } // namespace
 
-bool ReadInput(char const *path, qv::CMemFile &f) {
-    f.SetGrowthRate(0xFFFF);
-    if (IsStandardStream(path)) {
-        char block[65536];
-        size_t n = 0;
-        while ((n = std::fread(block, 1, sizeof(block), stdin)) > 0) f.Write(block, uint32_t(n));
-        f.SeekToBegin();
-        if (!std::ferror(stdin)) return true;
-        Fail("cannot read standard input");
-        return false;
-    }
-    qv::CFile file;
-    if (!file.Open(qv::CString(path).GetUTF16(), 0x02 | 0x10 | 0x200)) {
-        Fail("cannot open %s (missing, not a regular file, no permission, or in use)", path);
-        return false;
-    }
-    bool read = qv::IFileSystem::CopyFileW(&file, &f, nullptr, nullptr);
-    f.SeekToBegin();
-    if (!read) Fail("cannot read %s", path);
-    return read;
-}
-
 bool WriteOutput(char const *path, qv::CMemFile &f) {
     uint32_t size = uint32_t(f.GetSize());
     if (IsStandardStream(path)) {

@@ -3,15 +3,14 @@
 // standard output).
 #pragma once
 
+#include "Input.h"
+
 #include <string>
 
 #include "qv/files/MemFile.h"
 
 namespace qvtool {
 
-// The bytes of path (or standard input) in f, positioned at 0. On failure
-// the message is printed and false returned.
-bool ReadInput(char const *path, qv::CMemFile &f);
 // f's bytes to path through a temporary file and rename (or to standard
 // output). On failure the message is printed and false returned.
 bool WriteOutput(char const *path, qv::CMemFile &f);

@@ -1,0 +1,17 @@
+// Waiting on a 32-bit word: the kernel's fast user-space mutex primitive.
+//
+// FutexWait sleeps while *word still holds `expected` (it returns at once
+// when it does not, and may return spuriously: callers loop on their own
+// condition). FutexWakeOne wakes one thread sleeping on word. Words are
+// private to the process. Thread-safe; never fails in a way callers must see.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace qv::platform {
+
+void FutexWait(std::atomic<uint32_t> &word, uint32_t expected);
+void FutexWakeOne(std::atomic<uint32_t> &word);
+
+} // namespace qv::platform
