@@ -183,6 +183,7 @@ bool CsqliteStore::RetryWhileBusy(char const *sql) {
 bool CsqliteStore::Lock() {
     if (!db) return false;
     if (locked) return true;
+    cachedDirectory.Empty();
     locked = RetryWhileBusy("BEGIN IMMEDIATE TRANSACTION;");
     return locked;
 }
@@ -215,20 +216,33 @@ bool CsqliteStore::isEntry(char16_t const *path) {
 int64_t CsqliteStore::ParentOf(CString const &path, int depth) {
     CString directory = path::GetDirectory(path);
     if (directory.IsEmpty()) directory = u"/";
+    // Inside a transaction no other connection changes the table, so the
+    // last directory found stays valid until the transaction ends.
+    if (locked && directory.Equals(cachedDirectory)) return cachedParent;
     sqlite3_stmt *select = Statement(SelectId);
     if (!select) return 0;
+    int64_t id = 0;
     {
         CStatementUse use(select);
         BindText(select, 1, Utf8(directory));
         int step = sqlite3_step(select);
-        if (step == SQLITE_ROW) return sqlite3_column_int64(select, 0);
-        if (step != SQLITE_DONE) return 0;
+        if (step == SQLITE_ROW)
+            id = sqlite3_column_int64(select, 0);
+        else if (step != SQLITE_DONE)
+            return 0;
     }
     // Each step up shortens the path, so this ends; the bound is a guard.
-    if (directory.Equals(path) || depth > IConfigStore::PathSize) return 0;
-    int64_t grandParent = ParentOf(directory, depth + 1);
-    SValue none;
-    return grandParent && InsertRow(directory, grandParent, none) ? sqlite3_last_insert_rowid(db) : 0;
+    if (id == 0) {
+        if (directory.Equals(path) || depth > IConfigStore::PathSize) return 0;
+        int64_t grandParent = ParentOf(directory, depth + 1);
+        SValue none;
+        id = grandParent && InsertRow(directory, grandParent, none) ? sqlite3_last_insert_rowid(db) : 0;
+    }
+    if (locked && id) {
+        cachedDirectory = directory;
+        cachedParent = id;
+    }
+    return id;
 }
 
 int64_t CsqliteStore::GetParent(char16_t const *path) {

@@ -22,8 +22,10 @@ void DumpBranch(ConfigStore &store, qv::CString const &path, CJsonWriter *json) 
         if (store.Store().isLeaf(child)) {
             std::string key = child.GetUTF8();
             std::string value = store.Store().GetString(child, u"").GetUTF8();
-            if (json) json->String(key.c_str(), value);
-            else std::printf("%s=%s\n", Escaped(key).c_str(), Escaped(value).c_str());
+            if (json)
+                json->String(key.c_str(), value);
+            else
+                std::printf("%s=%s\n", Escaped(key).c_str(), Escaped(value).c_str());
         } else if (store.Store().isEntry(child)) {
             DumpBranch(store, child, json);
         }
