@@ -123,3 +123,14 @@
 #include "qv/modtran/ModtranTape7File.h"
 #include "qv/modtran/RunModtran.h"
 #include "qv/calibration/CurveChecks.h"
+
+// Settings stores.
+#include "qv/core/GdiTypes.h"
+#include "qv/config/IConfigStore.h"
+#include "qv/config/MemStore.h"
+#include "qv/config/FileStore.h"
+#include "qv/config/INIStore.h"
+#include "qv/config/XMLStore.h"
+#include "qv/config/Registry.h"
+#include "qv/config/RegStore.h"
+#include "qv/config/SqliteStore.h"

@@ -95,8 +95,8 @@ bool IConfigStore::SetBool(char16_t const *name, bool value) {
 }
 
 RECT IConfigStore::GetRect(char16_t const *name, RECT defaultValue) {
-    CString def = CString::FromFormat(kRectForm, defaultValue.top, defaultValue.left, defaultValue.bottom,
-                                      defaultValue.right);
+    CString def =
+        CString::FromFormat(kRectForm, defaultValue.top, defaultValue.left, defaultValue.bottom, defaultValue.right);
     RECT r = {0, 0, 0, 0};
     int top = 0, left = 0, bottom = 0, right = 0;
     // Existing settings depend on a malformed text reading as all zeros.
@@ -118,8 +118,8 @@ COLORREF IConfigStore::GetClr(char16_t const *name, COLORREF defaultValue) {
 }
 
 bool IConfigStore::SetClr(char16_t const *name, COLORREF value) {
-    return SetString(name, CString::FromFormat(kColourForm, int(value & 0xFF), int((value >> 8) & 0xFF),
-                                               int((value >> 16) & 0xFF)));
+    return SetString(
+        name, CString::FromFormat(kColourForm, int(value & 0xFF), int((value >> 8) & 0xFF), int((value >> 16) & 0xFF)));
 }
 
 namespace {
@@ -130,22 +130,24 @@ CString FontText(LOGFONTW const &f) {
         face[i] = f.lfFaceName[i];
     return CString::FromFormat(kFontForm, f.lfHeight, f.lfWidth, f.lfEscapement, f.lfOrientation, f.lfWeight,
                                int(f.lfItalic), int(f.lfUnderline), int(f.lfStrikeOut), int(f.lfCharSet),
-                               int(f.lfOutPrecision), int(f.lfClipPrecision), int(f.lfQuality),
-                               int(f.lfPitchAndFamily), face);
+                               int(f.lfOutPrecision), int(f.lfClipPrecision), int(f.lfQuality), int(f.lfPitchAndFamily),
+                               face);
 }
 
 // Fields that scanned replace the default's; the rest keep it.
 LOGFONTW ScanFont(CString const &text, LOGFONTW font) {
     int v[13];
     int32_t *longs[5] = {&font.lfHeight, &font.lfWidth, &font.lfEscapement, &font.lfOrientation, &font.lfWeight};
-    uint8_t *bytes[8] = {&font.lfItalic,        &font.lfUnderline,      &font.lfStrikeOut, &font.lfCharSet,
+    uint8_t *bytes[8] = {&font.lfItalic,       &font.lfUnderline,     &font.lfStrikeOut, &font.lfCharSet,
                          &font.lfOutPrecision, &font.lfClipPrecision, &font.lfQuality,   &font.lfPitchAndFamily};
     char16_t face[LF_FACESIZE] = {};
-    int got = swscanf(text, kFontScan, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7], &v[8], &v[9],
-                      &v[10], &v[11], &v[12], face);
+    int got = swscanf(text, kFontScan, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7], &v[8], &v[9], &v[10],
+                      &v[11], &v[12], face);
     for (int i = 0; i < got && i < 13; ++i) {
-        if (i < 5) *longs[i] = v[i];
-        else *bytes[i - 5] = static_cast<uint8_t>(v[i]);
+        if (i < 5)
+            *longs[i] = v[i];
+        else
+            *bytes[i - 5] = static_cast<uint8_t>(v[i]);
     }
     if (got == 14) {
         for (int i = 0; i < LF_FACESIZE; ++i)

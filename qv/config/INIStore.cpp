@@ -40,19 +40,40 @@ char *NextToken(char *&cursor) {
 
 } // namespace
 
-void CINIStore::LoadLine(char *line, CString &section) {
+// A plain key (no separator, no dot item) in a section whose path stays
+// within the store's path length lands directly below the section's node,
+// found once per section: SetString would walk the same way from the root
+// for every key.
+bool CINIStore::IsPlainKey(char const *key, SSection const &section) {
+    if (std::strpbrk(key, "/\\") || std::strcmp(key, ".") == 0 || std::strcmp(key, "..") == 0) return false;
+    return section.text.GetLength() + int(std::strlen(key)) + 2 < IConfigStore::PathSize;
+}
+
+void CINIStore::LoadLine(char *line, SSection &section) {
     if (line[0] == '[') {
         if (char *close = std::strrchr(line, ']')) *close = 0;
-        section = CString(line + 1);
+        section.text = CString(line + 1);
+        section.node = -1;
         return;
     }
     char *cursor = line;
     char *key = NextToken(cursor);
     if (!key) return;
     char *value = NextToken(cursor);
-    CString keyPath = path::MakePath(section, CString(key), u'/');
+    CString text = value ? CString(value) : CString(u"");
+    if (IsPlainKey(key, section)) {
+        if (section.node < 0)
+            section.node = GetNode(path::ConvertSlashes(path::AppendLeadingSlash(section.text, u'/'), u'/'));
+        CString name(key);
+        int32_t last = -1;
+        int32_t node = FindChild(section.node, name, &last);
+        if (node < 0) node = AddChild(section.node, last, name);
+        if (node >= 0) nodes[uint32_t(node)].value = text;
+        return;
+    }
+    CString keyPath = path::MakePath(section.text, CString(key), u'/');
     keyPath = path::ConvertSlashes(path::AppendLeadingSlash(keyPath, u'/'), u'/');
-    SetString(keyPath, value ? CString(value) : CString(u""));
+    SetString(keyPath, text);
 }
 
 bool CINIStore::Load(IFile *file) {
@@ -60,7 +81,7 @@ bool CINIStore::Load(IFile *file) {
     if (!file) return false;
     std::string text;
     bool complete = ReadRest(*file, text);
-    CString section(u"");
+    SSection section;
     char line[kLineLimit];
     size_t start = 0;
     while (start < text.size()) {

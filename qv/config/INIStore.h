@@ -34,7 +34,12 @@ public:
     bool Save(IFile *file) override;
 
 private:
-    void LoadLine(char *line, CString &section);
+    struct SSection {
+        CString text = CString(u"");
+        int32_t node = -1; // its node once a key needed it
+    };
+    static bool IsPlainKey(char const *key, SSection const &section);
+    void LoadLine(char *line, SSection &section);
     void SaveNode(int32_t node, CString const &parentPath, std::string &text) const;
 };
 

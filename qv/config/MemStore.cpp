@@ -51,8 +51,10 @@ int32_t CMemStore::AddChild(int32_t parent, int32_t last, CString const &name) {
     node.name = name;
     if (nodes.GetSize() >= uint32_t(INT32_MAX) || !nodes.Add(node)) return -1;
     int32_t index = int32_t(nodes.GetSize() - 1);
-    if (last < 0) nodes[uint32_t(parent)].firstChild = index;
-    else nodes[uint32_t(last)].nextSibling = index;
+    if (last < 0)
+        nodes[uint32_t(parent)].firstChild = index;
+    else
+        nodes[uint32_t(last)].nextSibling = index;
     return index;
 }
 

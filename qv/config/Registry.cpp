@@ -111,9 +111,8 @@ int32_t RegOpenKeyExW(HKEY key, char16_t const *subKey, uint32_t access, HKEY *r
     *result = nullptr;
     TArray<CString> items;
     if (!KeyItems(key, subKey, items)) return ERROR_INVALID_PARAMETER;
-    int32_t status = key->root()->Read([&](SRegNode &root) {
-        return Find(root, items) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-    });
+    int32_t status =
+        key->root()->Read([&](SRegNode &root) { return Find(root, items) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND; });
     if (status == ERROR_SUCCESS) *result = NewHandle(key, items, access);
     return status;
 }

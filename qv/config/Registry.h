@@ -11,9 +11,9 @@
 // dword:0000000a for REG_DWORD, hex:.. for REG_BINARY, hex(N):.. for every
 // other type N (hex(2) expand string, hex(7) multi-string, hex(b) 64-bit
 // number); a hex list line that passes 76 characters ends in ",\" and the
-// list goes on in the next line, indented by two spaces. The default value is written @. Reading takes the
-// same form in UTF-16LE or UTF-8 (with or without a byte-order mark) and any
-// line breaking of hex lists; anything else (another header, a deletion line,
+// list goes on in the next line, indented by two spaces. The default value
+// is written @. Reading takes the same form in UTF-16LE or UTF-8 (with or
+// without a byte-order mark) and any line breaking of hex lists; anything else (another header, a deletion line,
 // a broken escape, a value outside a key, a key deeper than 512 levels) makes
 // the root unreadable: its calls fail with ERROR_BADDB and the file is never
 // overwritten.
@@ -119,8 +119,7 @@ QV_API int32_t RegGetValueStr(HKEY key, char16_t const *subKey, char16_t const *
 // on failure out is defaultValue.
 QV_API int32_t RegGetValueDWORD(HKEY key, char16_t const *subKey, char16_t const *valueName, uint32_t &out,
                                 uint32_t defaultValue);
-QV_API uint32_t RegGetValueDWORD(HKEY key, char16_t const *subKey, char16_t const *valueName,
-                                 uint32_t defaultValue);
+QV_API uint32_t RegGetValueDWORD(HKEY key, char16_t const *subKey, char16_t const *valueName, uint32_t defaultValue);
 // Creates subKey as need be, then writes REG_SZ with its terminator counted.
 QV_API int32_t RegSetValueStr(HKEY key, char16_t const *subKey, char16_t const *valueName, char16_t const *value);
 QV_API int32_t RegSetValueDWORD(HKEY key, char16_t const *subKey, char16_t const *valueName, uint32_t value);

@@ -77,9 +77,8 @@ int32_t CRegistryRoot::Refresh(CString const &file, bool force) {
 
 bool CRegistryRoot::Save(CString const &file) {
     std::string bytes = FormatRegistryText(tree, name);
-    bool saved = SaveAtomically(FileSystem, file, [&](IFile &out) {
-        return out.WriteBytes(bytes.data(), uint32_t(bytes.size()));
-    });
+    bool saved = SaveAtomically(FileSystem, file,
+                                [&](IFile &out) { return out.WriteBytes(bytes.data(), uint32_t(bytes.size())); });
     loaded = saved && GetFileIdentity(file, identity);
     return saved;
 }

@@ -212,11 +212,13 @@ private:
     bool HexList(std::u16string rest, std::vector<uint8_t> &data) {
         for (;;) {
             size_t end = rest.size();
-            while (end && (rest[end - 1] == u' ' || rest[end - 1] == u'\t')) --end;
+            while (end && (rest[end - 1] == u' ' || rest[end - 1] == u'\t'))
+                --end;
             bool more = end && rest[end - 1] == u'\\';
             if (more) --end;
             for (size_t i = 0; i < end;) {
-                while (i < end && (rest[i] == u' ' || rest[i] == u'\t')) ++i;
+                while (i < end && (rest[i] == u' ' || rest[i] == u'\t'))
+                    ++i;
                 if (i == end) break;
                 if (i + 1 >= end || HexDigit(rest[i]) < 0 || HexDigit(rest[i + 1]) < 0) return false;
                 data.push_back(uint8_t(HexDigit(rest[i]) << 4 | HexDigit(rest[i + 1])));
@@ -233,8 +235,10 @@ private:
         if (!key) return false;
         size_t pos = 0;
         std::u16string name;
-        if (line[0] == u'@') pos = 1;
-        else if (!Quoted(line, pos, name)) return false;
+        if (line[0] == u'@')
+            pos = 1;
+        else if (!Quoted(line, pos, name))
+            return false;
         if (pos >= line.size() || line[pos] != u'=') return false;
         ++pos;
         std::vector<uint8_t> data;

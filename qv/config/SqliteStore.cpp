@@ -70,19 +70,31 @@ struct CsqliteStore::SValue {
 
     void Bind(sqlite3_stmt *statement, int index) const {
         switch (type) {
-        case Double: sqlite3_bind_double(statement, index, number); break;
+        case Double:
+            sqlite3_bind_double(statement, index, number);
+            break;
         case DWord:
-        case Long: sqlite3_bind_int64(statement, index, integer); break;
-        case String: BindText(statement, index, text); break;
-        default: sqlite3_bind_null(statement, index); break;
+        case Long:
+            sqlite3_bind_int64(statement, index, integer);
+            break;
+        case String:
+            BindText(statement, index, text);
+            break;
+        default:
+            sqlite3_bind_null(statement, index);
+            break;
         }
     }
 
     void Take(sqlite3_stmt *statement, int column) {
         switch (type) {
-        case Double: number = sqlite3_column_double(statement, column); break;
+        case Double:
+            number = sqlite3_column_double(statement, column);
+            break;
         case DWord:
-        case Long: integer = sqlite3_column_int(statement, column); break;
+        case Long:
+            integer = sqlite3_column_int(statement, column);
+            break;
         default: {
             auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(statement, column));
             text = bytes ? std::string(bytes, size_t(sqlite3_column_bytes(statement, column))) : std::string();
@@ -99,7 +111,8 @@ CsqliteStore::~CsqliteStore() {
 
 void CsqliteStore::SetBusyLimit(uint32_t milliseconds) {
     busyLimit = milliseconds;
-    if (db) sqlite3_busy_timeout(db, busyLimit == kInfinite ? INT32_MAX : int(std::min<uint32_t>(busyLimit, INT32_MAX)));
+    if (db)
+        sqlite3_busy_timeout(db, busyLimit == kInfinite ? INT32_MAX : int(std::min<uint32_t>(busyLimit, INT32_MAX)));
 }
 
 bool CsqliteStore::Open(char16_t const *path) {
@@ -114,12 +127,15 @@ bool CsqliteStore::Open(char16_t const *path) {
     if (ready) {
         sqlite3_stmt *select = Statement(SelectId);
         CStatementUse use(select);
-        if (!select) ready = false;
+        if (!select)
+            ready = false;
         else {
             sqlite3_bind_text(select, 1, "/", 1, SQLITE_STATIC);
             int step = sqlite3_step(select);
-            if (step == SQLITE_DONE) ready = Execute(kInsertRoot);
-            else ready = step == SQLITE_ROW;
+            if (step == SQLITE_DONE)
+                ready = Execute(kInsertRoot);
+            else
+                ready = step == SQLITE_ROW;
         }
     }
     if (!ready) Close();
@@ -141,7 +157,8 @@ void CsqliteStore::Close() {
 
 sqlite3_stmt *CsqliteStore::Statement(EStatement which) {
     if (!db) return nullptr;
-    if (!statements[which] && sqlite3_prepare_v2(db, kStatementTexts[which], -1, &statements[which], nullptr) != SQLITE_OK) {
+    if (!statements[which] &&
+        sqlite3_prepare_v2(db, kStatementTexts[which], -1, &statements[which], nullptr) != SQLITE_OK) {
         sqlite3_finalize(statements[which]);
         statements[which] = nullptr;
     }
@@ -166,6 +183,7 @@ bool CsqliteStore::RetryWhileBusy(char const *sql) {
 bool CsqliteStore::Lock() {
     if (!db) return false;
     if (locked) return true;
+    cachedDirectory.Empty();
     locked = RetryWhileBusy("BEGIN IMMEDIATE TRANSACTION;");
     return locked;
 }
@@ -198,20 +216,33 @@ bool CsqliteStore::isEntry(char16_t const *path) {
 int64_t CsqliteStore::ParentOf(CString const &path, int depth) {
     CString directory = path::GetDirectory(path);
     if (directory.IsEmpty()) directory = u"/";
+    // Inside a transaction no other connection changes the table, so the
+    // last directory found stays valid until the transaction ends.
+    if (locked && directory.Equals(cachedDirectory)) return cachedParent;
     sqlite3_stmt *select = Statement(SelectId);
     if (!select) return 0;
+    int64_t id = 0;
     {
         CStatementUse use(select);
         BindText(select, 1, Utf8(directory));
         int step = sqlite3_step(select);
-        if (step == SQLITE_ROW) return sqlite3_column_int64(select, 0);
-        if (step != SQLITE_DONE) return 0;
+        if (step == SQLITE_ROW)
+            id = sqlite3_column_int64(select, 0);
+        else if (step != SQLITE_DONE)
+            return 0;
     }
     // Each step up shortens the path, so this ends; the bound is a guard.
-    if (directory.Equals(path) || depth > IConfigStore::PathSize) return 0;
-    int64_t grandParent = ParentOf(directory, depth + 1);
-    SValue none;
-    return grandParent && InsertRow(directory, grandParent, none) ? sqlite3_last_insert_rowid(db) : 0;
+    if (id == 0) {
+        if (directory.Equals(path) || depth > IConfigStore::PathSize) return 0;
+        int64_t grandParent = ParentOf(directory, depth + 1);
+        SValue none;
+        id = grandParent && InsertRow(directory, grandParent, none) ? sqlite3_last_insert_rowid(db) : 0;
+    }
+    if (locked && id) {
+        cachedDirectory = directory;
+        cachedParent = id;
+    }
+    return id;
 }
 
 int64_t CsqliteStore::GetParent(char16_t const *path) {
@@ -358,20 +389,33 @@ bool CsqliteStore::list(TArray<CString> &names, char16_t const *path) {
 
 bool CsqliteStore::copyValue(IConfigStore &target, char16_t const *targetPath, char16_t const *sourcePath) {
     switch (GetType(sourcePath)) {
-    case Double: return target.SetDouble(targetPath, GetDouble(sourcePath, 0));
-    case Float: return target.SetFloat(targetPath, GetFloat(sourcePath, 0));
-    case DWord: return target.SetDWORD(targetPath, GetDWORD(sourcePath, 0));
-    case Long: return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Double:
+        return target.SetDouble(targetPath, GetDouble(sourcePath, 0));
+    case Float:
+        return target.SetFloat(targetPath, GetFloat(sourcePath, 0));
+    case DWord:
+        return target.SetDWORD(targetPath, GetDWORD(sourcePath, 0));
+    case Long:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
     case Word:
-    case Byte: return target.SetWORD(targetPath, GetWORD(sourcePath, 0));
-    case Short: return target.SetLong(targetPath, GetLong(sourcePath, 0));
-    case Char: return target.SetLong(targetPath, GetLong(sourcePath, 0));
-    case Bool: return target.SetBool(targetPath, GetBool(sourcePath, false));
-    case String: return target.SetString(targetPath, GetString(sourcePath, u""));
-    case Font: return target.SetFont(targetPath, GetFont(sourcePath, DefaultFont));
-    case Colour: return target.SetClr(targetPath, GetClr(sourcePath, 0));
-    case Rect: return target.SetRect(targetPath, GetRect(sourcePath, DefaultRect));
-    default: return false;
+    case Byte:
+        return target.SetWORD(targetPath, GetWORD(sourcePath, 0));
+    case Short:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Char:
+        return target.SetLong(targetPath, GetLong(sourcePath, 0));
+    case Bool:
+        return target.SetBool(targetPath, GetBool(sourcePath, false));
+    case String:
+        return target.SetString(targetPath, GetString(sourcePath, u""));
+    case Font:
+        return target.SetFont(targetPath, GetFont(sourcePath, DefaultFont));
+    case Colour:
+        return target.SetClr(targetPath, GetClr(sourcePath, 0));
+    case Rect:
+        return target.SetRect(targetPath, GetRect(sourcePath, DefaultRect));
+    default:
+        return false;
     }
 }
 

@@ -122,6 +122,8 @@ private:
     bool locked = false;
     uint32_t busyLimit = 30000;
     sqlite3_stmt *statements[StatementCount] = {};
+    CString cachedDirectory; // the last directory row found in this transaction
+    int64_t cachedParent = 0;
 };
 
 } // namespace qv

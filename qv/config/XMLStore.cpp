@@ -56,8 +56,10 @@ void SaveNode(TArray<CMemStore::SNode> const &nodes, int32_t index, CNode *paren
         auto *entry = new CNode(u"entry");
         entry->attributes[u"name"] = node.name;
         parent->InsertChild(entry, false);
-        if (node.firstChild < 0) entry->value = node.value;
-        else SaveNode(nodes, child, entry);
+        if (node.firstChild < 0)
+            entry->value = node.value;
+        else
+            SaveNode(nodes, child, entry);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <functional>
 #include <memory>
 #include <set>
@@ -29,6 +30,17 @@ inline std::set<std::string> NameSet(TArray<CString> const &names) {
     return set;
 }
 
+// Switches the process to a locale with a decimal comma for one scope.
+class GermanLocale {
+public:
+    GermanLocale() : active(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr) {}
+    ~GermanLocale() { std::setlocale(LC_ALL, "C"); }
+    bool Active() const { return active; }
+
+private:
+    bool active;
+};
+
 // A scratch directory in memory (/dev/shm) where there is one, for the
 // tests whose many synced saves would otherwise wait on a disk.
 class MemoryScratchDir {
@@ -51,11 +63,11 @@ public:
 // One kind of store and the ways it differs from CMemStore by design.
 struct StoreKind {
     std::string name;
-    bool storesDefaults = true;   // a Get of a missing key stores the default
-    bool missingIsLeaf = true;    // isLeaf of a missing path is true (and makes it)
-    bool caseBlindNames = true;   // names differing in case are one key
+    bool storesDefaults = true; // a Get of a missing key stores the default
+    bool missingIsLeaf = true;  // isLeaf of a missing path is true (and makes it)
+    bool caseBlindNames = true; // names differing in case are one key
     bool listEmptiesFirst = false;
-    bool keepsTypes = false;      // a value keeps the type it was first written with
+    bool keepsTypes = false;          // a value keeps the type it was first written with
     bool valuesHoldDelimiters = true; // a value may hold '=', tab (INI may not)
     bool persists = true;
     bool emptyValuesVanish = false; // a key holding "" is gone after a reload

@@ -53,6 +53,9 @@ TEST_F(ConfigTool, SetGetAndDumpEveryKindOfStore) {
         EXPECT_EQ(dump.status, 0) << dump.err;
         EXPECT_NE(dump.out.find("/Camera/Lens/focus=12\n"), std::string::npos) << dump.out;
         EXPECT_NE(dump.out.find("/Camera/name=it's a camera\n"), std::string::npos) << dump.out;
+        ToolRun json = Run("config dump --json " + store);
+        EXPECT_EQ(json.status, 0) << json.err;
+        EXPECT_NE(json.out.find("\"/Camera/Lens/focus\":\"12\""), std::string::npos) << json.out;
         ToolRun missing = Run("config get " + store + " /Camera/none");
         EXPECT_EQ(missing.status, 1);
         EXPECT_EQ(missing.out, "") << "never a value that is not there";

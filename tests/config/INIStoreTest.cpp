@@ -87,7 +87,8 @@ TEST(INIStore, AKeyMadeAfterASubsectionComesBackWhereItWas) {
 
 TEST(INIStore, HostileLinesNeverStopTheLoad) {
     std::string huge(100 * 1024, 'k');
-    std::string text = "[big]\n" + huge + "=v\nafter=1\n[" + huge + "]\nx=2\n[enc]\nbad=\xFF\xFE\xC3(\n[p]\nslash/key=3\nback\\key=4\n";
+    std::string text = "[big]\n" + huge + "=v\nafter=1\n[" + huge +
+                       "]\nx=2\n[enc]\nbad=\xFF\xFE\xC3(\n[p]\nslash/key=3\nback\\key=4\n";
     CINIStore store = LoadText(text);
     EXPECT_EQ(Utf8(store.GetString(u"/big/after", u"")), "1") << "the over-long line is cut and the load goes on";
     EXPECT_EQ(Utf8(store.GetString((u"/" + std::u16string(1022, u'k') + u"/x").c_str(), u"")), "2")
@@ -156,13 +157,14 @@ TEST(INIStoreOutside, ConfigparserReadsWhatQvWrote) {
     store.SetLong(u"/Camera/Lens/focus", -3);
     store.SetString(u"/Camera/Lens/path", u"c:\\data\\x.saf");
     ASSERT_TRUE(store.Save(dir.Text("qv.ini")));
-    std::string out = RunPython(
-        "import configparser\n"
-        "c = configparser.ConfigParser(interpolation=None)\n"
-        "c.read(\"" + dir.Path("qv.ini") + "\", encoding=\"utf-8\")\n"
-        "for s in c.sections():\n"
-        "    for k, v in c.items(s):\n"
-        "        print(s + \"|\" + k + \"|\" + v)\n");
+    std::string out = RunPython("import configparser\n"
+                                "c = configparser.ConfigParser(interpolation=None)\n"
+                                "c.read(\"" +
+                                dir.Path("qv.ini") +
+                                "\", encoding=\"utf-8\")\n"
+                                "for s in c.sections():\n"
+                                "    for k, v in c.items(s):\n"
+                                "        print(s + \"|\" + k + \"|\" + v)\n");
     EXPECT_EQ(out, "/General|name|Ünïcode value with spaces\n"
                    "/General|scale|1.25000000000000e-001\n"
                    "/Camera/Lens|focus|-3\n"
@@ -178,7 +180,9 @@ TEST(INIStoreOutside, QvReadsWhatConfigparserWrote) {
               "c = configparser.ConfigParser(interpolation=None)\n"
               "c[\"Display\"] = {\"palette\": \"iron bow\", \"max\": \"42.5\", \"unit\": \"°C\"}\n"
               "c[\"Display/Overlay\"] = {\"enabled\": \"1\"}\n"
-              "f = open(\"" + dir.Path("py.ini") + "\", \"w\", encoding=\"utf-8\")\n"
+              "f = open(\"" +
+              dir.Path("py.ini") +
+              "\", \"w\", encoding=\"utf-8\")\n"
               "c.write(f, space_around_delimiters=False)\n"
               "f.close()\n");
     CINIStore store;

@@ -57,29 +57,28 @@ TEST_F(Registry, TheRootFileIsTheExportTextForm) {
     EXPECT_EQ(RegSetValueStr(key, u"Sub", u"lines", u"one\ntwo"), ERROR_SUCCESS);
     EXPECT_EQ(RegSetValueStr(key, u"a-first", u"x", u"1"), ERROR_SUCCESS);
     RegCloseKey(key);
-    std::u16string expected =
-        u"Windows Registry Editor Version 5.00\r\n"
-        u"\r\n"
-        u"[HKEY_CURRENT_USER]\r\n"
-        u"\r\n"
-        u"[HKEY_CURRENT_USER\\Software]\r\n"
-        u"\r\n"
-        u"[HKEY_CURRENT_USER\\Software\\qv]\r\n"
-        u"\"name\"=\"say \\\"hi\\\" \\\\ there\"\r\n"
-        u"\"count\"=dword:0000000a\r\n"
-        u"\"bin\"=hex:00,07,0e,15,1c,23,2a,31,38,3f,46,4d,54,5b,62,69,70,77,7e,85,8c,93,9a,\\\r\n"
-        u"  a1,a8,af,b6,bd,c4,cb,d2,d9,e0,e7,ee,f5,fc,03,0a,11\r\n"
-        u"\"path\"=hex(2):25,00,41,00,25,00,00,00\r\n"
-        u"\"list\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
-        u"\"big\"=hex(b):01,02,03,04,05,06,07,08\r\n"
-        u"@=\"default\"\r\n"
-        u"\r\n"
-        u"[HKEY_CURRENT_USER\\Software\\qv\\a-first]\r\n"
-        u"\"x\"=\"1\"\r\n"
-        u"\r\n"
-        u"[HKEY_CURRENT_USER\\Software\\qv\\Sub]\r\n"
-        u"\"lines\"=hex(1):6f,00,6e,00,65,00,0a,00,74,00,77,00,6f,00,00,00\r\n"
-        u"\r\n";
+    std::u16string expected = u"Windows Registry Editor Version 5.00\r\n"
+                              u"\r\n"
+                              u"[HKEY_CURRENT_USER]\r\n"
+                              u"\r\n"
+                              u"[HKEY_CURRENT_USER\\Software]\r\n"
+                              u"\r\n"
+                              u"[HKEY_CURRENT_USER\\Software\\qv]\r\n"
+                              u"\"name\"=\"say \\\"hi\\\" \\\\ there\"\r\n"
+                              u"\"count\"=dword:0000000a\r\n"
+                              u"\"bin\"=hex:00,07,0e,15,1c,23,2a,31,38,3f,46,4d,54,5b,62,69,70,77,7e,85,8c,93,9a,\\\r\n"
+                              u"  a1,a8,af,b6,bd,c4,cb,d2,d9,e0,e7,ee,f5,fc,03,0a,11\r\n"
+                              u"\"path\"=hex(2):25,00,41,00,25,00,00,00\r\n"
+                              u"\"list\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
+                              u"\"big\"=hex(b):01,02,03,04,05,06,07,08\r\n"
+                              u"@=\"default\"\r\n"
+                              u"\r\n"
+                              u"[HKEY_CURRENT_USER\\Software\\qv\\a-first]\r\n"
+                              u"\"x\"=\"1\"\r\n"
+                              u"\r\n"
+                              u"[HKEY_CURRENT_USER\\Software\\qv\\Sub]\r\n"
+                              u"\"lines\"=hex(1):6f,00,6e,00,65,00,0a,00,74,00,77,00,6f,00,00,00\r\n"
+                              u"\r\n";
     EXPECT_EQ(RootBytes(), ToUtf16Bytes(expected));
     // And it reads back as written, from a fresh look at the file.
     WriteRoot(RootBytes());
@@ -287,6 +286,7 @@ TEST_F(Registry, ASaveThatFailsHalfWayLeavesThePreviousFile) {
 
 TEST(RegistryRoots, LiveInTheUserConfigDirectoryAndAConfigurableOne) {
     char16_t file[512];
+    RegSetRootDirectory(HKEY_CURRENT_USER, nullptr); // whatever an earlier case set
     setenv("XDG_CONFIG_HOME", "/tmp/qv-xdg-test", 1);
     ASSERT_TRUE(RegGetRootFile(HKEY_CURRENT_USER, file, 512));
     EXPECT_EQ(std::u16string(file), u"/tmp/qv-xdg-test/qv/registry/user.reg");

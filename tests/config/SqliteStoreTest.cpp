@@ -32,7 +32,9 @@ std::string Shell(std::string const &db, std::string const &sql) {
 class SqliteStore : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(store.Open(dir.Text("s.db"))); }
-    std::string Rows() { return Shell(dir.Path("s.db"), "SELECT id, name, path, parent, type, quote(value) FROM nodes ORDER BY id;"); }
+    std::string Rows() {
+        return Shell(dir.Path("s.db"), "SELECT id, name, path, parent, type, quote(value) FROM nodes ORDER BY id;");
+    }
 
     ScratchDir dir;
     CsqliteStore store;

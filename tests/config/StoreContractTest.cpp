@@ -144,9 +144,19 @@ TEST_P(StoreContract, HostilePathsAreHandled) {
     for (int i = 0; i < 1000; ++i)
         deep += u"/x";
     EXPECT_EQ(Utf8(store.GetString(deep.c_str(), u"d")), "d");
-    EXPECT_EQ(Utf8(store.GetString(u"/../../..", u"up")), kind.name == "registry" ? "up" : Utf8(store.GetString(u"/", u"up")));
+    EXPECT_EQ(Utf8(store.GetString(u"/../../..", u"up")),
+              kind.name == "registry" ? "up" : Utf8(store.GetString(u"/", u"up")));
     store.SetString(u"/bad\xDC80utf16", u"lone surrogate");
     EXPECT_TRUE(store.cd(u""));
+}
+
+TEST_P(StoreContract, NumbersIgnoreTheProcessLocale) {
+    GermanLocale german;
+    if (!german.Active()) GTEST_SKIP() << "de_DE.UTF-8 is not installed";
+    EXPECT_TRUE(store.SetDouble(u"/locale/half", 1.5));
+    std::unique_ptr<IConfigStore> again = subject.Reopen();
+    EXPECT_EQ(again->GetDouble(u"/locale/half", 0), 1.5);
+    EXPECT_EQ(Utf8(again->GetString(u"/locale/half", u"")), kind.name == "sqlite" ? "1.5" : "1.50000000000000e+000");
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::ValuesIn(AllStoreKinds()),

@@ -56,8 +56,8 @@ TEST(XMLStore, ReadsWhatOthersWrite) {
 }
 
 TEST(XMLStore, FailuresLeaveAnEmptyStore) {
-    for (std::string text : {"<other><entry name=\"x\">1</entry></other>", "<store><entry name=\"x\">1</store>",
-                             "", "\xFF\xFE<\0s\0", "<store><![CDATA[x]]></store>"}) {
+    for (std::string text : {"<other><entry name=\"x\">1</entry></other>", "<store><entry name=\"x\">1</store>", "",
+                             "\xFF\xFE<\0s\0", "<store><![CDATA[x]]></store>"}) {
         SCOPED_TRACE(text);
         CXMLStore store;
         store.SetString(u"/old", u"1");

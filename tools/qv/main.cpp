@@ -71,7 +71,7 @@ Command const kCommands[] = {
      "store IN (- for standard input) as a block of a VQR container, made when missing", RunVqrPut},
     {"config get", "STORE PATH", "print one setting of a .ini, .xml or .db file, reg:user or reg:machine", RunConfigGet},
     {"config set", "STORE PATH VALUE", "write one setting (as text) and save the store", RunConfigSet},
-    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump},
+    {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump, kTakesJson},
 };
 
 int CountWords(char const *text) {
