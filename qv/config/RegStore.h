@@ -1,27 +1,28 @@
-// CRegStore: settings in the registry (qv/config/Registry.h). It keeps no
-// memory of its own: every call goes to the registry at once, and no key
-// stays open between calls.
-//
-// SetRoot(root, basePath) must come before use. A path is expanded against
-// the current path, its '/' become '\', and it is joined to basePath; it must
-// then lie below basePath, so ".." cannot climb above it: such a path gives
-// the default from a Get and false from everything else (also the base path
-// itself, so list("/") is refused). For values the last item is the value
-// name and the rest the key.
-//
-// Types: DWORD and long are REG_DWORD; strings and every other type (which
-// the contract turns into text) are REG_SZ. A Get reads a value of another
-// type where it can: GetString gives a REG_DWORD as decimal text, GetDWORD
-// reads a REG_SZ as a number. A write creates the keys on the way.
-// isLeaf: a value of that name exists (false for a missing path, unlike
-// CMemStore); isEntry: a key of that name exists. list empties names first,
-// then gives the subkeys, then the values. unlink deletes the value of that
-// name, or else the key with its contents (see RegDeleteKeyExW for why a key
-// with several subkeys may need more than one call). copyValue copies a
-// REG_DWORD as a DWORD and anything else as a string.
-//
-// Failures: Gets give the default, the rest false. Threads: one thread at a
-// time per store; the registry itself may be used from any thread.
+/// @file
+/// CRegStore: settings in the registry (qv/config/Registry.h). It keeps no
+/// memory of its own: every call goes to the registry at once, and no key
+/// stays open between calls.
+///
+/// SetRoot(root, basePath) must come before use. A path is expanded against
+/// the current path, its '/' become '\', and it is joined to basePath; it must
+/// then lie below basePath, so ".." cannot climb above it: such a path gives
+/// the default from a Get and false from everything else (also the base path
+/// itself, so list("/") is refused). For values the last item is the value
+/// name and the rest the key.
+///
+/// Types: DWORD and long are REG_DWORD; strings and every other type (which
+/// the contract turns into text) are REG_SZ. A Get reads a value of another
+/// type where it can: GetString gives a REG_DWORD as decimal text, GetDWORD
+/// reads a REG_SZ as a number. A write creates the keys on the way.
+/// isLeaf: a value of that name exists (false for a missing path, unlike
+/// CMemStore); isEntry: a key of that name exists. list empties names first,
+/// then gives the subkeys, then the values. unlink deletes the value of that
+/// name, or else the key with its contents (see RegDeleteKeyExW for why a key
+/// with several subkeys may need more than one call). copyValue copies a
+/// REG_DWORD as a DWORD and anything else as a string.
+///
+/// Failures: Gets give the default, the rest false. Threads: one thread at a
+/// time per store; the registry itself may be used from any thread.
 #pragma once
 
 #include "qv/config/IConfigStore.h"
@@ -29,6 +30,7 @@
 
 namespace qv {
 
+/// @copydoc RegStore.h
 class QV_API CRegStore : public IConfigStore {
 public:
     CRegStore();
@@ -49,10 +51,10 @@ public:
     bool SetString(char16_t const *name, char16_t const *value) override;
 
 private:
-    // The full key path of name, '\'-separated; false when it is not below
-    // the base path.
+    /// The full key path of name, '\'-separated; false when it is not below
+    /// the base path.
     bool KeyPath(char16_t const *name, CString &full) const;
-    // The same, split into the key and the value name.
+    /// The same, split into the key and the value name.
     bool ValuePath(char16_t const *name, CString &key, CString &value) const;
 
     HKEY root = nullptr;

@@ -1,5 +1,6 @@
-// One registry root in the process: its file, the tree as last read, and the
-// read and write protocol (see qv/config/Registry.h). Internal to libqv.
+/// @file
+/// One registry root in the process: its file, the tree as last read, and the
+/// read and write protocol (see qv/config/Registry.h). Internal to libqv.
 #pragma once
 
 #include <functional>
@@ -10,6 +11,7 @@
 
 namespace qv {
 
+/// @copydoc RegistryRoot.h
 class CRegistryRoot {
 public:
     CRegistryRoot(char16_t const *name, char16_t const *fileName, bool user);
@@ -18,12 +20,12 @@ public:
     CString File();
     void SetDirectory(char16_t const *directory);
 
-    // Runs read over the tree as the file has it now; its status, or
-    // ERROR_BADDB when the file cannot be read.
+    /// Runs read over the tree as the file has it now; its status, or
+    /// ERROR_BADDB when the file cannot be read.
     int32_t Read(std::function<int32_t(SRegNode &)> const &read);
-    // Under the file lock: reads the file again, runs change (which sets its
-    // bool when it changed the tree) and, on ERROR_SUCCESS with a change,
-    // saves the file atomically (ERROR_WRITE_FAULT if that fails).
+    /// Under the file lock: reads the file again, runs change (which sets its
+    /// bool when it changed the tree) and, on ERROR_SUCCESS with a change,
+    /// saves the file atomically (ERROR_WRITE_FAULT if that fails).
     int32_t Write(std::function<int32_t(SRegNode &, bool &)> const &change);
 
 private:
@@ -35,7 +37,7 @@ private:
     char16_t const *fileName;
     bool user;
     std::mutex mutex;
-    CString directory; // empty: the default
+    CString directory; ///< empty: the default
     CString loadedFile;
     SFileIdentity identity;
     bool loaded = false;

@@ -1,43 +1,44 @@
-// CsqliteStore: settings in one table of an SQLite 3 database, so that
-// several processes can share them. The only store with a lock across
-// processes.
-//
-// The table, made by Open if missing:
-//   CREATE TABLE IF NOT EXISTS nodes(id INTEGER PRIMARY KEY, name TEXT,
-//     path TEXT UNIQUE, parent INTEGER, type INTEGER, value);
-// one row per key: name is the last path item, path the full path from "/"
-// (UTF-8), parent the id of the directory row (0 for the root), type an
-// EType, value the value in its native SQLite type (NULL for a directory).
-// The root row (name "", path "/", parent 0, type 0) always exists.
-//
-// Native types: double (1, REAL), DWORD (3, INTEGER), long (4, INTEGER) and
-// string (10, TEXT); every other typed operation comes from IConfigStore and
-// so arrives as one of these. Doubles are stored as the "%.14e" text of the
-// value reads back, 15 significant digits, as existing databases hold them.
-// A write updates the row; when there is none it makes the row and every
-// missing directory row above it. An update keeps the row's type, so a key
-// written as a number and then as a string keeps its first type (copyValue
-// dispatches on it); existing databases depend on that. A read of a missing
-// key gives the default and stores it (so reads can write). isLeaf is false
-// for a missing path (unlike CMemStore); isEntry is true for a directory row.
-// list appends the children's names. unlink is not supported (false).
-//
-// Transactions and waiting. Lock opens a write transaction (BEGIN
-// IMMEDIATE) that lasts until Unlock; a second Lock is a no-op. A write
-// outside a Lock runs in a transaction of its own, so the directory rows and
-// the row of one write appear together or not at all, whatever other
-// processes do. A busy database is tried again every 100 ms, and statements
-// wait for SQLite's locks, but only up to the busy limit (SetBusyLimit,
-// 30,000 ms by default; kInfinite waits for ever): then Lock and Unlock give
-// false, a write gives false and a read its default. Statements are
-// prepared once per open database and take their texts as bound parameters.
-//
-// Failures: Open gives false when the file cannot be opened or is not an
-// SQLite database (or stays locked past the busy limit); the store is then
-// closed. A closed store gives defaults and false. No message is kept.
-//
-// Threads: a store belongs to one thread at a time (the lock flag has no
-// guard); other stores, also in other processes, may use the same file.
+/// @file
+/// CsqliteStore: settings in one table of an SQLite 3 database, so that
+/// several processes can share them. The only store with a lock across
+/// processes.
+///
+/// The table, made by Open if missing:
+///   CREATE TABLE IF NOT EXISTS nodes(id INTEGER PRIMARY KEY, name TEXT,
+///     path TEXT UNIQUE, parent INTEGER, type INTEGER, value);
+/// one row per key: name is the last path item, path the full path from "/"
+/// (UTF-8), parent the id of the directory row (0 for the root), type an
+/// EType, value the value in its native SQLite type (NULL for a directory).
+/// The root row (name "", path "/", parent 0, type 0) always exists.
+///
+/// Native types: double (1, REAL), DWORD (3, INTEGER), long (4, INTEGER) and
+/// string (10, TEXT); every other typed operation comes from IConfigStore and
+/// so arrives as one of these. Doubles are stored as the "%.14e" text of the
+/// value reads back, 15 significant digits, as existing databases hold them.
+/// A write updates the row; when there is none it makes the row and every
+/// missing directory row above it. An update keeps the row's type, so a key
+/// written as a number and then as a string keeps its first type (copyValue
+/// dispatches on it); existing databases depend on that. A read of a missing
+/// key gives the default and stores it (so reads can write). isLeaf is false
+/// for a missing path (unlike CMemStore); isEntry is true for a directory row.
+/// list appends the children's names. unlink is not supported (false).
+///
+/// Transactions and waiting. Lock opens a write transaction (BEGIN
+/// IMMEDIATE) that lasts until Unlock; a second Lock is a no-op. A write
+/// outside a Lock runs in a transaction of its own, so the directory rows and
+/// the row of one write appear together or not at all, whatever other
+/// processes do. A busy database is tried again every 100 ms, and statements
+/// wait for SQLite's locks, but only up to the busy limit (SetBusyLimit,
+/// 30,000 ms by default; kInfinite waits for ever): then Lock and Unlock give
+/// false, a write gives false and a read its default. Statements are
+/// prepared once per open database and take their texts as bound parameters.
+///
+/// Failures: Open gives false when the file cannot be opened or is not an
+/// SQLite database (or stays locked past the busy limit); the store is then
+/// closed. A closed store gives defaults and false. No message is kept.
+///
+/// Threads: a store belongs to one thread at a time (the lock flag has no
+/// guard); other stores, also in other processes, may use the same file.
 #pragma once
 
 #include <cstdint>
@@ -49,6 +50,7 @@ struct sqlite3_stmt;
 
 namespace qv {
 
+/// @copydoc SqliteStore.h
 class QV_API CsqliteStore : public IConfigStore {
 public:
     enum EType : int32_t {
@@ -75,17 +77,17 @@ public:
     CsqliteStore &operator=(CsqliteStore const &) = delete;
 
     bool Open(char16_t const *path);
-    void Close(); // commits an open transaction; idempotent
+    void Close(); ///< commits an open transaction; idempotent
     bool IsOpen() const { return db != nullptr; }
     bool Lock();
     bool Unlock();
     bool IsLocked() const { return locked; }
-    // Milliseconds that Lock, Unlock and statements wait for a busy database.
+    /// Milliseconds that Lock, Unlock and statements wait for a busy database.
     void SetBusyLimit(uint32_t milliseconds);
 
     int32_t GetType(char16_t const *path);
-    // The id of path's directory row, made (with those above it) if need be;
-    // 0 on failure.
+    /// The id of path's directory row, made (with those above it) if need be;
+    /// 0 on failure.
     int64_t GetParent(char16_t const *path);
 
     bool copyValue(IConfigStore &target, char16_t const *targetPath, char16_t const *sourcePath) override;
@@ -103,7 +105,7 @@ public:
 
 private:
     enum EStatement { SelectType, SelectId, SelectValue, Insert, Update, ListNames, StatementCount };
-    struct SValue; // a typed value to bind
+    struct SValue; ///< a typed value to bind
 
     sqlite3_stmt *Statement(EStatement which);
     bool Execute(char const *sql);
@@ -114,15 +116,15 @@ private:
     void ReadOrStore(CString const &path, SValue &value);
     bool InsertNew(CString const &path, SValue const &value);
     bool InsertRow(CString const &path, int64_t parent, SValue const &value);
-    // Ends a transaction this write opened itself (own): commit when done,
-    // else roll back. Gives whether the write stands.
+    /// Ends a transaction this write opened itself (own): commit when done,
+    /// else roll back. Gives whether the write stands.
     bool Finish(bool own, bool done);
 
     sqlite3 *db = nullptr;
     bool locked = false;
     uint32_t busyLimit = 30000;
     sqlite3_stmt *statements[StatementCount] = {};
-    CString cachedDirectory; // the last directory row found in this transaction
+    CString cachedDirectory; ///< the last directory row found in this transaction
     int64_t cachedParent = 0;
 };
 

@@ -1,13 +1,14 @@
-// Builds a POD table's row index: one item per text line from `start` to the
-// end of the file, each beginning with an SPODRowSpan (the rest of the item,
-// the per-cell part, is zeroed). The file is read once in 512 KiB blocks and
-// only LF bytes are looked for; nothing is parsed. A final line without LF is
-// a row; a final LF makes no empty row. Positions are 64-bit and lengths
-// 32-bit, so neither files above 4 GiB nor long lines are cut.
-//
-// Appends to `index` (its item size must hold an SPODRowSpan). False on a
-// failed read or index write; rows appended before stay. Memory: one block.
-// Threads: one thread at a time per file and index.
+/// @file
+/// Builds a POD table's row index: one item per text line from `start` to the
+/// end of the file, each beginning with an SPODRowSpan (the rest of the item,
+/// the per-cell part, is zeroed). The file is read once in 512 KiB blocks and
+/// only LF bytes are looked for; nothing is parsed. A final line without LF is
+/// a row; a final LF makes no empty row. Positions are 64-bit and lengths
+/// 32-bit, so neither files above 4 GiB nor long lines are cut.
+///
+/// Appends to `index` (its item size must hold an SPODRowSpan). False on a
+/// failed read or index write; rows appended before stay. Memory: one block.
+/// Threads: one thread at a time per file and index.
 #pragma once
 
 #include <cstdint>
@@ -20,9 +21,10 @@ class IFile;
 class CPersistedArray;
 
 #pragma pack(push, 1)
+/// @copydoc PODLineIndex.h
 struct SPODRowSpan {
     int64_t position;
-    uint32_t length; // line end included
+    uint32_t length; ///< line end included
 };
 #pragma pack(pop)
 
