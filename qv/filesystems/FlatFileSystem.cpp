@@ -2,26 +2,12 @@
 
 #include "qv/core/WideChar.h"
 #include "qv/filesystems/FlatPaths.h"
+#include "qv/filesystems/MadeUpEntries.h"
 #include "qv/filesystems/Path.h"
 
 namespace qv {
 
 namespace {
-
-CDirectoryEntry MadeUpDirectory(char16_t const *name, char16_t const *path) {
-    CDirectoryEntry entry;
-    entry.SetName(name);
-    entry.SetPath(path);
-    entry.attributes = kAttributeDirectory;
-    entry.modified = CDateTime::NewNow();
-    return entry;
-}
-
-bool HasName(CDirectoryListing const &listing, char16_t const *name) {
-    for (uint32_t i = 0; i < listing.GetSize(); ++i)
-        if (_wcsicmp(listing.GetAt(i).name, name) == 0) return true;
-    return false;
-}
 
 } // namespace
 
@@ -70,7 +56,7 @@ CDirectoryListing CFlatFileSystem::GetDirectoryListing(char16_t const *dir, char
         CString rest(entry.path + length);
         int slash = rest.FindChar(u'/');
         CString name = slash < 0 ? rest : rest.Left(slash);
-        if (!WildcardMatch(patterns, name.GetUTF16()) || HasName(listing, name.GetUTF16())) continue;
+        if (!WildcardMatch(patterns, name.GetUTF16()) || IsListed(listing, name.GetUTF16())) continue;
         listing.Add(slash < 0 ? entry : MadeUpDirectory(name.GetUTF16(), MakePath(prefix, name, u'/').GetUTF16()));
     }
     return listing;

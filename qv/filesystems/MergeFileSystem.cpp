@@ -3,6 +3,7 @@
 #include "qv/core/StringFunctions.h"
 #include "qv/core/WideChar.h"
 #include "qv/filesystems/FlatPaths.h"
+#include "qv/filesystems/MadeUpEntries.h"
 #include "qv/filesystems/Path.h"
 
 namespace qv {
@@ -25,21 +26,6 @@ CString Join(CString base, TArray<CString> const &items, uint32_t first) {
     for (uint32_t i = first; i < items.GetSize(); ++i)
         base = path::MakePath(base, items.GetAt(i), u'/');
     return base;
-}
-
-CDirectoryEntry MadeUpDirectory(char16_t const *name, char16_t const *path) {
-    CDirectoryEntry entry;
-    entry.SetName(name);
-    entry.SetPath(path);
-    entry.attributes = kAttributeDirectory;
-    entry.modified = CDateTime::NewNow();
-    return entry;
-}
-
-bool Listed(CDirectoryListing const &listing, char16_t const *name) {
-    for (uint32_t i = 0; i < listing.GetSize(); ++i)
-        if (_wcsicmp(listing.GetAt(i).name, name) == 0) return true;
-    return false;
 }
 
 } // namespace
@@ -195,7 +181,7 @@ IFileSystem::CDirectoryListing CMergeFileSystem::GetDirectoryListing(char16_t co
             CDirectoryListing inner = fs->GetDirectoryListing(Join(CString(mount.subPath), items, k), patterns);
             for (uint32_t i = 0; i < inner.GetSize(); ++i) {
                 CDirectoryEntry entry = inner.GetAt(i);
-                if (Listed(listing, entry.name)) continue; // an earlier mount keeps the name
+                if (IsListed(listing, entry.name)) continue; // an earlier mount keeps the name
                 entry.properties[kFileSystemKey] = static_cast<void *>(fs);
                 entry.properties[kResolvedKey] = entry.path;
                 entry.SetPath(MakePath(CString(full), CString(entry.name), u'/'));
@@ -205,7 +191,7 @@ IFileSystem::CDirectoryListing CMergeFileSystem::GetDirectoryListing(char16_t co
             // A mount point below dir shows as a directory named by its last item.
             CString below = path::MakePath(CString(full), Join(point.GetAt(k), point, k + 1), u'/');
             char16_t const *name = GetFilename(below.GetUTF16());
-            if (!Listed(listing, name)) listing.Add(MadeUpDirectory(name, below));
+            if (!IsListed(listing, name)) listing.Add(MadeUpDirectory(name, below));
         }
     }
     return listing;
