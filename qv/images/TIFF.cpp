@@ -31,9 +31,11 @@ bool HasLittleEndianMark(IFile *file) {
     return mark && magic == 0x2A;
 }
 
+// A handle over a file, closed with the object.
 struct STiffHandle {
+    images::STiffClient client;
     TIFF *tiff;
-    explicit STiffHandle(TIFF *t) : tiff(t) {}
+    STiffHandle(IFile *file, char const *mode) : client{file}, tiff(images::OpenTIFF(client, mode)) {}
     ~STiffHandle() {
         if (tiff) TIFFClose(tiff);
     }
@@ -57,7 +59,7 @@ bool IsTIFF(IFile *file) {
     bool ok = HasLittleEndianMark(file);
     file->Seek(0, 1);
     if (ok) {
-        STiffHandle handle(images::OpenTIFF(file, "rh"));
+        STiffHandle handle(file, "rh");
         ok = handle.tiff != nullptr;
     }
     file->Seek(0, 1);
@@ -65,8 +67,8 @@ bool IsTIFF(IFile *file) {
 }
 
 bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EDataType &type, unsigned long &pages) {
-    if (!file || file->Seek(0, 1) != 0 || !HasLittleEndianMark(file)) return false;
-    STiffHandle handle(images::OpenTIFF(file, "r"));
+    if (!file || file->Seek(0, 1) != 0 || !HasLittleEndianMark(file) || file->Seek(0, 1) != 0) return false;
+    STiffHandle handle(file, "r");
     STiffForm form;
     if (!handle.tiff || !images::ReadForm(handle.tiff, form)) {
         file->Seek(0, 1);
@@ -88,8 +90,8 @@ bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EData
 }
 
 HBITMAP LoadTIFF(IFile *file) {
-    if (!file) return nullptr;
-    STiffHandle handle(images::OpenTIFF(file, "r"));
+    if (!file || file->Seek(0, 1) != 0) return nullptr;
+    STiffHandle handle(file, "r");
     STiffForm form;
     if (!handle.tiff || !images::ReadForm(handle.tiff, form) || !FitsFile(form, 4, file)) return nullptr;
     HBITMAP bitmap = CreateBitmap(int32_t(form.width), int32_t(form.height), 24);
@@ -131,14 +133,15 @@ bool SaveTIFF(HBITMAP bitmap, IFile *file, CPropertyArray) {
         std::memcpy(out, rows.Row(rows.height - 1 - y), rowBytes);
         images::SwapRedBlue(out, rows.width);
     }
-    STiffHandle handle(images::OpenTIFF(file, "w"));
+    STiffHandle handle(file, "w");
     // TIFFClose flushes too but cannot report a failed write.
-    return handle.tiff && images::WriteFrame(handle.tiff, form, DT_Packed, top.data()) && TIFFFlush(handle.tiff) == 1;
+    return handle.tiff && images::WriteFrame(handle.tiff, form, DT_Packed, top.data()) &&
+           TIFFFlush(handle.tiff) == 1 && !handle.client.failed;
 }
 
 bool LoadTIFFRaw(IFile *file, void *buffer, unsigned long size) {
-    if (!file || !buffer) return false;
-    STiffHandle handle(images::OpenTIFF(file, "r"));
+    if (!file || !buffer || file->Seek(0, 1) != 0) return false;
+    STiffHandle handle(file, "r");
     STiffForm form;
     bool ok = handle.tiff && images::ReadForm(handle.tiff, form);
     EDataType type = ok ? images::TypeOfForm(form) : DT_Unknown;
@@ -154,11 +157,9 @@ bool SaveTIFFRaw(IFile *file, void const *pixels, unsigned long width, unsigned 
     if (!file || !pixels || width > UINT32_MAX || height > UINT32_MAX ||
         !images::FormOfType(type, uint32_t(width), uint32_t(height), form))
         return false;
-    TIFF *tiff = images::OpenTIFF(file, "w");
-    if (!tiff) return false;
-    bool ok = images::WriteFrame(tiff, form, type, pixels) && TIFFFlush(tiff) == 1;
-    TIFFClose(tiff);
-    return ok;
+    STiffHandle handle(file, "w");
+    return handle.tiff && images::WriteFrame(handle.tiff, form, type, pixels) && TIFFFlush(handle.tiff) == 1 &&
+           !handle.client.failed;
 }
 
 bool SaveTIFFRaw(IFileSystem *fs, char16_t const *path, void const *pixels, unsigned long width, unsigned long height,
@@ -181,7 +182,8 @@ bool CMultiPageTIFFFile::Create(IFile *f, unsigned long w, unsigned long h, EDat
     Close();
     STiffForm form;
     if (!f || w > UINT32_MAX || h > UINT32_MAX || !images::FormOfType(t, uint32_t(w), uint32_t(h), form)) return false;
-    tiff = images::OpenTIFF(f, "w");
+    client = images::STiffClient{f};
+    tiff = images::OpenTIFF(client, "w");
     if (!tiff) return false;
     file = f;
     owned = false;
@@ -202,11 +204,14 @@ bool CMultiPageTIFFFile::Create(IFileSystem *fs, CString const &path, unsigned l
     Close();
     STiffForm form;
     if (!images::FormOfType(t, uint32_t(w), uint32_t(h), form)) return false;
-    save = new (std::nothrow) CAtomicSave(OrDisk(fs), path);
-    if (!save) return false;
-    if (save->File() && Create(save->File(), w, h, t)) return true;
-    delete save;
-    save = nullptr;
+    CAtomicSave *newSave = new (std::nothrow) CAtomicSave(OrDisk(fs), path);
+    if (!newSave) return false;
+    // Create(IFile *) closes whatever was open, so the save joins after it.
+    if (newSave->File() && Create(newSave->File(), w, h, t)) {
+        save = newSave;
+        return true;
+    }
+    delete newSave;
     return false;
 }
 
@@ -217,7 +222,8 @@ bool CMultiPageTIFFFile::Create(CString const &path, unsigned long w, unsigned l
 bool CMultiPageTIFFFile::Open(IFile *f, bool own) {
     Close();
     if (!f) return false;
-    TIFF *t = images::OpenTIFF(f, "r");
+    client = images::STiffClient{f};
+    TIFF *t = images::OpenTIFF(client, "r");
     STiffForm form;
     EDataType formType = DT_Unknown;
     if (t && images::ReadForm(t, form)) formType = images::TypeOfForm(form);
@@ -298,6 +304,7 @@ bool CMultiPageTIFFFile::Close() {
         // Writing: the last page's directory goes out with the close.
         if (writing) ok = TIFFFlush(tiff) == 1 && ok;
         TIFFClose(tiff);
+        ok = ok && !(writing && client.failed);
     }
     if (owned && file) {
         file->Close();

@@ -34,6 +34,7 @@
 
 #include "qv/core/Export.h"
 #include "qv/core/String.h"
+#include "qv/images/TIFFClientState.h"
 #include "qv/numerics/TypedData.h"
 
 typedef struct tiff TIFF;
@@ -90,6 +91,7 @@ private:
     EDataType type = DT_Unknown;
     uint32_t images = 0;
     TIFF *tiff = nullptr;
+    images::STiffClient client;
     uint8_t *conversion = nullptr;
     size_t conversionSize = 0;
     uint16_t bitsPerSample = 0, samplesPerPixel = 0, photometric = 0, sampleFormat = 0;

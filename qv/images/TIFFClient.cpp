@@ -10,22 +10,26 @@
 namespace qv::images {
 namespace {
 
-IFile *FileOf(thandle_t handle) { return static_cast<IFile *>(handle); }
+STiffClient &ClientOf(thandle_t handle) { return *static_cast<STiffClient *>(handle); }
+IFile *FileOf(thandle_t handle) { return ClientOf(handle).file; }
 
 tmsize_t ReadProc(thandle_t h, void *buf, tmsize_t n) {
     return n < 0 || uint64_t(n) > UINT32_MAX ? -1 : tmsize_t(FileOf(h)->Read(buf, uint32_t(n)));
 }
 
 tmsize_t WriteProc(thandle_t h, void *buf, tmsize_t n) {
-    if (n < 0 || uint64_t(n) > UINT32_MAX) return -1;
-    uint32_t written = FileOf(h)->Write(buf, uint32_t(n));
-    return written == uint32_t(n) ? n : -1;
+    STiffClient &client = ClientOf(h);
+    if (client.failed || n < 0 || uint64_t(n) > UINT32_MAX) return -1;
+    client.failed = client.file->Write(buf, uint32_t(n)) != uint32_t(n);
+    return client.failed ? -1 : n;
 }
 
 toff_t SeekProc(thandle_t h, toff_t offset, int whence) {
+    STiffClient &client = ClientOf(h);
     uint32_t origin = whence == SEEK_CUR ? 2 : whence == SEEK_END ? 3 : 1;
-    int64_t position = FileOf(h)->Seek(int64_t(offset), origin);
-    return position < 0 ? toff_t(-1) : toff_t(position);
+    int64_t position = client.failed ? -1 : client.file->Seek(int64_t(offset), origin);
+    client.failed = position < 0;
+    return client.failed ? toff_t(-1) : toff_t(position);
 }
 
 int CloseProc(thandle_t) { return 0; }
@@ -42,17 +46,17 @@ int Quiet(TIFF *, void *, char const *, char const *, va_list) { return 1; }
 
 } // namespace
 
-TIFF *OpenTIFF(IFile *file, char const *mode) {
-    if (!file) return nullptr;
+TIFF *OpenTIFF(STiffClient &client, char const *mode) {
+    if (!client.file) return nullptr;
     char16_t wide[512] = {};
-    file->GetFilename(wide, 512);
+    client.file->GetFilename(wide, 512);
     CString name(wide);
     TIFFOpenOptions *options = TIFFOpenOptionsAlloc();
     if (!options) return nullptr;
     TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(kMaxBitmapBytes));
     TIFFOpenOptionsSetErrorHandlerExtR(options, Quiet, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options, Quiet, nullptr);
-    TIFF *tiff = TIFFClientOpenExt(name.ConvertToUTF8(), mode, file, ReadProc, WriteProc, SeekProc, CloseProc,
+    TIFF *tiff = TIFFClientOpenExt(name.ConvertToUTF8(), mode, &client, ReadProc, WriteProc, SeekProc, CloseProc,
                                    SizeProc, MapProc, UnmapProc, options);
     TIFFOpenOptionsFree(options);
     return tiff;

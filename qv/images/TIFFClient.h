@@ -2,21 +2,23 @@
 // messages kept off stderr, and its single allocations bounded by
 // kMaxBitmapBytes. The file stays the caller's: closing the handle leaves it
 // open. Null when libtiff refuses the file.
+//
+// libtiff does not check every seek it makes while writing, so a failed
+// write or seek is remembered in the client: from then on every write and
+// seek fails, and a writer asks Failed() before it reports success. The
+// client must outlive the handle.
 #pragma once
 
 #include <tiffio.h>
 
 #include <cstdint>
 
+#include "qv/images/TIFFClientState.h"
 #include "qv/numerics/TypedData.h"
-
-namespace qv {
-class IFile;
-}
 
 namespace qv::images {
 
-TIFF *OpenTIFF(IFile *file, char const *mode);
+TIFF *OpenTIFF(STiffClient &client, char const *mode);
 
 // The tags that tell a raw frame's pixel form.
 struct STiffForm {
