@@ -100,3 +100,9 @@
 #include "qv/calibration/RCalFile.h"
 #include "qv/calibration/CalFacades.h"
 #include "qv/calibration/FrameTemperatures.h"
+
+// Images: bitmaps, row operations, TIFF frames.
+#include "qv/images/Bitmap.h"
+#include "qv/images/RowOps.h"
+#include "qv/images/Images.h"
+#include "qv/images/TIFF.h"
