@@ -58,13 +58,13 @@ HBITMAP LoadBMP(IFile *file) {
 bool SaveBMP(HBITMAP bitmap, IFile *file, CPropertyArray) {
     images::SRows24 rows = images::FetchRows24(bitmap);
     if (rows.empty() || !file) return false;
-    uint32_t imageSize = uint32_t(rows.bytes.size());
+    uint32_t imageSize = uint32_t(rows.size());
     bool ok = file->Write("BM", 2) == 2 && file->PutUInt32(imageSize + kHeaderBytes) && file->PutUInt16(0) &&
               file->PutUInt16(0) && file->PutUInt32(kHeaderBytes) && file->PutUInt32(kInfoBytes) &&
               file->PutInt32(rows.width) && file->PutInt32(rows.height) && file->PutUInt16(1) &&
               file->PutUInt16(24) && file->PutUInt32(0) && file->PutUInt32(imageSize);
     for (int i = 0; ok && i < 4; ++i) ok = file->PutUInt32(0);
-    return ok && file->Write(rows.bytes.data(), imageSize) == imageSize;
+    return ok && file->Write(rows.base, imageSize) == imageSize;
 }
 
 } // namespace qv

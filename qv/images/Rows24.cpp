@@ -21,17 +21,11 @@ void PaletteRow(uint8_t *out, uint8_t const *in, int32_t width, int bitCount, st
 }
 
 void ConvertRow(uint8_t *out, uint8_t const *in, CBitmap const &bitmap) {
-    switch (bitmap.BitCount) {
-    case 24:
-        std::memcpy(out, in, size_t(bitmap.Width) * 3);
-        break;
-    case 32:
+    if (bitmap.BitCount == 32) {
         for (int32_t x = 0; x < bitmap.Width; ++x) std::memcpy(out + 3 * x, in + 4 * x, 3);
-        break;
-    default:
-        PaletteRow(out, in, bitmap.Width, bitmap.BitCount, bitmap.Palette);
-        break;
+        return;
     }
+    PaletteRow(out, in, bitmap.Width, bitmap.BitCount, bitmap.Palette);
 }
 
 bool Handled(int bitCount) {
@@ -46,11 +40,16 @@ SRows24 FetchRows24(HBITMAP bitmap) {
     rows.width = bitmap->Width;
     rows.height = bitmap->Height;
     rows.stride = BitmapStride(bitmap->Width, 24);
+    if (bitmap->BitCount == 24) {
+        rows.base = bitmap->Bits();
+        return rows;
+    }
     try {
-        rows.bytes.assign(size_t(rows.stride) * size_t(rows.height), 0);
+        rows.converted.assign(rows.size(), 0);
     } catch (std::bad_alloc const &) {
         return SRows24{};
     }
+    rows.base = rows.converted.data();
     for (int32_t y = 0; y < rows.height; ++y) ConvertRow(rows.Row(y), bitmap->Row(y), *bitmap);
     return rows;
 }

@@ -123,7 +123,7 @@ bool SaveTIFF(HBITMAP bitmap, IFile *file, CPropertyArray) {
     // Top row first, red before blue: the bitmap's rows turned over and swapped.
     std::vector<uint8_t> top;
     try {
-        top.resize(rows.bytes.size());
+        top.resize(rows.size());
     } catch (std::bad_alloc const &) {
         return false;
     }
@@ -227,6 +227,9 @@ bool CMultiPageTIFFFile::Open(IFile *f, bool own) {
     STiffForm form;
     EDataType formType = DT_Unknown;
     if (t && images::ReadForm(t, form)) formType = images::TypeOfForm(form);
+    // Packed pages are read through a block of 4 bytes a pixel: a header may
+    // not ask for more than the file could carry.
+    if (formType == DT_Packed && !FitsFile(form, 4, f)) formType = DT_Unknown;
     if (formType == DT_Unknown) {
         if (t) TIFFClose(t);
         return false;

@@ -1,5 +1,6 @@
 #include "qv/images/TIFFClient.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -41,6 +42,8 @@ toff_t SizeProc(thandle_t h) {
 
 int MapProc(thandle_t, void **, toff_t *) { return 0; }
 void UnmapProc(thandle_t, void *, toff_t) {}
+
+constexpr size_t kStripBytes = 256 * 1024;
 
 int Quiet(TIFF *, void *, char const *, char const *, va_list) { return 1; }
 
@@ -122,17 +125,31 @@ bool WriteFrame(TIFF *tiff, STiffForm const &form, EDataType type, void const *p
     // Rows step by their full size: a frame wider than 65535 bytes a row is
     // written whole rather than cut.
     size_t rowBytes = size_t(form.width) * PixelBytes(type);
+    // Strips of about 256 KiB: few calls on the file, each of a useful size.
+    uint32_t rowsPerStrip = uint32_t(std::max<size_t>(1, kStripBytes / std::max<size_t>(rowBytes, 1)));
+    ok = ok && TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, std::min(rowsPerStrip, form.height));
     auto *bytes = static_cast<uint8_t *>(const_cast<void *>(pixels));
     for (uint32_t y = 0; ok && y < form.height; ++y) ok = TIFFWriteScanline(tiff, bytes + y * rowBytes, y, 0) == 1;
     return ok;
 }
 
+// Strip by strip straight into the caller's rows: libtiff decodes into the
+// buffer without a copy of its own.
 bool ReadFrame(TIFF *tiff, STiffForm const &form, EDataType type, void *pixels) {
-    size_t rowBytes = size_t(form.width) * PixelBytes(type);
-    if (TIFFScanlineSize64(tiff) != rowBytes) return false;
+    uint64_t rowBytes = uint64_t(form.width) * PixelBytes(type);
+    uint32_t rowsPerStrip = 0;
+    if (TIFFIsTiled(tiff) || TIFFScanlineSize64(tiff) != rowBytes ||
+        !TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip) || rowsPerStrip == 0)
+        return false;
+    uint64_t strips = (uint64_t(form.height) + rowsPerStrip - 1) / rowsPerStrip;
+    if (TIFFNumberOfStrips(tiff) < strips) return false;
     auto *bytes = static_cast<uint8_t *>(pixels);
-    for (uint32_t y = 0; y < form.height; ++y)
-        if (TIFFReadScanline(tiff, bytes + y * rowBytes, y, 0) != 1) return false;
+    for (uint64_t strip = 0; strip < strips; ++strip) {
+        uint64_t first = strip * rowsPerStrip;
+        uint64_t rows = std::min<uint64_t>(rowsPerStrip, form.height - first);
+        tmsize_t size = tmsize_t(rows * rowBytes);
+        if (TIFFReadEncodedStrip(tiff, tstrip_t(strip), bytes + first * rowBytes, size) != size) return false;
+    }
     return true;
 }
 
