@@ -134,3 +134,8 @@
 #include "qv/config/Registry.h"
 #include "qv/config/RegStore.h"
 #include "qv/config/SqliteStore.h"
+// Images: bitmaps, row operations, TIFF frames.
+#include "qv/images/Bitmap.h"
+#include "qv/images/RowOps.h"
+#include "qv/images/Images.h"
+#include "qv/images/TIFF.h"

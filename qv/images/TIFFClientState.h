@@ -1,0 +1,17 @@
+// What the libtiff callbacks over an IFile keep: the file, and whether a
+// write or seek failed (see TIFFClient.h). No libtiff types here, so that
+// public headers can hold one.
+#pragma once
+
+namespace qv {
+class IFile;
+}
+
+namespace qv::images {
+
+struct STiffClient {
+    IFile *file = nullptr;
+    bool failed = false;
+};
+
+} // namespace qv::images

@@ -1,0 +1,53 @@
+// Saving by path under failing system calls: the old file stays whole or the
+// new one is complete, and every failure is reported.
+#include <gtest/gtest.h>
+
+#include "images/ImageTestSupport.h"
+#include "qv/filesystems/FileSystem.h"
+#include "qv/filesystems/IFileSystem.h"
+#include "qv/images/Images.h"
+#include "qv/images/TIFF.h"
+#include "support/FaultInjection.h"
+
+namespace qv {
+namespace {
+
+void SaveUnderFaults(char const *name, std::function<bool(CString const &)> const &save) {
+    test::ScratchDir dir;
+    std::string path = dir.Path(name);
+    test::Bytes before{'o', 'l', 'd'};
+    test::FaultBytes after;
+    qv::test::RunUnderFaults([&] { test::WriteDisk(path, before); }, [&] { return save(CString(path.c_str())); },
+                             [&](qv::test::FaultRun const &run) {
+                                 if (run.IsClean()) {
+                                     after = qv::test::FileBytes(path);
+                                     return;
+                                 }
+                                 // A failed close, or the directory's sync, comes after the new
+                                 // file is complete and in place (CAtomicSave): the bytes judge it.
+                                 if (run.fault != qv::test::Fault::kClose && !(run.fault == qv::test::Fault::kFsync && run.index == run.calls - 1))
+                                     qv::test::ExpectFailureReported(run);
+                                 qv::test::ExpectBeforeOrAfter(run, qv::test::FileBytes(path), before, after);
+                             });
+}
+
+TEST(ImageFaults, BitmapSavesByPathLoseNothing) {
+    test::Bitmap picture = test::Pattern(40, 30);
+    for (char const *name : {"p.png", "p.jpg", "p.bmp", "p.tif"}) {
+        SCOPED_TRACE(name);
+        SaveUnderFaults(name, [&](CString const &path) { return SaveHBITMAP(picture.get(), &GetFileSystem(), path); });
+    }
+}
+
+TEST(ImageFaults, TiffFramesByPathLoseNothing) {
+    std::vector<uint16_t> frame(64 * 48, 0x1234);
+    SaveUnderFaults("raw.tif", [&](CString const &path) { return SaveTIFFRaw(path, frame.data(), 64, 48, DT_UInt16); });
+    SaveUnderFaults("pages.tif", [&](CString const &path) {
+        CMultiPageTIFFFile file;
+        bool ok = file.Create(path, 64, 48, DT_UInt16) && file.WriteImage(frame.data()) && file.WriteImage(frame.data());
+        return file.Close() && ok;
+    });
+}
+
+} // namespace
+} // namespace qv
