@@ -1,19 +1,20 @@
-// CBitmap: qv's device-independent bitmap, what the image codecs load and
-// save. HBITMAP is a pointer to one.
-//
-// Layout, as the DIB files and callers expect it: BitCount bits a pixel
-// (24: blue, green, red; 32: blue, green, red, alpha), each row padded to a
-// multiple of 4 bytes (Stride), rows bottom-up: Row(0) is the lowest row of
-// the picture. Palette entries are 0x00RRGGBB and stay empty for 24 and 32
-// bits.
-//
-// Limits. CreateBitmap refuses sizes of zero or below, and pictures whose
-// pixel block would pass kMaxBitmapBytes, so a header that lies cannot ask
-// for an unbounded block.
-//
-// Ownership: CreateBitmap and the loaders give a new bitmap that the caller
-// frees with DeleteBitmap (null is allowed). Failure: null. Threads: one
-// bitmap belongs to one thread at a time.
+/// @file
+/// CBitmap: qv's device-independent bitmap, what the image codecs load and
+/// save. HBITMAP is a pointer to one.
+///
+/// Layout, as the DIB files and callers expect it: BitCount bits a pixel
+/// (24: blue, green, red; 32: blue, green, red, alpha), each row padded to a
+/// multiple of 4 bytes (Stride), rows bottom-up: Row(0) is the lowest row of
+/// the picture. Palette entries are 0x00RRGGBB and stay empty for 24 and 32
+/// bits.
+///
+/// Limits. CreateBitmap refuses sizes of zero or below, and pictures whose
+/// pixel block would pass kMaxBitmapBytes, so a header that lies cannot ask
+/// for an unbounded block.
+///
+/// Ownership: CreateBitmap and the loaders give a new bitmap that the caller
+/// frees with DeleteBitmap (null is allowed). Failure: null. Threads: one
+/// bitmap belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -26,12 +27,13 @@ namespace qv {
 
 inline constexpr uint64_t kMaxBitmapBytes = uint64_t(1) << 30;
 
+/// @copydoc Bitmap.h
 class QV_API CBitmap {
 public:
     int32_t Width = 0;
     int32_t Height = 0;
     int BitCount = 0;
-    uint32_t Stride = 0; // bytes a row, a multiple of 4
+    uint32_t Stride = 0; ///< bytes a row, a multiple of 4
     std::vector<uint32_t> Palette;
 
     uint8_t *Bits() { return bits; }
@@ -50,11 +52,13 @@ private:
 
 using HBITMAP = CBitmap *;
 
-// Bytes of a row of width pixels of bitCount bits, padded to 4; 0 when the
-// size is out of range.
+/// Bytes of a row of width pixels of bitCount bits, padded to 4; 0 when the
+/// size is out of range.
 QV_API uint32_t BitmapStride(int32_t width, int bitCount);
-// A zero-filled bitmap, or null (bad size, over the limit, no memory).
+/// A zero-filled bitmap, or null (bad size, over the limit, no memory).
+///@{
 QV_API HBITMAP CreateBitmap(int32_t width, int32_t height, int bitCount);
 QV_API void DeleteBitmap(HBITMAP bitmap);
+///@}
 
 } // namespace qv

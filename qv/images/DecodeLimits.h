@@ -1,17 +1,20 @@
-// How much picture a compressed file can honestly carry. The decoders refuse
-// a header that promises more, so a small hostile file cannot make them
-// allocate without bound (kMaxBitmapBytes holds besides).
+/// @file
+/// How much picture a compressed file can honestly carry. The decoders refuse
+/// a header that promises more, so a small hostile file cannot make them
+/// allocate without bound (kMaxBitmapBytes holds besides).
 #pragma once
 
 #include <cstdint>
 
 namespace qv::images {
 
-// Deflate (PNG, and TIFF with LZW or deflate) gives at most about 1032 bytes
-// for one; JPEG's entropy-coded
-// blocks several thousand pixels' bytes for a byte of a flat picture.
+/// Deflate (PNG, and TIFF with LZW or deflate) gives at most about 1032 bytes
+/// for one; JPEG's entropy-coded
+/// blocks several thousand pixels' bytes for a byte of a flat picture.
+///@{
 inline constexpr uint64_t kLosslessExpansion = 1100;
 inline constexpr uint64_t kJpegExpansion = 8192;
+///@}
 
 inline bool FileCanCarry(uint64_t width, uint64_t height, uint64_t bytesPerPixel, int64_t fileSize,
                          uint64_t expansion) {

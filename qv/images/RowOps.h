@@ -1,17 +1,18 @@
-// Row operations on raw pixel buffers of any pixel size: turning, mirroring,
-// and splitting a picture into its even and odd rows (interlace) and back.
-//
-// Arguments: width and height in pixels, pixelSize in bytes, stride in bytes
-// from one row to the next; a stride of -1 means width * pixelSize. The
-// out-of-place forms read src and write dst, which must not overlap; they
-// take a stride for each. Sizes of zero or below do nothing.
-//
-// The in-place interlace and deinterlace are one pass of row swaps (row i
-// with row (i & 1) * (height / 2) + (i >> 1)), which is not the exact
-// permutation of the out-of-place forms; callers rely on that result, so it
-// stays. The out-of-place forms do nothing for an odd height.
-//
-// Ownership: the caller's buffers. No failure. Threads: no shared state.
+/// @file
+/// Row operations on raw pixel buffers of any pixel size: turning, mirroring,
+/// and splitting a picture into its even and odd rows (interlace) and back.
+///
+/// Arguments: width and height in pixels, pixelSize in bytes, stride in bytes
+/// from one row to the next; a stride of -1 means width * pixelSize. The
+/// out-of-place forms read src and write dst, which must not overlap; they
+/// take a stride for each. Sizes of zero or below do nothing.
+///
+/// The in-place interlace and deinterlace are one pass of row swaps (row i
+/// with row (i & 1) * (height / 2) + (i >> 1)), which is not the exact
+/// permutation of the out-of-place forms; callers rely on that result, so it
+/// stays. The out-of-place forms do nothing for an odd height.
+///
+/// Ownership: the caller's buffers. No failure. Threads: no shared state.
 #pragma once
 
 #include "qv/core/Export.h"

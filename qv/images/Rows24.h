@@ -1,8 +1,9 @@
-// The savers' view of a bitmap: its rows as 24-bit blue, green, red, bottom-up
-// with the DIB stride, whatever its own bit count (alpha is dropped; a
-// palette picture goes through its palette). A 24-bit bitmap is viewed in
-// place, without a copy: the rows are then the bitmap's, to be read only.
-// Empty when the bitmap is null, of a bit count not handled, or memory runs out.
+/// @file
+/// The savers' view of a bitmap: its rows as 24-bit blue, green, red, bottom-up
+/// with the DIB stride, whatever its own bit count (alpha is dropped; a
+/// palette picture goes through its palette). A 24-bit bitmap is viewed in
+/// place, without a copy: the rows are then the bitmap's, to be read only.
+/// Empty when the bitmap is null, of a bit count not handled, or memory runs out.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +13,9 @@
 
 namespace qv::images {
 
+/// @copydoc Rows24.h
 struct SRows24 {
-    std::vector<uint8_t> converted; // the rows when the bitmap is not 24-bit
+    std::vector<uint8_t> converted; ///< the rows when the bitmap is not 24-bit
     uint8_t *base = nullptr;
     int32_t width = 0;
     int32_t height = 0;
@@ -26,7 +28,7 @@ struct SRows24 {
 
 SRows24 FetchRows24(HBITMAP bitmap);
 
-// Swaps the first and third byte of each of width 3-byte pixels.
+/// Swaps the first and third byte of each of width 3-byte pixels.
 void SwapRedBlue(uint8_t *row, int32_t width);
 
 } // namespace qv::images

@@ -1,33 +1,34 @@
-// TIFF: the library's profile for raw measurement frames (one or many to a
-// file) and for 24-bit colour bitmaps, through libtiff over IFile, so TIFF
-// works on every file system.
-//
-// The profile. A frame's pixel form is told by its tags:
-//   DT_UInt16  PHOTOMETRIC 1, BITSPERSAMPLE 16, SAMPLESPERPIXEL 1, SAMPLEFORMAT 1
-//   DT_UInt32  1, 32, 1, 1        DT_Float  1, 32, 1, 3      DT_Double  1, 64, 1, 3
-//   DT_Packed  2 (RGB), 8, 3, no SAMPLEFORMAT
-// (SAMPLESPERPIXEL and SAMPLEFORMAT count as 1 when absent). Frames are
-// written uncompressed, rows top first, with PLANARCONFIG 1, ORIENTATION 1
-// and SOFTWARE "Ostrivex"; readers take any compression libtiff reads.
-//
-// IsTIFF accepts little-endian files only ("II" then 42): files of the
-// library are little-endian, and callers rely on a big-endian file failing
-// the test. GetTIFFInfo gives DT_Packed for a form outside the table.
-// LoadTIFFRaw reads the first page when its form is in the table and size
-// is exactly bytes a pixel * width * height; otherwise false, buffer untouched.
-//
-// CMultiPageTIFFFile writes frames of one form one after another
-// (WriteImage), or opens a file and reads any page of the file's form
-// (ReadImage); a page of another form is refused. Create by path writes a
-// temporary file beside the target and puts it in place at Close (a failed
-// write leaves the old file whole). Packed pages read back as 3 bytes a
-// pixel, row after row.
-//
-// Failures: false or null; nothing is reported and libtiff's messages stay
-// off the console. Sizes are bounded by kMaxBitmapBytes and by what the file
-// can carry. Ownership: the IFile forms leave the file to the caller (Open's
-// own flag passes it); path forms open and close their own. Threads: one
-// object belongs to one thread at a time.
+/// @file
+/// TIFF: the library's profile for raw measurement frames (one or many to a
+/// file) and for 24-bit colour bitmaps, through libtiff over IFile, so TIFF
+/// works on every file system.
+///
+/// The profile. A frame's pixel form is told by its tags:
+///   DT_UInt16  PHOTOMETRIC 1, BITSPERSAMPLE 16, SAMPLESPERPIXEL 1, SAMPLEFORMAT 1
+///   DT_UInt32  1, 32, 1, 1        DT_Float  1, 32, 1, 3      DT_Double  1, 64, 1, 3
+///   DT_Packed  2 (RGB), 8, 3, no SAMPLEFORMAT
+/// (SAMPLESPERPIXEL and SAMPLEFORMAT count as 1 when absent). Frames are
+/// written uncompressed, rows top first, with PLANARCONFIG 1, ORIENTATION 1
+/// and SOFTWARE "Ostrivex"; readers take any compression libtiff reads.
+///
+/// IsTIFF accepts little-endian files only ("II" then 42): files of the
+/// library are little-endian, and callers rely on a big-endian file failing
+/// the test. GetTIFFInfo gives DT_Packed for a form outside the table.
+/// LoadTIFFRaw reads the first page when its form is in the table and size
+/// is exactly bytes a pixel * width * height; otherwise false, buffer untouched.
+///
+/// CMultiPageTIFFFile writes frames of one form one after another
+/// (WriteImage), or opens a file and reads any page of the file's form
+/// (ReadImage); a page of another form is refused. Create by path writes a
+/// temporary file beside the target and puts it in place at Close (a failed
+/// write leaves the old file whole). Packed pages read back as 3 bytes a
+/// pixel, row after row.
+///
+/// Failures: false or null; nothing is reported and libtiff's messages stay
+/// off the console. Sizes are bounded by kMaxBitmapBytes and by what the file
+/// can carry. Ownership: the IFile forms leave the file to the caller (Open's
+/// own flag passes it); path forms open and close their own. Threads: one
+/// object belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -55,6 +56,7 @@ QV_API bool SaveTIFFRaw(IFileSystem *fs, char16_t const *path, void const *pixel
 QV_API bool SaveTIFFRaw(char16_t const *path, void const *pixels, unsigned long width, unsigned long height,
                         EDataType type);
 
+/// @copydoc TIFF.h
 class QV_API CMultiPageTIFFFile {
 public:
     CMultiPageTIFFFile() = default;
@@ -70,7 +72,7 @@ public:
     bool Open(CString const &path);
     bool WriteImage(void const *pixels);
     bool ReadImage(unsigned long index, void *buffer);
-    // False when a write or, for a file created by path, the final rename failed.
+    /// False when a write or, for a file created by path, the final rename failed.
     bool Close();
 
     bool IsOpen() const { return tiff != nullptr; }

@@ -1,12 +1,13 @@
-// libtiff over an IFile: TIFFClientOpen with callbacks on the file, libtiff's
-// messages kept off stderr, and its single allocations bounded by
-// kMaxBitmapBytes. The file stays the caller's: closing the handle leaves it
-// open. Null when libtiff refuses the file.
-//
-// libtiff does not check every seek it makes while writing, so a failed
-// write or seek is remembered in the client: from then on every write and
-// seek fails, and a writer asks Failed() before it reports success. The
-// client must outlive the handle.
+/// @file
+/// libtiff over an IFile: TIFFClientOpen with callbacks on the file, libtiff's
+/// messages kept off stderr, and its single allocations bounded by
+/// kMaxBitmapBytes. The file stays the caller's: closing the handle leaves it
+/// open. Null when libtiff refuses the file.
+///
+/// libtiff does not check every seek it makes while writing, so a failed
+/// write or seek is remembered in the client: from then on every write and
+/// seek fails, and a writer asks Failed() before it reports success. The
+/// client must outlive the handle.
 #pragma once
 
 #include <tiffio.h>
@@ -20,7 +21,7 @@ namespace qv::images {
 
 TIFF *OpenTIFF(STiffClient &client, char const *mode);
 
-// The tags that tell a raw frame's pixel form.
+/// The tags that tell a raw frame's pixel form.
 struct STiffForm {
     uint32_t width = 0, height = 0;
     uint16_t bitsPerSample = 0, samplesPerPixel = 1, photometric = 0, sampleFormat = 1;
@@ -28,18 +29,18 @@ struct STiffForm {
     bool operator==(STiffForm const &) const = default;
 };
 
-// Reads the form of the present directory; false without width or height.
+/// Reads the form of the present directory; false without width or height.
 bool ReadForm(TIFF *tiff, STiffForm &form);
-// The library's pixel type for a form; DT_Unknown for a form not in its table.
+/// The library's pixel type for a form; DT_Unknown for a form not in its table.
 EDataType TypeOfForm(STiffForm const &form);
-// The form for a type of the table, with the size; false for other types.
+/// The form for a type of the table, with the size; false for other types.
 bool FormOfType(EDataType type, uint32_t width, uint32_t height, STiffForm &form);
-// Bytes a pixel of a form of the table.
+/// Bytes a pixel of a form of the table.
 uint32_t PixelBytes(EDataType type);
-// Writes the tags of a raw frame and its rows (top row first, rows of
-// width * PixelBytes bytes); false when libtiff fails.
+/// Writes the tags of a raw frame and its rows (top row first, rows of
+/// width * PixelBytes bytes); false when libtiff fails.
 bool WriteFrame(TIFF *tiff, STiffForm const &form, EDataType type, void const *pixels);
-// Reads the rows of the present directory's raw frame.
+/// Reads the rows of the present directory's raw frame.
 bool ReadFrame(TIFF *tiff, STiffForm const &form, EDataType type, void *pixels);
 
 } // namespace qv::images

@@ -1,6 +1,7 @@
-// What the libtiff callbacks over an IFile keep: the file, and whether a
-// write or seek failed (see TIFFClient.h). No libtiff types here, so that
-// public headers can hold one.
+/// @file
+/// What the libtiff callbacks over an IFile keep: the file, and whether a
+/// write or seek failed (see TIFFClient.h). No libtiff types here, so that
+/// public headers can hold one.
 #pragma once
 
 namespace qv {
@@ -9,6 +10,7 @@ class IFile;
 
 namespace qv::images {
 
+/// @copydoc TIFFClientState.h
 struct STiffClient {
     IFile *file = nullptr;
     bool failed = false;
