@@ -40,6 +40,7 @@ namespace qv {
 class CMethodId {
 public:
     CMethodId() = default;
+    /// The identity of a member-function pointer or a function pointer.
     template <class M>
     requires(std::is_member_function_pointer_v<M> ||
              (std::is_pointer_v<M> && std::is_function_v<std::remove_pointer_t<M>>)) CMethodId(M method) {
@@ -65,11 +66,11 @@ private:
 /// A void member function of any class, or a plain function, taking Args.
 template <class... Args> class TMethod {
 public:
-    using Function = void (*)(Args...);
+    using Function = void (*)(Args...); ///< a plain function taking Args
 
-    TMethod() = default;
-    template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {}
-    explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {}
+    TMethod() = default; ///< null: Call does nothing
+    template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {} ///< a member of T
+    explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {} ///< a plain function
 
     /// target must be a T * (as void *) of the class the method was made from;
     /// a plain function ignores it. A null TMethod does nothing.
@@ -100,7 +101,7 @@ private:
 class QV_API IInvokable {
 public:
     virtual ~IInvokable() = default;
-    virtual void Invoke() = 0;
+    virtual void Invoke() = 0; ///< makes the call
     /// True when this call was made for target and method.
     virtual bool UsesHandler(void *target, CMethodId const &method) const {
         (void)target;
@@ -112,7 +113,7 @@ public:
 /// The common body of invokable0 .. invokable3.
 template <class... Args> class TInvokable : public IInvokable {
 public:
-    using Function = void (*)(Args...);
+    using Function = void (*)(Args...); ///< a plain function taking Args
 
     /// A method of *target, the class deduced from the target pointer.
     ///@{
@@ -124,7 +125,7 @@ public:
     ///@{
     TInvokable(void *target, TMethod<Args...> method, Args... args)
         : target(target), method(method), function(method.PlainFunction()), arguments(args...) {}
-    explicit TInvokable(Function function, Args... args) : method(function), function(function), arguments(args...) {}
+    explicit TInvokable(Function function, Args... args) : method(function), function(function), arguments(args...) {} ///< a plain function
     ///@}
 
     /// A call with neither target nor function does nothing.
@@ -135,16 +136,17 @@ public:
         else if (function)
             std::apply(function, arguments);
     }
+    /// True when target and method are those given.
     bool UsesHandler(void *handlerTarget, CMethodId const &handlerMethod) const override {
         return target == handlerTarget && method.Id() == handlerMethod;
     }
     ///@}
 
 protected:
-    void *target = nullptr;
-    TMethod<Args...> method;
-    Function function = nullptr;
-    std::tuple<Args...> arguments;
+    void *target = nullptr;        ///< the object called; null for a plain function
+    TMethod<Args...> method;       ///< the method (or the function) to call
+    Function function = nullptr;   ///< the plain function, if that is what is called
+    std::tuple<Args...> arguments; ///< copies of the arguments, passed at Invoke
 };
 
 /// @copydoc Invokable.h
