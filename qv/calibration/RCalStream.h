@@ -63,8 +63,7 @@ public:
     bool Ok() const { return ok_; } ///< false once any write failed
 
     /// Each writes what the reader's function of that name reads (Bytes: n raw
-    /// bytes); nothing
-    /// after a failure.
+    /// bytes); nothing after a failure.
     ///@{
     void Bytes(void const *data, uint32_t n);
     void U16(uint16_t v);
