@@ -28,8 +28,8 @@ namespace qv {
 /// @copydoc Event.h
 class QV_API CEvent final : private IWaitable {
 public:
-    explicit CEvent(bool signalled = false, bool manualReset = false);
-    CEvent(CEvent const &other);
+    explicit CEvent(bool signalled = false, bool manualReset = false); ///< the initial state and the reset mode
+    CEvent(CEvent const &other); ///< a new unsignalled event with the same reset mode
     CEvent &operator=(CEvent const &) = delete;
     ~CEvent();
 

@@ -29,8 +29,8 @@ namespace qv {
 /// @copydoc MultiLock.h
 class QV_API CMultiLock {
 public:
-    explicit CMultiLock(int slots);
-    CMultiLock(CMultiLock const &other);
+    explicit CMultiLock(int slots);      ///< that many slots (below 0: none)
+    CMultiLock(CMultiLock const &other); ///< a new lock with as many slots, all free
     CMultiLock &operator=(CMultiLock const &) = delete;
     ~CMultiLock();
 

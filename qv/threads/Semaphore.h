@@ -27,8 +27,8 @@ class CEvent;
 /// @copydoc Semaphore.h
 class QV_API CSemaphore {
 public:
-    explicit CSemaphore(uint32_t count);
-    CSemaphore(CSemaphore const &other);
+    explicit CSemaphore(uint32_t count);   ///< count free units, which is also the maximum
+    CSemaphore(CSemaphore const &other);   ///< a new semaphore with the same maximum, all units free
     CSemaphore &operator=(CSemaphore const &) = delete;
     ~CSemaphore();
 
