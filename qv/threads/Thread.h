@@ -39,9 +39,13 @@ public:
     CThread &operator=(CThread const &) = delete;
     virtual ~CThread();
 
+    /// Starts a thread that runs Run, function(argument) or the invokable;
+    /// true when a thread started (see the file comment).
+    ///@{
     bool Create();
     bool Create(uint32_t (*function)(void *), void *argument);
     bool Create(IInvokable *invokable, bool autoDelete);
+    ///@}
 
     /// 0 without a thread.
     uint32_t getID() const;

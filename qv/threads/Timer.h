@@ -45,7 +45,7 @@ public:
     /// Fires OnTick while running.
     virtual void Tick();
 
-    event0 OnTick;
+    event0 OnTick; ///< fired by Tick
 
 private:
     static void Callback(uint32_t timerId);
