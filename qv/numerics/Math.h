@@ -40,9 +40,9 @@ public:
 
     // ---- Curves and fits (MathFunctions.cpp) ----
 
-    static double Sine(double radians);
-    static double Cosine(double radians);
-    static double AbsoluteValue(double x);
+    static double Sine(double radians);   ///< sin
+    static double Cosine(double radians); ///< cos
+    static double AbsoluteValue(double x); ///< |x|
     static double RoundUp(double x);   ///< ceiling
     static double RoundDown(double x); ///< floor
     /// Half away from zero: x + 0.5 (x >= 0) or x - 0.5 (x < 0), truncated to
