@@ -82,15 +82,14 @@ public:
     // ---- Whole object ----
 
     /// Empties the pages and additional responses, FileRevision 0; nothing else.
-    ///@{
     void Destroy();
+    /// Back to the defaults: no files, pages, responses or tags, top hat and
+    /// band pass 3..5 microns, LookupUpdates on, FileRevision 7.
     void DefaultCal();
-    ///@}
     /// Every field but LookupUpdates and PointsReordered; FileRevision ends 0.
-    ///@{
     void Copy(CRCalFile const &src);
-    bool RemoveAllExcept(int page); ///< false if out of range
-    ///@}
+    /// Keeps only that page (as page 0); false if out of range.
+    bool RemoveAllExcept(int page);
     /// out becomes a copy of this object holding only that page, as page 0.
     bool Extract(CRCalFile &out, int page);
     /// This object becomes a copy of b, c or d for which 1, 2, 3 (a otherwise),
@@ -222,9 +221,10 @@ public:
     bool GetLookup(int page, double *radiance, double *temperature);
     /// Rebuilds the lookup of a page (-1: all) and refits the temperature
     /// polynomial on it.
-    ///@{
     void UpdateCalPageLookup(int page);
-    bool GetTPFact(int page, double &factor, bool &set); ///< stored only
+    /// The page's factor and its "set" flag, stored and exchanged only.
+    ///@{
+    bool GetTPFact(int page, double &factor, bool &set);
     bool SetTPFact(int page, double factor, bool set);
     ///@}
 
@@ -232,10 +232,10 @@ public:
 
     /// Switches to the file; falls back to the top hat when it fails. True
     /// only if the file is in use afterwards.
-    ///@{
     bool SetSpectralResponseFile(char16_t const *path);
-    bool SetSpectralResponseTophat(double start, double end, double delta); ///< true
-    ///@}
+    /// Switches to a top hat of that band and step, generated, and recomputes
+    /// every page. Always true.
+    bool SetSpectralResponseTophat(double start, double end, double delta);
 
     // ---- Background: false for a page below 0 or above the count ----
 
@@ -247,14 +247,15 @@ public:
     bool SetBackgroundValue(int page, double value);
     ///@}
     bool GetBackgroundValueEx(int page, double &value); ///< the value for BG_Fixed, else 0
-    /// Replaces the image of that size or adds one; the values are copied.
-    ///@{
+    /// Replaces the image of that size or adds one; the width * height values
+    /// are copied.
     bool AddBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
-    bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values); ///< false if none
-    bool HasBackgroundFile(int page, uint32_t width, uint32_t height);
+    /// Copies the image of that size into values (width * height; missing
+    /// stored values read 0); false if none.
+    bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
+    bool HasBackgroundFile(int page, uint32_t width, uint32_t height);    ///< an image of that size exists
     bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); ///< true also if none
-    bool ClearBackgroundFiles(int page);
-    ///@}
+    bool ClearBackgroundFiles(int page);                                  ///< removes every image of the page
 
     /// ---- Files: the RCAL file (".cal") and the include file (".inc") ----
     /// Load reads an RCAL file of any revision (FileRevision tells which:
@@ -351,10 +352,8 @@ public:
     TArray<SNameValuePair> Tags; ///< the file-wide tags
     bool LookupUpdates; ///< pages rebuild their lookup when they change
     /// Fired with the page index when sorting changed the order of its points.
-    ///@{
     event1<int> PointsReordered;
-    int FileRevision; ///< 7 after DefaultCal
-    ///@}
+    int FileRevision; ///< the revision of the file loaded; 7 after DefaultCal
 
 private:
     friend class CAxis;
