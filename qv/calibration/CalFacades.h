@@ -98,14 +98,18 @@ public:
     CRange(CRCalFile &file, int page) : file_(&file), page_(page) {} ///< binds a page
     bool getAuto() const; ///< true for a bad page
     /// Setting true recomputes the range at once. Returns the argument.
-    ///@{
     bool setAuto(bool value);
+    /// The stored range; 0 for a bad page.
+    ///@{
     double getMinCounts() const;
     double getMaxCounts() const;
     double getMinRadiance() const;
     double getMaxRadiance() const;
     double getMinTemperature() const;
     double getMaxTemperature() const;
+    ///@}
+    /// Store only while automatic mode is off (see the class comment).
+    ///@{
     double setMinCounts(double value);
     double setMaxCounts(double value);
     double setMinRadiance(double value);
@@ -208,10 +212,8 @@ public:
     bool getExists() const; ///< the page index is within 0..count-1
     int getPolyOrder() const; ///< 0 for a bad page
     /// Clamped to count - 1, then to at least 1; refits only on a change.
-    ///@{
     void setPolyOrder(int order);
-    int getTempPolyOrder() const;
-    ///@}
+    int getTempPolyOrder() const; ///< 0 for a bad page
     /// Clamped to 1..6; refits only on a change.
     void setTempPolyOrder(int order);
     /// Point values in point order: all points, or the enabled ones only.
@@ -238,10 +240,8 @@ public:
     /// Binds any index; the page may not exist.
     CCalPage operator[](int page) const { return CCalPage(*file_, page); }
     /// Appends a default page and computes it; -1 when four pages exist.
-    ///@{
     int Add();
     bool Remove(int page); ///< false if out of range
-    ///@}
 
 private:
     CRCalFile *file_;
@@ -279,14 +279,13 @@ public:
     ESpectralResponseType getType() const;
     /// SRT_File loads the file, falling back to the top hat on failure; any
     /// other value switches to the top hat.
-    ///@{
     void setType(ESpectralResponseType type);
     char16_t const *getFile() const; ///< null when never set
-    ///@}
     /// Stores the path and loads it (status RS_NotLoaded first).
-    ///@{
     void setFile(char16_t const *path);
-    EResponseStatus getStatus() const;
+    EResponseStatus getStatus() const; ///< how reading the file went
+    /// The band pass computed from the response.
+    ///@{
     double getBandpassLow() const;
     double getBandpassHigh() const;
     ///@}
@@ -314,10 +313,8 @@ public:
     CModtranCurve PathRadiance; ///< the final path radiance (curve -3)
     char16_t const *getFile() const; ///< null when never set
     /// Stores the path and, with a curve enabled, loads it at once.
-    ///@{
     void setFile(char16_t const *path);
-    EResponseStatus getStatus() const;
-    ///@}
+    EResponseStatus getStatus() const; ///< how reading the table went
 
 private:
     CRCalFile *file_;
@@ -331,12 +328,11 @@ public:
     CCurve Curve; ///< the final curve of this response (curve -4 - index)
     bool getEnabled() const; ///< false for a bad index
     /// Stores and reads the table anew from its file.
-    ///@{
     void setEnabled(bool enabled);
     char16_t const *getFile() const; ///< the empty string for a bad index
+    /// Stores and reads the table anew from its file.
     void setFile(char16_t const *path);
     EResponseStatus getStatus() const; ///< RS_FileNotFound for a bad index
-    ///@}
 
 private:
     CRCalFile *file_;
@@ -350,10 +346,8 @@ public:
     int getCount() const; ///< number of additional responses
     CAdditionalResponse operator[](int index) const { return CAdditionalResponse(*file_, index); } ///< binds any index
     /// Reads the table; on failure returns the status and adds nothing.
-    ///@{
     EResponseStatus Add(char16_t const *path, bool enabled);
     bool Remove(int index); ///< false for a bad index
-    ///@}
 
 private:
     CRCalFile *file_;
