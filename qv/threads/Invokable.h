@@ -49,15 +49,13 @@ public:
     }
 
     /// The pointer back, as the type it was made from.
-    ///@{
     template <class M> M As() const {
         M method;
         std::memcpy(&method, bytes, sizeof(M));
         return method;
     }
-    bool IsNull() const { return *this == CMethodId(); }
-    bool operator==(CMethodId const &other) const { return std::memcmp(bytes, other.bytes, sizeof(bytes)) == 0; }
-    ///@}
+    bool IsNull() const { return *this == CMethodId(); } ///< equal to a default-made id
+    bool operator==(CMethodId const &other) const { return std::memcmp(bytes, other.bytes, sizeof(bytes)) == 0; } ///< the same bytes
 
 private:
     alignas(void *) unsigned char bytes[2 * sizeof(void *)] = {};
@@ -72,19 +70,16 @@ public:
     template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {} ///< a member of T
     explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {} ///< a plain function
 
+    /// Calls the method on target, or the plain function, with args.
     /// target must be a T * (as void *) of the class the method was made from;
     /// a plain function ignores it. A null TMethod does nothing.
-    ///@{
     void Call(void *target, Args... args) const {
         if (call) call(target, id, args...);
     }
-    CMethodId const &Id() const { return id; }
-    ///@}
+    CMethodId const &Id() const { return id; } ///< the identity of the method or function
     /// The plain function this was made from, or null.
-    ///@{
     Function PlainFunction() const { return plain ? id.As<Function>() : nullptr; }
-    explicit operator bool() const { return call != nullptr; }
-    ///@}
+    explicit operator bool() const { return call != nullptr; } ///< false for a null TMethod
 
 private:
     template <class T> static void CallMember(void *target, CMethodId const &id, Args... args) {
