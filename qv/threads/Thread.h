@@ -50,9 +50,10 @@ public:
     /// 0 without a thread.
     uint32_t getID() const;
     /// Null without a thread.
-    ///@{
     void *getHandle() const;
-    bool getRunning() const;
+    bool getRunning() const; ///< a thread was started and has not ended
+    /// Wait for the thread to end; true once it has (see the file comment).
+    ///@{
     bool Join(bool pumpMessages);
     bool JoinWithTimeout(uint32_t timeout);
     ///@}
