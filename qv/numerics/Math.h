@@ -54,13 +54,13 @@ public:
     ///@{
     static double RadiansToDegrees(double radians);
     static double DegreesToRadians(double degrees);
+    ///@}
     static double CelsiusToFahrenheit(double c); ///< c * 1.8 + 32.0
     static double FahrenheitToCelsius(double f); ///< (f - 32.0) * 0.5555555555555556
     static double CelsiusToKelvin(double c);     ///< c + 273.15
     static double KelvinToCelsius(double k);     ///< k - 273.15
     static double KelvinToFahrenheit(double k);  ///< k * 1.8 - 459.67
     static double FahrenheitToKelvin(double f);  ///< (f - 32.0) * 0.5555555555555556 + 273.15
-    ///@}
 };
 
 } // namespace qv
