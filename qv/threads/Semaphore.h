@@ -32,11 +32,11 @@ public:
     CSemaphore &operator=(CSemaphore const &) = delete;
     ~CSemaphore();
 
-    /// Timeout in milliseconds, 0xFFFFFFFF without limit.
-    ///@{
+    /// Takes count permits, waiting in turn; timeout in milliseconds,
+    /// 0xFFFFFFFF without limit. False at the time limit.
     bool Acquire(uint32_t count, uint32_t timeout);
+    /// Gives count permits back; false, changing nothing, beyond the maximum.
     bool Release(uint32_t count);
-    ///@}
 
 private:
     struct SEventEntry {
