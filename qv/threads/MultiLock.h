@@ -37,7 +37,8 @@ public:
     /// Takes one permit (none if the thread is in already). With wait false,
     /// true only when a permit was free at once.
     bool Enter(bool wait);
-    /// Takes every permit; EnterExclusive(false) answers the other way round
+    /// Takes every permit (the remaining ones for a thread already in);
+    /// EnterExclusive(false) answers the other way round
     /// (see the file comment).
     bool EnterExclusive(bool wait);
     /// Undo one Enter or EnterExclusive; nothing without an entry.
