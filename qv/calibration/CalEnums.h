@@ -5,11 +5,13 @@
 
 namespace qv {
 
+/// Where the spectral response comes from.
 enum ESpectralResponseType : int {
     SRT_Tophat = 0, ///< the response is a generated top hat
     SRT_File = 1,   ///< the response was read from an XY file
 };
 
+/// The outcome of reading a response or atmosphere table.
 enum EResponseStatus : int {
     RS_OK = 0,           ///< the curve is loaded and usable
     RS_NotLoaded = 1,    ///< nothing loaded yet
@@ -18,12 +20,14 @@ enum EResponseStatus : int {
     RS_TooFewPoints = 7, ///< fewer than 2 rows were read
 };
 
+/// What reflected radiance a calibration point carries.
 enum EReflectedRadianceType : int {
     RRT_None = 0,        ///< the point has no reflected term
     RRT_Radiance = 1,    ///< the reflected radiance is given directly
     RRT_Temperature = 2, ///< it comes from a reflected temperature and emissivity
 };
 
+/// The background correction of a page.
 enum BACKGROUND_TYPE : int {
     BG_Unset = 0, ///< a page's default; treated as no background
     BG_None = 1,

@@ -9,7 +9,7 @@
 
 namespace qv::calibration_detail {
 
-constexpr double kMaxLookupEntries = 1 << 20;
+constexpr double kMaxLookupEntries = 1 << 20; ///< a lookup axis longer than this is refused (left empty)
 constexpr double kMaxAxisPoints = 1 << 22; ///< wavelength axes
 
 /// Whether the step form of XAxis would make more than limit points. A step

@@ -49,8 +49,11 @@ class QV_API CFrameTemperatures {
 public:
     CFrameTemperatures();
     ~CFrameTemperatures();
+    /// Takes over other's page and table; other is left as newly made.
+    ///@{
     CFrameTemperatures(CFrameTemperatures &&other) noexcept;
     CFrameTemperatures &operator=(CFrameTemperatures &&other) noexcept;
+    ///@}
     CFrameTemperatures(CFrameTemperatures const &) = delete;
     CFrameTemperatures &operator=(CFrameTemperatures const &) = delete;
 

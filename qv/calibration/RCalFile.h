@@ -53,34 +53,43 @@ class IFileSystem;
 /// @copydoc RCalFile.h
 class QV_API CRCalFile {
 public:
+    /// Short names for the stored records of CalRecords.h.
+    ///@{
     using CAL_POINT = calibration_records::CAL_POINT;
     using CAL_PAGE = calibration_records::CAL_PAGE;
     using BACKGROUND_FILE = calibration_records::BACKGROUND_FILE;
     using SResponse = calibration_records::SResponse;
     using RESPONCE = calibration_records::RESPONCE;
+    ///@}
 
     CRCalFile(); ///< the defaults of DefaultCal
+    /// Copy as Copy does: PointsReordered handlers and LookupUpdates are not copied.
+    ///@{
     CRCalFile(CRCalFile const &other);
     CRCalFile &operator=(CRCalFile const &other);
-    ~CRCalFile();
+    ///@}
+    ~CRCalFile(); ///< frees what the object owns
 
+    /// Façades over the data below (CalFacades.h); they hold a pointer back to
+    /// this object and are not copied with it.
+    ///@{
     CCalPages Pages;
     CSpectralResponse SpectralResponse;
     CModtran Modtran;
     CAdditionalResponses AdditionalResponses;
+    ///@}
 
     // ---- Whole object ----
 
     /// Empties the pages and additional responses, FileRevision 0; nothing else.
-    ///@{
     void Destroy();
+    /// Back to the defaults: no files, pages, responses or tags, top hat and
+    /// band pass 3..5 microns, LookupUpdates on, FileRevision 7.
     void DefaultCal();
-    ///@}
     /// Every field but LookupUpdates and PointsReordered; FileRevision ends 0.
-    ///@{
     void Copy(CRCalFile const &src);
-    bool RemoveAllExcept(int page); ///< false if out of range
-    ///@}
+    /// Keeps only that page (as page 0); false if out of range.
+    bool RemoveAllExcept(int page);
     /// out becomes a copy of this object holding only that page, as page 0.
     bool Extract(CRCalFile &out, int page);
     /// This object becomes a copy of b, c or d for which 1, 2, 3 (a otherwise),
@@ -95,18 +104,27 @@ public:
     // ---- Scalars ----
 
     void GetBandpass(double &lo, double &hi); ///< the used pair when overridden
-    void GetCalcBandpass(double &lo, double &hi);
-    void GetUsedBandpass(double &lo, double &hi);
-    void SetUsedBandpass(double lo, double hi, bool overridden);
-    void GetBandpassOverridden(bool &overridden);
+    void GetCalcBandpass(double &lo, double &hi); ///< the pair computed from the response
+    void GetUsedBandpass(double &lo, double &hi); ///< the override pair, whether in force or not
+    void SetUsedBandpass(double lo, double hi, bool overridden); ///< stores the override pair and its flag
+    void GetBandpassOverridden(bool &overridden); ///< whether the used pair is in force
     bool EqualBandpass(double lo, double hi); ///< both strictly within 1e-8 of the computed pair
+    /// Slant range and field of view (h, v) with their "set" flags, stored as
+    /// given; the object computes nothing from them.
+    ///@{
     void GetRange(double &range, bool &set);
     void SetRange(double range, bool set);
     void GetFOV(double &h, double &v, bool &set);
     void SetFOV(double h, double v, bool set);
+    ///@}
 
     // ---- Tags: names compare ignoring case; page -1 is the file-wide list ----
 
+    /// The forms without a page work on the file-wide list; those with a page
+    /// accept -1 or 0..count-1 (they never grow the list) and are false for any
+    /// other page. GetTags copies the list out; GetTag, RemoveTag are false
+    /// when the name is absent.
+    ///@{
     bool GetTags(TArray<SNameValuePair> &tags);
     bool GetTags(int page, TArray<SNameValuePair> &tags);
     bool GetTag(CString name, CString &value);
@@ -117,6 +135,7 @@ public:
     bool RemoveTag(int page, CString name);
     bool ClearTags();
     bool ClearTags(int page);
+    ///@}
     /// Whether a name is one the include file writes itself (band pass, field
     /// of view, per-page fit and background tags). SetTag does not ask;
     /// applications do before they offer a name. False for null.
@@ -149,6 +168,11 @@ public:
     // GetNumCoeffsForOrder(order) values.
 
     bool GetPolyOrder(int page, int &order); ///< the override when set
+    /// Counts-to-radiance polynomial. Without prefix: the one in force (the
+    /// override when set); Calc: the fitted one; Used: the override, stored
+    /// even while not in force; Overridden: whether it is in force. The order
+    /// and TArray forms return the order and its GetNumCoeffsForOrder values.
+    ///@{
     bool GetCoefficients(int page, double *values);
     bool GetCoefficients(int page, TArray<double> &values);
     bool GetCalcPolyOrder(int page, int &order);
@@ -159,6 +183,7 @@ public:
     bool GetUsedCoefficients(int page, TArray<double> &values);
     bool GetUsedCoefficients(int page, int &order, TArray<double> &values);
     bool GetCoeffsOverridden(int page, bool &overridden);
+    ///@}
     /// Stores flag, order and GetNumCoeffsForOrder(order) values; no refit.
     bool SetUsedCoefficients(int page, int order, double *values, bool overridden);
     /// order equals PolyOrder and every fitted value within 1e-8 (inclusive).
@@ -170,6 +195,9 @@ public:
     bool GetReverseCoefficients(int page, double *values); ///< PolyOrder + 1 values
     ///@}
 
+    /// Radiance-to-temperature polynomial: as the counts-to-radiance family
+    /// above (same prefixes, same page rule, same override and equality rules).
+    ///@{
     bool GetTempPolyOrder(int page, int &order);
     bool GetTempCoefficients(int page, double *values);
     bool GetTempCoefficients(int page, TArray<double> &values);
@@ -183,16 +211,20 @@ public:
     bool GetTempCoeffsOverridden(int page, bool &overridden);
     bool SetUsedTempCoefficients(int page, int order, double *values, bool overridden);
     bool EqualTempCoefficients(int page, int order, double *values);
+    ///@}
 
     // ---- Lookup ----
 
     int GetLookupSize(int page); ///< -1 when page is above the count
+    /// Copies the page's lookup into the caller's buffers of GetLookupSize
+    /// values; a null buffer is skipped. False for a page above the count.
     bool GetLookup(int page, double *radiance, double *temperature);
     /// Rebuilds the lookup of a page (-1: all) and refits the temperature
     /// polynomial on it.
-    ///@{
     void UpdateCalPageLookup(int page);
-    bool GetTPFact(int page, double &factor, bool &set); ///< stored only
+    /// The page's factor and its "set" flag, stored and exchanged only.
+    ///@{
+    bool GetTPFact(int page, double &factor, bool &set);
     bool SetTPFact(int page, double factor, bool set);
     ///@}
 
@@ -200,26 +232,30 @@ public:
 
     /// Switches to the file; falls back to the top hat when it fails. True
     /// only if the file is in use afterwards.
-    ///@{
     bool SetSpectralResponseFile(char16_t const *path);
-    bool SetSpectralResponseTophat(double start, double end, double delta); ///< true
-    ///@}
+    /// Switches to a top hat of that band and step, generated, and recomputes
+    /// every page. Always true.
+    bool SetSpectralResponseTophat(double start, double end, double delta);
 
     // ---- Background: false for a page below 0 or above the count ----
 
+    /// The page's background kind and fixed value, stored as given.
+    ///@{
     bool GetBackgroundType(int page, BACKGROUND_TYPE &type);
     bool SetBackgroundType(int page, BACKGROUND_TYPE type);
     bool GetBackgroundValue(int page, double &value);
     bool SetBackgroundValue(int page, double value);
-    bool GetBackgroundValueEx(int page, double &value); ///< the value for BG_Fixed, else 0
-    /// Replaces the image of that size or adds one; the values are copied.
-    ///@{
-    bool AddBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
-    bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values); ///< false if none
-    bool HasBackgroundFile(int page, uint32_t width, uint32_t height);
-    bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); ///< true also if none
-    bool ClearBackgroundFiles(int page);
     ///@}
+    bool GetBackgroundValueEx(int page, double &value); ///< the value for BG_Fixed, else 0
+    /// Replaces the image of that size or adds one; the width * height values
+    /// are copied.
+    bool AddBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
+    /// Copies the image of that size into values (width * height; missing
+    /// stored values read 0); false if none.
+    bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
+    bool HasBackgroundFile(int page, uint32_t width, uint32_t height);    ///< an image of that size exists
+    bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); ///< true also if none
+    bool ClearBackgroundFiles(int page);                                  ///< removes every image of the page
 
     /// ---- Files: the RCAL file (".cal") and the include file (".inc") ----
     /// Load reads an RCAL file of any revision (FileRevision tells which:
@@ -276,35 +312,48 @@ public:
 
     // ---- Data, public as the stored format and its callers have them ----
 
-    CString ResponseFile;
-    bool UseResponseFile;
+    CString ResponseFile; ///< path of the response table
+    bool UseResponseFile; ///< the response comes from ResponseFile, else the top hat
     SResponse RawResponse;   ///< as read or generated, Y scaled to 1
     SResponse FinalResponse; ///< on the final axis, which all curves share
-    EResponseStatus ResponseStatus;
-    CString ModtranFile;
-    bool TransmissionEnabled;
-    bool PathRadianceEnabled;
+    EResponseStatus ResponseStatus; ///< how reading ResponseFile went
+    CString ModtranFile; ///< path of the MODTRAN table
+    bool TransmissionEnabled; ///< the atmosphere's transmission is applied
+    bool PathRadianceEnabled; ///< the atmosphere's path radiance is added
+    /// Atmosphere curves, as read and on the final axis.
+    ///@{
     SResponse RawTransmission, FinalTransmission;
     SResponse RawPathRadiance, FinalPathRadiance;
-    EResponseStatus ModtranStatus;
-    bool UseTophat;
+    ///@}
+    EResponseStatus ModtranStatus; ///< how reading ModtranFile went
+    bool UseTophat; ///< the top hat response is in use
+    /// Top hat band and step, in micrometres.
+    ///@{
     double TophatStart, TophatEnd, TophatDelta;
+    ///@}
+    /// Band pass computed from the response.
+    ///@{
     double BandpassLow, BandpassHigh;
-    bool BandpassOverridden;
+    ///@}
+    bool BandpassOverridden; ///< the used pair is in force
+    /// Band pass override.
+    ///@{
     double UsedBandpassLow, UsedBandpassHigh;
+    ///@}
     double Range; ///< slant range
-    bool RangeSet;
+    bool RangeSet; ///< Range holds a value
+    /// Field of view, vertical and horizontal.
+    ///@{
     double VFOV, HFOV;
-    bool FOVSet;
-    TArray<RESPONCE> AdditionalResponse;
-    TArray<CAL_PAGE> CalPages;
-    TArray<SNameValuePair> Tags;
+    ///@}
+    bool FOVSet; ///< VFOV and HFOV hold values
+    TArray<RESPONCE> AdditionalResponse; ///< the additional responses (filters), in order
+    TArray<CAL_PAGE> CalPages; ///< the calibration pages
+    TArray<SNameValuePair> Tags; ///< the file-wide tags
     bool LookupUpdates; ///< pages rebuild their lookup when they change
     /// Fired with the page index when sorting changed the order of its points.
-    ///@{
     event1<int> PointsReordered;
-    int FileRevision; ///< 7 after DefaultCal
-    ///@}
+    int FileRevision; ///< the revision of the file loaded; 7 after DefaultCal
 
 private:
     friend class CAxis;

@@ -9,6 +9,8 @@
 
 namespace qv::calibration_detail {
 
+/// The sections of an RCAL file, in file order; a file's revision is the
+/// last section it holds.
 enum ERCalSection : int {
     kRCalBase = 0,
     kRCalReflected = 1, ///< reflected terms of the enabled points
@@ -20,9 +22,9 @@ enum ERCalSection : int {
     kRCalRanges = 7,
 };
 
-constexpr int kRCalCurrentRevision = kRCalRanges;
-constexpr char kRCalMagic[9] = "____RCAL";
-constexpr uint32_t kRCalMarkValue = 7;
+constexpr int kRCalCurrentRevision = kRCalRanges; ///< the revision Save writes
+constexpr char kRCalMagic[9] = "____RCAL"; ///< the 8 bytes a file starts with; Load checks only the last 4
+constexpr uint32_t kRCalMarkValue = 7; ///< the value of the kRCalMark section
 
 /// The fewest bytes one item of a counted list takes, so that a count can be
 /// checked against the bytes left before anything is allocated for it.

@@ -41,17 +41,17 @@ QV_API double PolyValue(double x, TArray<double> &c);
 
 // ---- Curve generators: y is cleared, then y[i] = f(x[i]) ----
 
-QV_API void PolyCurve(TArray<double> &x, TArray<double> &y, TArray<double> &c);
-QV_API void ExpCurve(TArray<double> &x, TArray<double> &y, double a, double b);
-QV_API void LogCurve(TArray<double> &x, TArray<double> &y, double a, double b);
-QV_API void PowCurve(TArray<double> &x, TArray<double> &y, double a, double b);
+QV_API void PolyCurve(TArray<double> &x, TArray<double> &y, TArray<double> &c); ///< PolyValue
+QV_API void ExpCurve(TArray<double> &x, TArray<double> &y, double a, double b); ///< ExpValue
+QV_API void LogCurve(TArray<double> &x, TArray<double> &y, double a, double b); ///< LogValue
+QV_API void PowCurve(TArray<double> &x, TArray<double> &y, double a, double b); ///< PowValue
 /// y gets as many entries as x, each 1.0.
 QV_API void Tophat(TArray<double> &x, TArray<double> &y);
 
 // ---- Whole-array operations ----
 
-QV_API void CopyAxis(TArray<double> &dst, TArray<double> &src);
-QV_API void Reverse(TArray<double> &a);
+QV_API void CopyAxis(TArray<double> &dst, TArray<double> &src); ///< dst becomes a copy of src
+QV_API void Reverse(TArray<double> &a); ///< reverses the order of the values
 QV_API void Reverse(TArray<double> &a, TArray<double> &b); ///< each over its own count
 /// Divides every value by the greatest one unless that is within 1e-8 of 1.0.
 /// Nothing for an empty array. Meant for a positive maximum; a zero or

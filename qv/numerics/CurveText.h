@@ -29,7 +29,7 @@ std::unique_ptr<IFile> OpenCurveFile(IFileSystem *fs, char16_t const *path);
 /// its own growth rate back afterwards.
 class CBulkGrowth {
 public:
-    explicit CBulkGrowth(TArray<double> &array) : array_(array), rate_(array.SetGrowthRate(4096)) {}
+    explicit CBulkGrowth(TArray<double> &array) : array_(array), rate_(array.SetGrowthRate(4096)) {} ///< growth rate 4096 until destruction
     ~CBulkGrowth() { array_.SetGrowthRate(rate_); }
     CBulkGrowth(CBulkGrowth const &) = delete;
     CBulkGrowth &operator=(CBulkGrowth const &) = delete;

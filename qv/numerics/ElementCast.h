@@ -34,10 +34,14 @@ using qv::TruncateToInt64;
 /// form) makes them. All three are 0 when x is NaN or outside (-2^63, 2^63):
 /// x is masked to zero first, with integer arithmetic on its bits.
 struct STruncatedParts {
+    /// The three parts, high first.
+    ///@{
     int32_t high, middle, low;
+    ///@}
     uint64_t valid; ///< all ones when x was in range
 };
 
+/// The parts of trunc(x), without branches.
 constexpr STruncatedParts SplitTruncated(double x) {
     constexpr uint64_t twoTo63Bits = std::bit_cast<uint64_t>(0x1p63);
     uint64_t bits = std::bit_cast<uint64_t>(x);
@@ -51,6 +55,8 @@ constexpr STruncatedParts SplitTruncated(double x) {
     return {high, middle, low, valid};
 }
 
+/// TruncateToInt64 without branches: the parts summed, INT64_MIN when x was
+/// out of range.
 constexpr int64_t TruncateToInt64Branchless(double x) {
     STruncatedParts p = SplitTruncated(x);
     uint64_t sum = (uint64_t(int64_t(p.high)) << 32) + (uint64_t(int64_t(p.middle)) << 16) + uint64_t(int64_t(p.low));
@@ -64,8 +70,9 @@ constexpr uint32_t TruncateToLow32Branchless(double x) {
     return (uint32_t(p.middle) << 16) + uint32_t(p.low);
 }
 
-template <class T> constexpr bool kIsFloat = std::is_floating_point_v<T>;
+template <class T> constexpr bool kIsFloat = std::is_floating_point_v<T>; ///< T is a floating-point type
 
+/// v converted to To by the rule of the file comment.
 template <class To, class From> constexpr To ElementCast(From v) {
     if constexpr (kIsFloat<From> && !kIsFloat<To> && sizeof(To) <= 4)
         return static_cast<To>(TruncateToLow32Branchless(static_cast<double>(v)));

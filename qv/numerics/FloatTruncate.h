@@ -24,6 +24,6 @@ using Low32Kernel = void (*)(int32_t *out, void const *in, size_t n);
 using Int64Kernel = void (*)(int64_t *out, void const *in, size_t n);
 
 template <class S> Low32Kernel PickLow32Kernel(); ///< S is float or double
-template <class S> Int64Kernel PickInt64Kernel();
+template <class S> Int64Kernel PickInt64Kernel(); ///< S is float or double
 
 } // namespace qv::numerics_detail

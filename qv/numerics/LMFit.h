@@ -22,8 +22,8 @@
 
 namespace qv {
 
-using LMModel = double (*)(double x, double *params, int count);
-using LMModel2 = double (*)(double x1, double x2, double *params, int count);
+using LMModel = double (*)(double x, double *params, int count); ///< a model y(x) of count parameters
+using LMModel2 = double (*)(double x1, double x2, double *params, int count); ///< a model y(x1, x2) of count parameters
 
 /// True if the minimiser reports success (info 1, 2 or 3).
 QV_API bool lmfit(TArray<double> &x, TArray<double> &y, TArray<double> &p, TArray<bool> mask, LMModel f, int maxCalls);

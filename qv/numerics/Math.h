@@ -40,9 +40,9 @@ public:
 
     // ---- Curves and fits (MathFunctions.cpp) ----
 
-    static double Sine(double radians);
-    static double Cosine(double radians);
-    static double AbsoluteValue(double x);
+    static double Sine(double radians);   ///< sin
+    static double Cosine(double radians); ///< cos
+    static double AbsoluteValue(double x); ///< |x|
     static double RoundUp(double x);   ///< ceiling
     static double RoundDown(double x); ///< floor
     /// Half away from zero: x + 0.5 (x >= 0) or x - 0.5 (x < 0), truncated to
@@ -54,13 +54,13 @@ public:
     ///@{
     static double RadiansToDegrees(double radians);
     static double DegreesToRadians(double degrees);
+    ///@}
     static double CelsiusToFahrenheit(double c); ///< c * 1.8 + 32.0
     static double FahrenheitToCelsius(double f); ///< (f - 32.0) * 0.5555555555555556
     static double CelsiusToKelvin(double c);     ///< c + 273.15
     static double KelvinToCelsius(double k);     ///< k - 273.15
     static double KelvinToFahrenheit(double k);  ///< k * 1.8 - 459.67
     static double FahrenheitToKelvin(double f);  ///< (f - 32.0) * 0.5555555555555556 + 273.15
-    ///@}
 };
 
 } // namespace qv

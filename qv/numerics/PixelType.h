@@ -21,10 +21,10 @@ namespace qv {
 
 /// One row of the registry.
 struct SPixelTypeInfo {
-    uint32_t Code;
-    CString Name;
+    uint32_t Code; ///< the four-character code (PixelCode)
+    CString Name;  ///< a readable name, e.g. "YUV (YUY2)"
     uint8_t Width; ///< bytes a pixel
-    EDataType Type;
+    EDataType Type; ///< element type; DT_Packed for a pixel of several values
 };
 
 /// The code of a four-character text, e.g. PixelCode("YUY2").

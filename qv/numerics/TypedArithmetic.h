@@ -13,12 +13,17 @@ namespace qv::numerics_detail {
 /// unsigned beside a narrower or equal signed integer, and so on.
 template <class A, class B> using TCommon = decltype(A() + B());
 
+/// The unsigned type of an integer T (T itself for floating point), in which
+/// sums and differences wrap without undefined behaviour.
 template <class T>
 using TWrapped = typename std::conditional_t<std::is_integral_v<T>, std::make_unsigned<T>, std::type_identity<T>>::type;
 
+/// x + y and x - y, wrapping at T's width for integers.
+///@{
 template <class T> inline T WrapAdd(T x, T y) { return static_cast<T>(TWrapped<T>(x) + TWrapped<T>(y)); }
 
 template <class T> inline T WrapSubtract(T x, T y) { return static_cast<T>(TWrapped<T>(x) - TWrapped<T>(y)); }
+///@}
 
 /// |x|; the most negative integer stays itself, an unsigned value is its own.
 template <class T> inline T AbsOf(T x) {

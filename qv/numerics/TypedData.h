@@ -40,11 +40,11 @@ struct QV_API STypedData {
     /// Writes convert as ConvertArray does (floating point truncates toward
     /// zero to 64 bits, NaN and out of range give INT64_MIN, then wrap).
     struct QV_API VALUE {
-        STypedData const *Owner;
-        int Index;
+        STypedData const *Owner; ///< the buffer
+        int Index;               ///< the element
 
-        operator double() const;
-        VALUE &operator=(double v);
+        operator double() const;     ///< the element's value
+        VALUE &operator=(double v);  ///< stores v, converted
         /// Exact for every integer element, 64-bit ones included.
         ///@{
         int64_t GetInt64() const;
@@ -55,13 +55,13 @@ struct QV_API STypedData {
         ///@}
     };
 
-    void *Data = nullptr;
-    EDataType Type = DT_Unknown;
+    void *Data = nullptr;        ///< the buffer, not owned
+    EDataType Type = DT_Unknown; ///< the type of its elements
 
-    STypedData() = default;
-    STypedData(void *data, EDataType type) : Data(data), Type(type) {}
+    STypedData() = default; ///< no buffer, DT_Unknown
+    STypedData(void *data, EDataType type) : Data(data), Type(type) {} ///< tags data with type
 
-    VALUE operator[](int i) const { return VALUE(this, i); }
+    VALUE operator[](int i) const { return VALUE(this, i); } ///< element i; no bounds test
 };
 
 } // namespace qv

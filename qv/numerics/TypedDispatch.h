@@ -12,7 +12,7 @@ namespace qv::numerics_detail {
 
 /// @copydoc TypedDispatch.h
 template <class T> struct TypeTag {
-    using type = T;
+    using type = T; ///< the element type
 };
 
 /// f(TypeTag<T>{}) for the element type T of `type`; types without arithmetic
@@ -36,6 +36,7 @@ template <class F> void DispatchOne(EDataType type, F &&f) {
 /// order; nothing if any of them has no arithmetic.
 template <class F> void Dispatch(F &&f) { f(); }
 
+/// The step of Dispatch: resolves the first type, then the rest.
 template <class F, class... More> void Dispatch(F &&f, EDataType first, More... more) {
     DispatchOne(first, [&](auto tag) { Dispatch([&](auto... tags) { f(tag, tags...); }, more...); });
 }

@@ -23,27 +23,31 @@
 
 namespace qv::numerics_detail {
 
-inline constexpr uint32_t kBlock = 16;
-using FullBlock = std::integral_constant<uint32_t, kBlock>;
+inline constexpr uint32_t kBlock = 16; ///< elements per block of an element loop
+using FullBlock = std::integral_constant<uint32_t, kBlock>; ///< a block length known at compile time
 
+/// Element i of type T at base, which may be unaligned.
 template <class T> inline T LoadElement(void const *base, size_t i) {
     T v;
     std::memcpy(&v, static_cast<unsigned char const *>(base) + i * sizeof(T), sizeof(T));
     return v;
 }
 
+/// Stores v as element i of type T at base, which may be unaligned.
 template <class T> inline void StoreElement(unsigned char *base, size_t i, T v) {
     std::memcpy(base + i * sizeof(T), &v, sizeof(T));
 }
 
 /// One input of an element loop: where it is and how many bytes it covers.
 struct SInput {
-    void const *data;
-    size_t bytes;
+    void const *data; ///< first byte
+    size_t bytes;     ///< bytes covered
 };
 
+/// The input of n elements of type T at data.
 template <class T> SInput InputOf(void const *data, uint32_t n) { return {data, size_t(n) * sizeof(T)}; }
 
+/// Whether outBytes bytes at out share any byte with in.
 inline bool Overlaps(void const *out, size_t outBytes, SInput in) {
     auto o = reinterpret_cast<uintptr_t>(out), i = reinterpret_cast<uintptr_t>(in.data);
     return o < i + in.bytes && i < o + outBytes;

@@ -14,6 +14,7 @@ namespace qv {
 /// @copydoc AutoLock.h
 class CAutoCriticalSection {
 public:
+    /// Enters section (null: nothing) until destruction.
     explicit CAutoCriticalSection(CCriticalSection *section) : section(section) {
         if (section) section->Enter();
     }
@@ -30,6 +31,7 @@ private:
 /// @copydoc AutoLock.h
 class CAutoMutex {
 public:
+    /// Acquires mutex without time limit (null: nothing) until destruction.
     explicit CAutoMutex(CMutex *mutex) : mutex(mutex) {
         if (mutex) mutex->Acquire(kInfinite);
     }
@@ -46,8 +48,11 @@ private:
 /// Either kind of lock, remembered by which pointer is set.
 class CAutoLock {
 public:
+    /// Holds the lock given (null: nothing) until destruction.
+    ///@{
     explicit CAutoLock(CCriticalSection *section) : section(section) {}
     explicit CAutoLock(CMutex *mutex) : mutex(mutex) {}
+    ///@}
 
 private:
     CAutoCriticalSection section{nullptr};

@@ -12,7 +12,7 @@ namespace qv {
 /// @copydoc COMScope.h
 class CCOMScope {
 public:
-    explicit CCOMScope(uint32_t flags) { (void)flags; }
+    explicit CCOMScope(uint32_t flags) { (void)flags; } ///< does nothing
     CCOMScope(CCOMScope const &) = delete;
     CCOMScope &operator=(CCOMScope const &) = delete;
 };

@@ -15,19 +15,23 @@ template <class R = void, class A = void, class B = void, class C = void, class 
 /// @copydoc Callback.h
 template <> class TCallback<void, void, void, void, void> {
 public:
-    using Function = void (*)();
+    using Function = void (*)(); ///< the function held
 
-    TCallback() = default;
+    TCallback() = default; ///< holds nothing
+    /// Holds a copy of other's function.
+    ///@{
     TCallback(TCallback const &other) : inner(other.inner ? other.inner->Clone() : nullptr) {}
     TCallback &operator=(TCallback const &other) {
         if (&other != this) Replace(other.inner ? other.inner->Clone() : nullptr);
         return *this;
     }
+    ///@}
     ~TCallback() { delete inner; }
 
-    void set(Function function) { Replace(function ? new CInner(function) : nullptr); }
-    void unset() { Replace(nullptr); }
-    bool isset() const { return inner != nullptr; }
+    void set(Function function) { Replace(function ? new CInner(function) : nullptr); } ///< holds function (null: nothing)
+    void unset() { Replace(nullptr); } ///< holds nothing
+    bool isset() const { return inner != nullptr; } ///< whether a function is held
+    /// Calls the function held; nothing without one.
     void operator()() const {
         if (inner) inner->Call();
     }

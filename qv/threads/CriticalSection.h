@@ -26,11 +26,13 @@ namespace qv {
 /// @copydoc CriticalSection.h
 class QV_API CCriticalSection {
 public:
-    explicit CCriticalSection(uint32_t spinCount = 0);
-    CCriticalSection(CCriticalSection const &other);
+    explicit CCriticalSection(uint32_t spinCount = 0); ///< an unlocked lock
+    CCriticalSection(CCriticalSection const &other);   ///< a new unlocked lock, same spin count
     CCriticalSection &operator=(CCriticalSection const &) = delete;
     ~CCriticalSection();
 
+    /// Takes the lock, waiting while another thread holds it; the holder may
+    /// enter again and must Leave as often.
     void Enter() {
         // While the process has one thread, nobody else can look: plain
         // loads and stores do (glibc's own mutex skips its atomics the same
@@ -51,6 +53,7 @@ public:
         EnterHeld();
     }
 
+    /// Gives up one Enter; the lock is free after the last.
     void Leave() {
         if (--depth != 0) return;
         owner.store(0, std::memory_order_relaxed);

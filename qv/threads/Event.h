@@ -28,8 +28,8 @@ namespace qv {
 /// @copydoc Event.h
 class QV_API CEvent final : private IWaitable {
 public:
-    explicit CEvent(bool signalled = false, bool manualReset = false);
-    CEvent(CEvent const &other);
+    explicit CEvent(bool signalled = false, bool manualReset = false); ///< the initial state and the reset mode
+    CEvent(CEvent const &other); ///< a new unsignalled event with the same reset mode
     CEvent &operator=(CEvent const &) = delete;
     ~CEvent();
 
@@ -39,19 +39,15 @@ public:
     /// the timeout anew, so messages can lengthen it without limit (callers
     /// depend on this), and a quit message ends it with false (the quit is
     /// consumed).
-    ///@{
     bool Wait(uint32_t timeout, bool pumpMessages = false);
-    bool Signal();
-    bool Reset();
-    bool Pulse();
-    ///@}
+    bool Signal(); ///< sets the event; true
+    bool Reset();  ///< clears the event; true
+    bool Pulse();  ///< wakes those waiting now and leaves the event unsignalled (see the file comment)
     /// Signals or resets; gives its argument.
     bool setSignaled(bool signalled);
     /// Wait(0): for an auto-reset event this takes the signal.
-    ///@{
     bool getSignaled();
-    void *getHandle() const;
-    ///@}
+    void *getHandle() const; ///< a handle for CMessageQueueInvoker::SafeWait
 
 private:
     bool PumpingWait(uint32_t timeout);

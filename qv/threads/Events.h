@@ -50,11 +50,11 @@ class QV_API IEventTarget {};
 /// One handler of an event taking (void *sender, Args...); events call it
 /// HANDLER. function is set for a plain function, and method names it too.
 template <class... Args> struct TEventHandler {
-    void *target = nullptr;
-    IInvoker *invoker = nullptr;
-    bool queued = false;
-    TMethod<void *, Args...> method;
-    void (*function)(void *, Args...) = nullptr;
+    void *target = nullptr;                      ///< the object of a method; null for a plain function
+    IInvoker *invoker = nullptr;                 ///< runs the handler; null: called on the firing thread
+    bool queued = false;                         ///< Queue rather than Invoke on the invoker
+    TMethod<void *, Args...> method;             ///< the method (or the function) called
+    void (*function)(void *, Args...) = nullptr; ///< the plain function, if that is the handler
 };
 
 namespace detail {

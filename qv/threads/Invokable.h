@@ -40,6 +40,7 @@ namespace qv {
 class CMethodId {
 public:
     CMethodId() = default;
+    /// The identity of a member-function pointer or a function pointer.
     template <class M>
     requires(std::is_member_function_pointer_v<M> ||
              (std::is_pointer_v<M> && std::is_function_v<std::remove_pointer_t<M>>)) CMethodId(M method) {
@@ -48,15 +49,13 @@ public:
     }
 
     /// The pointer back, as the type it was made from.
-    ///@{
     template <class M> M As() const {
         M method;
         std::memcpy(&method, bytes, sizeof(M));
         return method;
     }
-    bool IsNull() const { return *this == CMethodId(); }
-    bool operator==(CMethodId const &other) const { return std::memcmp(bytes, other.bytes, sizeof(bytes)) == 0; }
-    ///@}
+    bool IsNull() const { return *this == CMethodId(); } ///< equal to a default-made id
+    bool operator==(CMethodId const &other) const { return std::memcmp(bytes, other.bytes, sizeof(bytes)) == 0; } ///< the same bytes
 
 private:
     alignas(void *) unsigned char bytes[2 * sizeof(void *)] = {};
@@ -65,25 +64,22 @@ private:
 /// A void member function of any class, or a plain function, taking Args.
 template <class... Args> class TMethod {
 public:
-    using Function = void (*)(Args...);
+    using Function = void (*)(Args...); ///< a plain function taking Args
 
-    TMethod() = default;
-    template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {}
-    explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {}
+    TMethod() = default; ///< null: Call does nothing
+    template <class T> explicit TMethod(void (T::*method)(Args...)) : id(method), call(&CallMember<T>) {} ///< a member of T
+    explicit TMethod(Function function) : id(function), call(&CallFunction), plain(true) {} ///< a plain function
 
+    /// Calls the method on target, or the plain function, with args.
     /// target must be a T * (as void *) of the class the method was made from;
     /// a plain function ignores it. A null TMethod does nothing.
-    ///@{
     void Call(void *target, Args... args) const {
         if (call) call(target, id, args...);
     }
-    CMethodId const &Id() const { return id; }
-    ///@}
+    CMethodId const &Id() const { return id; } ///< the identity of the method or function
     /// The plain function this was made from, or null.
-    ///@{
     Function PlainFunction() const { return plain ? id.As<Function>() : nullptr; }
-    explicit operator bool() const { return call != nullptr; }
-    ///@}
+    explicit operator bool() const { return call != nullptr; } ///< false for a null TMethod
 
 private:
     template <class T> static void CallMember(void *target, CMethodId const &id, Args... args) {
@@ -100,7 +96,7 @@ private:
 class QV_API IInvokable {
 public:
     virtual ~IInvokable() = default;
-    virtual void Invoke() = 0;
+    virtual void Invoke() = 0; ///< makes the call
     /// True when this call was made for target and method.
     virtual bool UsesHandler(void *target, CMethodId const &method) const {
         (void)target;
@@ -112,7 +108,7 @@ public:
 /// The common body of invokable0 .. invokable3.
 template <class... Args> class TInvokable : public IInvokable {
 public:
-    using Function = void (*)(Args...);
+    using Function = void (*)(Args...); ///< a plain function taking Args
 
     /// A method of *target, the class deduced from the target pointer.
     ///@{
@@ -124,7 +120,7 @@ public:
     ///@{
     TInvokable(void *target, TMethod<Args...> method, Args... args)
         : target(target), method(method), function(method.PlainFunction()), arguments(args...) {}
-    explicit TInvokable(Function function, Args... args) : method(function), function(function), arguments(args...) {}
+    explicit TInvokable(Function function, Args... args) : method(function), function(function), arguments(args...) {} ///< a plain function
     ///@}
 
     /// A call with neither target nor function does nothing.
@@ -135,16 +131,17 @@ public:
         else if (function)
             std::apply(function, arguments);
     }
+    /// True when target and method are those given.
     bool UsesHandler(void *handlerTarget, CMethodId const &handlerMethod) const override {
         return target == handlerTarget && method.Id() == handlerMethod;
     }
     ///@}
 
 protected:
-    void *target = nullptr;
-    TMethod<Args...> method;
-    Function function = nullptr;
-    std::tuple<Args...> arguments;
+    void *target = nullptr;        ///< the object called; null for a plain function
+    TMethod<Args...> method;       ///< the method (or the function) to call
+    Function function = nullptr;   ///< the plain function, if that is what is called
+    std::tuple<Args...> arguments; ///< copies of the arguments, passed at Invoke
 };
 
 /// @copydoc Invokable.h

@@ -43,9 +43,15 @@ namespace qv {
 class QV_API IInvoker {
 public:
     virtual ~IInvoker() = default;
+    /// Runs the call on the invoker's thread and returns when it has run;
+    /// the caller keeps ownership.
     virtual void Invoke(IInvokable *invokable) = 0;
+    /// Queues the call to run later on the invoker's thread; false (nothing
+    /// taken) when the queue has no memory. See the file comment for ownership.
     virtual bool Queue(IInvokable *invokable, bool autoDelete) = 0;
+    /// Drops the pending calls made for target and method.
     virtual void DequeueDuplicates(void *target, CMethodId const &method) = 0;
+    /// The kernel's id of the thread that runs the calls.
     virtual uint32_t GetThreadID() = 0;
 };
 

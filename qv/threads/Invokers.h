@@ -17,12 +17,12 @@
 namespace qv {
 
 extern template class TSingletonPtr<CDirectInvoker>;
-extern QV_API TSingletonPtr<CDirectInvoker> directInvoker;
+extern QV_API TSingletonPtr<CDirectInvoker> directInvoker; ///< runs calls at once on the caller's thread
 
 extern template class TSingletonPtr<CMessageQueueInvoker, 1, true>;
-extern QV_API TSingletonPtr<CMessageQueueInvoker, 1, true> messageQueueInvoker;
+extern QV_API TSingletonPtr<CMessageQueueInvoker, 1, true> messageQueueInvoker; ///< runs calls on the thread that loaded libqv.so
 
 extern template class TSingletonPtr<CInvokerThread>;
-extern QV_API TSingletonPtr<CInvokerThread> threadInvoker;
+extern QV_API TSingletonPtr<CInvokerThread> threadInvoker; ///< runs calls on a worker thread of its own
 
 } // namespace qv

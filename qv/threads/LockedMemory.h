@@ -22,9 +22,12 @@
 
 namespace qv {
 
-QV_API void *virtAlloc(uint32_t size);
-QV_API void virtFree(void *block, uint32_t size);
+QV_API void *virtAlloc(uint32_t size);           ///< a locked, zero-filled block; null on failure
+QV_API void virtFree(void *block, uint32_t size); ///< frees a block of virtAlloc
+/// Do nothing on Linux (see the file comment).
+///@{
 QV_API void lockAlloc(uint32_t size);
 QV_API void lockFree(uint32_t size);
+///@}
 
 } // namespace qv

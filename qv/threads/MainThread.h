@@ -13,7 +13,7 @@
 
 namespace qv {
 
-QV_API bool qvInMainUIThread();
-QV_API bool qvNotInMainUIThread();
+QV_API bool qvInMainUIThread();    ///< whether the calling thread is the main UI thread
+QV_API bool qvNotInMainUIThread(); ///< the negation of qvInMainUIThread
 
 } // namespace qv

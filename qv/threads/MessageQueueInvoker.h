@@ -47,9 +47,10 @@ namespace qv {
 /// @copydoc MessageQueueInvoker.h
 class QV_API CMessageQueueInvoker : public IInvoker, private IMessageHandler {
 public:
+    /// One pending call of Queue.
     struct QUEUE_ENTRY {
-        IInvokable *invokable;
-        bool autoDelete;
+        IInvokable *invokable; ///< the call
+        bool autoDelete;       ///< the invoker deletes it once run or dropped
     };
 
     /// Calls Init on the calling thread.
@@ -69,6 +70,8 @@ public:
     void DequeueDuplicates(void *target, CMethodId const &method) override;
     uint32_t GetThreadID() override;
 
+    /// Waits for handle while serving the calls sent to this thread; true when
+    /// it was signalled (see the file comment).
     static bool SafeWait(void *handle, uint32_t timeout);
 
 private:

@@ -29,15 +29,20 @@ namespace qv {
 /// @copydoc MultiLock.h
 class QV_API CMultiLock {
 public:
-    explicit CMultiLock(int slots);
-    CMultiLock(CMultiLock const &other);
+    explicit CMultiLock(int slots);      ///< that many slots (below 0: none)
+    CMultiLock(CMultiLock const &other); ///< a new lock with as many slots, all free
     CMultiLock &operator=(CMultiLock const &) = delete;
     ~CMultiLock();
 
-    /// With wait false, true only when a permit was free at once.
-    ///@{
+    /// Takes one permit (none if the thread is in already). With wait false,
+    /// true only when a permit was free at once.
     bool Enter(bool wait);
+    /// Takes every permit (the remaining ones for a thread already in);
+    /// EnterExclusive(false) answers the other way round
+    /// (see the file comment).
     bool EnterExclusive(bool wait);
+    /// Undo one Enter or EnterExclusive; nothing without an entry.
+    ///@{
     void Leave();
     void LeaveExclusive();
     ///@}

@@ -26,8 +26,8 @@ class NamedMutex;
 /// @copydoc Mutex.h
 class QV_API CMutex {
 public:
-    explicit CMutex(char16_t const *name = nullptr);
-    CMutex(CMutex const &other);
+    explicit CMutex(char16_t const *name = nullptr); ///< opens the named mutex, or a new unnamed one for null
+    CMutex(CMutex const &other);                     ///< a new unnamed mutex
     CMutex &operator=(CMutex const &) = delete;
     ~CMutex();
 

@@ -29,14 +29,18 @@ namespace qv {
 class QV_API CRWLock {
 public:
     CRWLock();
-    CRWLock(CRWLock const &other);
+    CRWLock(CRWLock const &other); ///< a new, unlocked lock
     CRWLock &operator=(CRWLock const &) = delete;
     ~CRWLock();
 
+    /// Take and give up the shared (read) or the exclusive (write) lock, as
+    /// the file comment describes.
+    ///@{
     void ReadLock();
     void ReadUnlock();
     void WriteLock();
     void WriteUnlock();
+    ///@}
 
 private:
     std::atomic<uint32_t> state{0};      ///< kWriter, plus the reads held

@@ -27,16 +27,16 @@ class CEvent;
 /// @copydoc Semaphore.h
 class QV_API CSemaphore {
 public:
-    explicit CSemaphore(uint32_t count);
-    CSemaphore(CSemaphore const &other);
+    explicit CSemaphore(uint32_t count);   ///< count free units, which is also the maximum
+    CSemaphore(CSemaphore const &other);   ///< a new semaphore with the same maximum, all units free
     CSemaphore &operator=(CSemaphore const &) = delete;
     ~CSemaphore();
 
-    /// Timeout in milliseconds, 0xFFFFFFFF without limit.
-    ///@{
+    /// Takes count permits, waiting in turn; timeout in milliseconds,
+    /// 0xFFFFFFFF without limit. False at the time limit.
     bool Acquire(uint32_t count, uint32_t timeout);
+    /// Gives count permits back; false, changing nothing, beyond the maximum.
     bool Release(uint32_t count);
-    ///@}
 
 private:
     struct SEventEntry {

@@ -24,18 +24,21 @@ namespace qv {
 /// @copydoc SharedHandle.h
 class QV_API CSharedHandle {
 public:
-    static constexpr intptr_t None = -1;
+    static constexpr intptr_t None = -1; ///< no handle
 
     CSharedHandle();
-    explicit CSharedHandle(intptr_t handle);
-    CSharedHandle(CSharedHandle const &other);
+    explicit CSharedHandle(intptr_t handle);   ///< adopts handle (count 1)
+    CSharedHandle(CSharedHandle const &other); ///< shares other's handle
     ~CSharedHandle();
 
+    /// Drops the old share, then shares other's handle or adopts a new one.
+    ///@{
     CSharedHandle &operator=(CSharedHandle const &other);
     CSharedHandle &operator=(intptr_t handle);
     CSharedHandle &operator=(int handle);
+    ///@}
 
-    operator intptr_t() const { return handle; }
+    operator intptr_t() const { return handle; } ///< the handle, None without one
     /// The number of holders; 0 without a handle.
     int32_t RefCount() const;
 

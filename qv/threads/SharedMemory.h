@@ -39,12 +39,12 @@ public:
     CSharedMemory &operator=(CSharedMemory const &) = delete;
     ~CSharedMemory();
 
-    bool CreateRandom(char16_t const *name, uint32_t size);
-    void Destroy();
+    bool CreateRandom(char16_t const *name, uint32_t size); ///< see the file comment; false leaves the object empty
+    void Destroy(); ///< unmaps the block and removes the name
 
-    void *GetBuffer() const { return view; }
-    CString GetName() const { return name; }
-    char const *GetSysName() const { return view ? sysName.c_str() : nullptr; }
+    void *GetBuffer() const { return view; } ///< the mapped block, null when nothing is made
+    CString GetName() const { return name; } ///< the name that was made
+    char const *GetSysName() const { return view ? sysName.c_str() : nullptr; } ///< the shm_open name, null when nothing is made
 
 private:
     std::string sysName;

@@ -39,16 +39,21 @@ public:
     CThread &operator=(CThread const &) = delete;
     virtual ~CThread();
 
+    /// Starts a thread that runs Run, function(argument) or the invokable;
+    /// true when a thread started (see the file comment).
+    ///@{
     bool Create();
     bool Create(uint32_t (*function)(void *), void *argument);
     bool Create(IInvokable *invokable, bool autoDelete);
+    ///@}
 
     /// 0 without a thread.
     uint32_t getID() const;
     /// Null without a thread.
-    ///@{
     void *getHandle() const;
-    bool getRunning() const;
+    bool getRunning() const; ///< a thread was started and has not ended
+    /// Wait for the thread to end; true once it has (see the file comment).
+    ///@{
     bool Join(bool pumpMessages);
     bool JoinWithTimeout(uint32_t timeout);
     ///@}

@@ -32,20 +32,19 @@ public:
     virtual ~CTimer();
 
     /// Sets the interval; always true.
-    ///@{
     bool Create(uint32_t interval);
-    uint32_t GetInterval() const { return interval; }
+    uint32_t GetInterval() const { return interval; } ///< in milliseconds
+    /// Stores the interval; a running timer restarts with it (Start's answer).
     bool SetInterval(uint32_t interval);
-    bool Start();
-    bool Stop();
-    bool Restart();
-    bool getRunning() const { return running; }
-    ///@}
+    bool Start(); ///< false when no system timer could be set; true if running already
+    bool Stop();  ///< always true
+    bool Restart(); ///< Stop, then Start's answer
+    bool getRunning() const { return running; } ///< between a successful Start and Stop
 
     /// Fires OnTick while running.
     virtual void Tick();
 
-    event0 OnTick;
+    event0 OnTick; ///< fired by Tick
 
 private:
     static void Callback(uint32_t timerId);
