@@ -329,16 +329,15 @@ template <class T> class TArray : public detail::ArrayBase<T, detail::SilentHeap
 
 public:
     TArray() = default;
-    /// Copies other's items one by one. The constructor starts at the default
-    /// growth rate, not other's; assignment keeps this array's block and rate.
-    /// On exhaustion the copy stops short silently.
-    ///@{
+    /// Copies other's items one by one, starting at the default growth rate,
+    /// not other's. On exhaustion the copy stops short silently.
     TArray(TArray const &other) : Base(other) {} // default rate, not other's
+    /// Destructs its own items, keeps its block and rate, then copies other's
+    /// items one by one. On exhaustion the copy stops short silently.
     TArray &operator=(TArray const &other) {
         Base::Copy(other);
         return *this;
     }
-    ///@}
 
     /// Clears THIS array (Destroy) and only then hands its now empty fields to
     /// target, which comes out empty too: existing callers depend on this form.
