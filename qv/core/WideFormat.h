@@ -36,10 +36,17 @@
 
 namespace qv {
 
+/// The length fmt formats to, without terminator; -1 as above.
+///@{
 QV_API int _vscwprintf(char16_t const *fmt, va_list args);
 QV_API int _scwprintf(char16_t const *fmt, ...);
+///@}
+/// Formats into buf, at most size units with the terminator; returns the full
+/// length needed, as C99 snprintf does.
+///@{
 QV_API int vswprintf(char16_t *buf, size_t size, char16_t const *fmt, va_list args);
 QV_API int swprintf(char16_t *buf, size_t size, char16_t const *fmt, ...);
+///@}
 
 /// Narrow, locale-free ("c_") forms for file readers and writers.
 ///@{
