@@ -6,7 +6,7 @@
 ///
 /// The "not set" tag is null_t with the one global qv::null (x = qv::null
 /// unsets x). It is not called nullptr_t: with `using namespace qv` that name
-/// would clash with the C library's ::nullptr_t and std::nullptr_t.
+/// would clash with the C library's \::nullptr_t and std::nullptr_t.
 #pragma once
 
 namespace qv {
