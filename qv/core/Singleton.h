@@ -91,7 +91,8 @@ public:
     ~TSingletonPtr() {}
 
     /// The instance, built with new T() on first use (one thread builds, the
-    /// others wait); never null unless new throws.
+    /// others wait). An exception from new T() reaches the caller; the next
+    /// call tries again.
     static T *GetInstance() {
         if (T *ready = instance.load(std::memory_order_acquire)) return ready;
         Private::RunOnce(begun, done, [] {

@@ -189,7 +189,8 @@ public:
     ///@}
 
     /// The file form described in the file comment; a null file does nothing.
-    /// Both always return true: a short read leaves the value as it was.
+    /// Both always return true. Load takes the type it reads; a scalar it cannot
+    /// read leaves the old value bytes in place.
     ///@{
     bool Save(IFile *file) const;
     bool Load(IFile *file);
