@@ -329,7 +329,11 @@ template <class T> class TArray : public detail::ArrayBase<T, detail::SilentHeap
 
 public:
     TArray() = default;
+    /// Copies other's items one by one, starting at the default growth rate,
+    /// not other's. On exhaustion the copy stops short silently.
     TArray(TArray const &other) : Base(other) {} // default rate, not other's
+    /// Destructs its own items, keeps its block and rate, then copies other's
+    /// items one by one. On exhaustion the copy stops short silently.
     TArray &operator=(TArray const &other) {
         Base::Copy(other);
         return *this;
@@ -367,11 +371,16 @@ template <class T> class TSimpleArray : public detail::ArrayBase<T, detail::Repo
 
 public:
     TSimpleArray() = default;
+    /// Copies other's items. The constructor starts at the default growth
+    /// rate, not other's; assignment keeps this array's block and rate. On
+    /// exhaustion the copy stops short and the failure is reported as debug text.
+    ///@{
     TSimpleArray(TSimpleArray const &other) : Base(other) {}
     TSimpleArray &operator=(TSimpleArray const &other) {
         Base::Copy(other);
         return *this;
     }
+    ///@}
 
     /// Clears target, then gives it this array's capacity, count, rate and
     /// bytes. False (target left empty) if the block cannot be allocated.

@@ -9,8 +9,8 @@ namespace qv {
 
 /// @copydoc ByteSpan.h
 struct SByteSpan {
-    uint8_t const *data = nullptr;
-    uint64_t size = 0;
+    uint8_t const *data = nullptr; ///< the bytes, not owned
+    uint64_t size = 0;             ///< bytes at data
 
     /// Whether n bytes from at lie inside the block (no overflow).
     bool Holds(uint64_t at, uint64_t n) const { return at <= size && n <= size - at; }
@@ -30,6 +30,7 @@ struct SByteSpan {
     ///@}
 };
 
+/// n rounded up to a multiple of 4.
 inline uint64_t AlignUp4(uint64_t n) {
     return (n + 3) & ~uint64_t(3);
 }

@@ -54,17 +54,19 @@ QV_API void ArgParse(char16_t *line, char16_t **const argv, int &argc);
 /// @copydoc CmdLine.h
 class QV_API CCmdLine {
 public:
+    /// A declared option or flag.
     struct FLAG {
-        char16_t const *shortName;
-        char16_t const *longName;
-        char16_t const *description;
-        char16_t *value;
+        char16_t const *shortName;   ///< name after one dash, or null
+        char16_t const *longName;    ///< name after one or two dashes, or null
+        char16_t const *description; ///< as given to AddOpt/AddFlag (not copied)
+        char16_t *value;             ///< null until set; see the file comment
         bool takesValue; ///< true for an option, false for a flag
     };
+    /// A positional argument, declared or added as "Unnamed".
     struct ARG {
-        char16_t const *name;
-        char16_t *value;
-        char16_t const *description;
+        char16_t const *name;        ///< as given to AddArg (not copied)
+        char16_t *value;             ///< null until set; see the file comment
+        char16_t const *description; ///< as given to AddArg (not copied)
     };
 
     /// The number of tokens Parse(line) reads, the program's included.
@@ -79,11 +81,20 @@ public:
     ~CCmdLine();
     ///@}
 
+    /// Declare a positional argument, an option or a flag; the pointers are
+    /// kept, not copied. False if a name is already borne (without regard to
+    /// case) or the entry cannot be stored.
+    ///@{
     bool AddArg(char16_t const *name, char16_t const *description);
     bool AddOpt(char16_t const *shortName, char16_t const *longName, char16_t const *description);
     bool AddFlag(char16_t const *shortName, char16_t const *longName, char16_t const *description);
+    ///@}
+    /// True if an argument, option or flag bears name (without regard to case);
+    /// false for a null name.
     bool ArgExists(char16_t const *name);
 
+    /// Parses argv[1..argc-1]; values point into argv. False only for surplus
+    /// positional arguments without allowExtra.
     bool Parse(int argc, char16_t **const argv);
     /// Copies line, cuts it with ArgParse (kLineTokens tokens at most; the
     /// first is the program) and parses the tokens.
@@ -96,11 +107,11 @@ public:
     char16_t *operator[](char16_t const *name);
 
 protected:
-    TArray<FLAG> flags;
-    TArray<ARG> args;
+    TArray<FLAG> flags; ///< options and flags, in declaration order
+    TArray<ARG> args;   ///< positional arguments, in order
     TSimpleArray<char16_t> line; ///< the copy of a line passed as one text
-    bool allowExtra = false;
-    bool useStdErr = false;
+    bool allowExtra = false; ///< surplus positional tokens become "Unnamed" arguments
+    bool useStdErr = false;  ///< warnings and errors to standard error, not output
 
 private:
     bool AddFlagOrOpt(char16_t const *shortName, char16_t const *longName, char16_t const *description,

@@ -18,11 +18,16 @@
 
 namespace qv {
 
-constexpr uint32_t CP_ACP = 0;
-constexpr uint32_t CP_1252 = 1252;
-constexpr uint32_t CP_UTF8 = 65001;
+constexpr uint32_t CP_ACP = 0;      ///< the "ANSI" code page: 1252 here
+constexpr uint32_t CP_1252 = 1252;  ///< Western
+constexpr uint32_t CP_UTF8 = 65001; ///< UTF-8
 
+/// Converts length units (or bytes) of text into out, at most outSize bytes
+/// (or units); returns the count written, the count needed when outSize is
+/// 0, or 0 on failure (see above).
+///@{
 QV_API int WideCharToMultiByte(uint32_t codePage, char16_t const *text, int length, char *out, int outSize);
 QV_API int MultiByteToWideChar(uint32_t codePage, char const *text, int length, char16_t *out, int outSize);
+///@}
 
 } // namespace qv

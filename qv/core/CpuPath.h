@@ -16,13 +16,14 @@
 
 namespace qv::cpu {
 
+/// The instruction-set paths, from the portable one up; each includes those below.
 enum ECpuPath : int {
     CP_Portable = 0, ///< plain C++, any machine
     CP_SSE41 = 1,    ///< SSE4.1 and PCLMULQDQ
     CP_AVX2 = 2,     ///< AVX2, plus the above
     CP_AVX512 = 3,   ///< AVX-512 F/BW/VL and VPCLMULQDQ, plus the above
 };
-inline constexpr int kCpuPaths = 4;
+inline constexpr int kCpuPaths = 4; ///< the number of paths: the size of a kernel's table
 
 QV_API ECpuPath BestCpuPath(); ///< what this machine offers
 QV_API ECpuPath CpuPath();     ///< what kernels use now

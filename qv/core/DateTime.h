@@ -26,6 +26,7 @@ namespace qv {
 /// @copydoc DateTime.h
 class QV_API CDateTime {
 public:
+    /// Holidays GetHoliday knows; only Easter so far.
     enum EHoliday : int { Easter = 0 };
 
     /// Forms of GetTimestamp/SetTimestamp: microseconds from the start of day 0
@@ -35,24 +36,27 @@ public:
     static constexpr int TimestampFileTime = 0;
     ///@}
 
-    static constexpr int kTextSize = 128;
+    static constexpr int kTextSize = 128; ///< units of text, terminator included
 
-    char16_t text[kTextSize];
-    int year;
+    char16_t text[kTextSize]; ///< Format(fmt)'s result; empty after construction
+    int year;      ///< full year, such as 2026; 0 for a bare time
     int month;     ///< 1 to 12
     int day;       ///< 1 to 31
     int dayInYear; ///< 1 for January 1
-    int hour;
-    int minute;
-    int second;
-    int millisecond;
+    int hour;        ///< 0 to 23
+    int minute;      ///< 0 to 59
+    int second;      ///< 0 to 59
+    int millisecond; ///< 0 to 999
     int microsecond; ///< 0 to 999 within the millisecond
 
     CDateTime();
-    CDateTime(CDateTime const &other);
+    CDateTime(CDateTime const &other); ///< copies the fields; text starts empty
     explicit CDateTime(char16_t const *s); ///< see Set
+    /// As the assignments below, onto a zero value with empty text.
+    ///@{
     CDateTime(FILETIME const &ft);
     CDateTime(SYSTEMTIME const &st);
+    ///@}
 
     CDateTime &operator=(CDateTime const &other); ///< text stays as it is
     CDateTime &operator=(FILETIME const &ft);     ///< microsecond 0, dayInYear computed
@@ -63,7 +67,7 @@ public:
     /// Year to millisecond, each cut to 16 bits; wDayOfWeek is left 0.
     operator SYSTEMTIME() const;
 
-    CDateTime &Zero();
+    CDateTime &Zero(); ///< every field 0 (a bare time of 00:00); text stays
     CDateTime &Now(); ///< present UTC, millisecond resolution
 
     /// Parses the first of the library's thirteen text forms that converts
@@ -82,6 +86,9 @@ public:
     CDateTime GetYMD() const; ///< year, month, day, dayInYear only
     CDateTime GetHMS() const; ///< the five time fields only
 
+    /// Form 1 (TimestampOfYear): microseconds from the start of day 0 of the
+    /// year, from dayInYear and the time fields (the year plays no part). Other
+    /// forms: FILETIME ticks of the value (see operator FILETIME).
     int64_t GetTimestamp(int form) const;
     /// Form 1 sets the time and dayInYear (t / day mod 365) and leaves year,
     /// month and day as they were. Other forms take t as FILETIME ticks with
@@ -128,6 +135,8 @@ public:
     /// Into the object's text buffer, cut to kTextSize - 1 units.
     char16_t *Format(char16_t const *fmt);
 
+    /// A new value set by the matching Set call (or Now()).
+    ///@{
     static CDateTime New(char16_t const *s);
     static CDateTime NewNow();
     static CDateTime NewYMD(int y, int m, int d);
@@ -135,6 +144,7 @@ public:
     static CDateTime NewHMS(int h, int m, int s, int ms, int us);
     static CDateTime NewYMDHMS(int y, int m, int d, int h, int min, int s, int ms, int us);
     static CDateTime NewYYDHMS(int y, int dayOfYear, int h, int min, int s, int ms, int us);
+    ///@}
 
     /// "January".."December" and "Jan".."Dec", indexed by |month - 1| mod 12.
     ///@{

@@ -10,10 +10,15 @@
 
 namespace qv {
 
+/// A program's receiver of debug text: the UTF-8 text and the context given
+/// to SetDebugTextHook.
 using DebugTextHook = void (*)(char const *utf8, void *context);
 
+/// Sends text (UTF-16 or UTF-8) to the sink; null text is ignored.
+///@{
 QV_API void OutputDebugStringW(char16_t const *text);
 QV_API void OutputDebugStringA(char const *utf8);
+///@}
 /// Installs a hook (null removes it) and returns the previous one. Thread-safe.
 QV_API DebugTextHook SetDebugTextHook(DebugTextHook hook, void *context);
 

@@ -15,12 +15,13 @@ namespace qv {
 /// @copydoc Exception.h
 class QV_API CException {
 public:
+    /// inner (may be null) is not owned and must outlive the exception.
     CException(CString message, CException const *inner);
-    CException(CException const &other);
+    CException(CException const &other); ///< shares the message and the inner pointer
     ~CException();
 
-    CString message() const;
-    CException const *innerException() const;
+    CString message() const;                   ///< the message as given
+    CException const *innerException() const;  ///< the inner exception, or null
 
 private:
     CString messageText;

@@ -18,20 +18,20 @@ namespace qv {
 
 /// @copydoc FileTime.h
 struct FILETIME {
-    uint32_t dwLowDateTime;
-    uint32_t dwHighDateTime;
+    uint32_t dwLowDateTime;  ///< low 32 bits of the tick count
+    uint32_t dwHighDateTime; ///< high 32 bits of the tick count
 };
 
 /// @copydoc FileTime.h
 struct SYSTEMTIME {
-    uint16_t wYear;
-    uint16_t wMonth;
-    uint16_t wDayOfWeek;
-    uint16_t wDay;
-    uint16_t wHour;
-    uint16_t wMinute;
-    uint16_t wSecond;
-    uint16_t wMilliseconds;
+    uint16_t wYear;         ///< full year, such as 2026
+    uint16_t wMonth;        ///< 1 to 12
+    uint16_t wDayOfWeek;    ///< 0 is Sunday
+    uint16_t wDay;          ///< 1 to 31
+    uint16_t wHour;         ///< 0 to 23
+    uint16_t wMinute;       ///< 0 to 59
+    uint16_t wSecond;       ///< 0 to 59
+    uint16_t wMilliseconds; ///< 0 to 999
 };
 
 /// Ticks per unit of FILETIME.
@@ -42,10 +42,12 @@ inline constexpr int64_t kFileTimeTicksPerSecond = 10000000;
 /// The largest tick count the conversions accept (the sign bit must be clear).
 inline constexpr uint64_t kFileTimeMaxTicks = 0x7FFFFFFFFFFFFFFFull;
 
+/// The two halves joined into one tick count; never fails.
 inline uint64_t FileTimeToTicks(FILETIME const &ft) {
     return (uint64_t(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
 }
 
+/// The tick count split into its two halves; never fails.
 inline FILETIME TicksToFileTime(uint64_t ticks) {
     return FILETIME{uint32_t(ticks), uint32_t(ticks >> 32)};
 }

@@ -27,9 +27,14 @@ QV_API CString FormatGeneral(double v);          ///< "%g"
 /// @copydoc FloatConversions.h
 template <class T> class TFloatConversion {
 public:
+    /// _wtof of s (null: 0), narrowed to T by IEEE rounding.
     static T Parse(char16_t const *s) { return FloatFromDouble<T>(detail::ParseFloatText(s)); }
+    /// The double whose IEEE bits CUInt64::ParseHex reads from s, narrowed to T.
     static T ParseHex(char16_t const *s) { return FloatFromDouble<T>(std::bit_cast<double>(CUInt64::ParseHex(s))); }
+    /// "%g" of v (a float widened to double first).
     static CString ToString(T v) { return detail::FormatGeneral(v); }
+    /// The IEEE bits of v as a double, through CUInt64::ToStringHex (leading
+    /// zero included); for round trips through ParseHex inside the library.
     static CString ToStringHex(T v) { return CUInt64::ToStringHex(std::bit_cast<uint64_t>(static_cast<double>(v))); }
 };
 

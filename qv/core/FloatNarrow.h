@@ -11,6 +11,7 @@
 
 namespace qv {
 
+/// v rounded to the nearest float; beyond the float range an infinity, NaN stays NaN.
 constexpr float NarrowToFloat(double v) {
     // Halfway between the largest float and 2^128: from here on, rounding to
     // nearest (ties to even) gives an infinity.
@@ -21,6 +22,7 @@ constexpr float NarrowToFloat(double v) {
     return static_cast<float>(v);
 }
 
+/// NarrowToFloat for F = float; v as it stands for F = double.
 template <class F> constexpr F FloatFromDouble(double v) {
     static_assert(std::is_same_v<F, float> || std::is_same_v<F, double>, "float or double");
     if constexpr (std::is_same_v<F, float>)

@@ -15,6 +15,7 @@
 
 namespace qv {
 
+/// x truncated toward zero; INT64_MIN for NaN and values outside [-2^63, 2^63).
 constexpr int64_t TruncateToInt64(double x) {
     // NaN fails both compares; inside the range the cast truncates exactly.
     if (x >= -0x1p63 && x < 0x1p63) return static_cast<int64_t>(x);

@@ -26,6 +26,7 @@
 
 namespace qv {
 
+/// Writes value into buf by mode (see above); returns buf or the static empty text.
 QV_API char16_t *FmtFloat(char16_t *buf, unsigned int size, int mode, double value, int precision, int expWidth);
 
 } // namespace qv

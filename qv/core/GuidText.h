@@ -16,6 +16,7 @@ class QV_API CGUID {
 public:
     static constexpr GUID Empty{}; ///< all zero
 
+    /// The identifier of those fields, b0..b7 being Data4 in order.
     static GUID Create(uint32_t Data1, uint16_t Data2, uint16_t Data3, uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3,
                        uint8_t b4, uint8_t b5, uint8_t b6, uint8_t b7);
     /// The 16 bytes at p in memory order (Data1..Data3 in this host's order).

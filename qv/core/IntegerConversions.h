@@ -38,12 +38,21 @@ template <class T> class TIntegerConversion {
     using Wide = std::conditional_t<std::is_signed_v<T>, int64_t, uint64_t>;
 
 public:
-    static constexpr T Min = std::numeric_limits<T>::min();
-    static constexpr T Max = std::numeric_limits<T>::max();
+    static constexpr T Min = std::numeric_limits<T>::min(); ///< Smallest value of T.
+    static constexpr T Max = std::numeric_limits<T>::max(); ///< Largest value of T.
 
+    /// Reads the leading decimal digits of @p s (signed types take a leading "-");
+    /// stops at the first other unit, gives 0 for no digits or a null text, and
+    /// truncates to T on overflow.
     static T Parse(char16_t const *s) { return static_cast<T>(detail::ParseDecimalRun(s, std::is_signed_v<T>)); }
+    /// Reads an optional lower-case "0x" and the hexadecimal digits after it;
+    /// stops at the first other unit, gives 0 for no digits, truncates to T.
     static T ParseHex(char16_t const *s) { return static_cast<T>(detail::ParseHexRun(s)); }
+    /// Returns @p v in decimal, with "-" for negative values.
     static CString ToString(T v) { return detail::FormatDecimal(static_cast<Wide>(v)); }
+    /// Returns @p v in upper-case hexadecimal with one leading zero ("0AB");
+    /// negative values are first sign-extended to 64 bits. Existing files and
+    /// callers depend on that leading zero.
     static CString ToStringHex(T v) {
         return detail::FormatHexWithLeadingZero(static_cast<uint64_t>(static_cast<Wide>(v)));
     }

@@ -27,14 +27,15 @@
 
 namespace qv {
 
-constexpr uint32_t kDefaultLCID = 0x0409;
+constexpr uint32_t kDefaultLCID = 0x0409; ///< US English, when the environment names no known language
 
+/// The LCID of a POSIX locale name such as "de_DE.UTF-8"; 0 if unknown.
 QV_API uint32_t LcidFromLocaleName(char const *name);
+/// Sets tag to the "de-DE" form of language; false (tag unchanged) if unknown.
 QV_API bool LocaleTagFromLanguage(uint16_t language, CString &tag);
 /// Arabic, Hebrew, Persian, Urdu and the other languages written right to left.
-///@{
 QV_API bool IsRightToLeftLanguage(uint16_t language);
+/// The user's LCID from LC_ALL, LC_MESSAGES or LANG, else kDefaultLCID.
 QV_API uint32_t GetUserDefaultLCID();
-///@}
 
 } // namespace qv

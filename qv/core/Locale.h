@@ -48,13 +48,13 @@
 namespace qv {
 
 constexpr uint32_t kLanguageNameId = 1024; ///< libqv: the name of the table's language
-constexpr uint16_t kLanguageListBlock = 15;
+constexpr uint16_t kLanguageListBlock = 15; ///< the program's string block whose languages are on offer
 
 /// @copydoc Locale.h
 struct SLocale {
-    uint16_t language;
-    CString name;
-    bool rightToLeft;
+    uint16_t language; ///< language id, such as 0x0407
+    CString name;      ///< libqv's name for it, else its tag, else "0x0407"
+    bool rightToLeft;  ///< laid out right to left
 };
 
 /// @copydoc Locale.h
@@ -65,17 +65,35 @@ public:
     CLocale(CLocale const &) = delete;
     CLocale &operator=(CLocale const &) = delete;
 
+    /// Adds a module whose texts replace those of the modules before it, and
+    /// reloads the string table.
     void AddModule(HINSTANCE module);
+    /// The locale id; setLocale takes the language from its low 16 bits and
+    /// reloads the string table.
+    ///@{
     uint32_t getLocale();
     void setLocale(uint32_t lcid);
+    ///@}
+    /// The language id; setLanguage puts it into the locale id's low 16 bits
+    /// and reloads the string table.
+    ///@{
     uint16_t getLanguage();
     void setLanguage(uint16_t language);
-    bool getRightToLeftLayout();
+    ///@}
+    bool getRightToLeftLayout(); ///< true for a right-to-left language
+    /// One past the highest id the loaded blocks cover (16 per block); 0 when
+    /// nothing is loaded.
     unsigned getLastID();
+    /// The text of id, or the empty text; never null. Valid until the next
+    /// reload or destruction; the caller must not free or write it.
     char16_t *getString(unsigned id);
+    /// The languages on offer, as listed at construction.
     TArray<SLocale> const &getLanguages() const;
 
+    /// The resource of module in the current language (with FindResource's
+    /// fallback), or null.
     HRSRC FindResourceW(HINSTANCE module, char16_t const *type, char16_t const *name);
+    /// The language of the resource FindResourceW finds, or 0 if none.
     uint16_t GetResourceLangID(HINSTANCE module, char16_t const *type, char16_t const *name);
 
 private:
@@ -95,7 +113,7 @@ private:
 /// The process's locale, built on first use; one instance inside libqv.so.
 ///@{
 extern template class TSingletonPtr<CLocale>;
-extern QV_API TSingletonPtr<CLocale> Locale;
+extern QV_API TSingletonPtr<CLocale> Locale; ///< the process's CLocale, built on first use
 ///@}
 
 } // namespace qv

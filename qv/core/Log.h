@@ -51,19 +51,39 @@ class IFileSystem;
 class QV_API CLog {
 public:
     CLog();
+    /// Takes other's kept text and flags, but no file: the file stays with other.
+    ///@{
     CLog(CLog const &other);
     CLog &operator=(CLog const &other);
+    ///@}
     ~CLog();
 
+    /// Opens path through fs (null: the disk) for appending and writes the kept
+    /// text to it. False for a second call, a file that cannot be opened or
+    /// kept text that cannot be written (the text then stays in memory).
     bool SetFile(IFileSystem *fs, CString path);
     bool SetFile(CString path); ///< on the disk file system
+    /// Formats and stores the text; WriteLine adds the time prefix and a line
+    /// end. True if the whole text was stored.
+    ///@{
     bool Write(char16_t const *fmt, ...);
     bool WriteLine(char16_t const *fmt, ...);
+    ///@}
+    /// A new entry whose text starts with the time prefix and which carries the
+    /// log's verbose flag; see LogEntry.h.
     CLogEntry StartEntry();
+    /// The verbose flag, for callers to consult (the log itself writes
+    /// everything); the setter returns the previous value.
+    ///@{
     bool getVerbose();
     bool setVerbose(bool verbose);
+    ///@}
+    /// Whether text also goes to standard output; the setter returns the
+    /// previous value.
+    ///@{
     bool getPrintConsole();
     bool setPrintConsole(bool print);
+    ///@}
 
 private:
     friend class CLogEntry;
@@ -85,7 +105,7 @@ private:
 /// The process's log, built on first use; one instance inside libqv.so.
 ///@{
 extern template class TSingletonPtr<CLog>;
-extern QV_API TSingletonPtr<CLog> gLog;
+extern QV_API TSingletonPtr<CLog> gLog; ///< the process's CLog, built on first use
 ///@}
 
 /// Plain entry points: the argument is text, not a format ("%" is kept as it

@@ -31,8 +31,11 @@ class CLog;
 /// @copydoc LogEntry.h
 class QV_API CLogEntry {
 public:
+    /// An entry for log that starts with text; CLog::StartEntry makes them.
     CLogEntry(CLog *log, CString text, bool verbose);
+    /// Takes other's entry over, leaving other finished.
     CLogEntry(CLogEntry &other);
+    /// Finishes this entry, then takes other's over, leaving other finished.
     CLogEntry &operator=(CLogEntry &other);
     ~CLogEntry();
 

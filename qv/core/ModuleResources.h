@@ -34,18 +34,23 @@
 
 namespace qv {
 
-QV_API HINSTANCE GetProgramModule();
-QV_API HINSTANCE GetLibraryModule();
+QV_API HINSTANCE GetProgramModule(); ///< the first registered program table, or null
+QV_API HINSTANCE GetLibraryModule(); ///< libqv.so's own table, or null
+/// The table of that module name (case ignored; null: the program), or null.
 QV_API HINSTANCE FindResourceModule(char16_t const *name);
 /// Whether module is a registered (loaded) table.
 QV_API bool IsResourceModule(HINSTANCE module);
 
-QV_API uint32_t GetResourceCount(HINSTANCE module);
+QV_API uint32_t GetResourceCount(HINSTANCE module); ///< entries of module; 0 for an unknown one
 /// The entry at index in table order; null past the end.
 QV_API HRSRC GetResourceAt(HINSTANCE module, uint32_t index);
 
+/// The entry of that type and name: FindResourceExact in exactly that
+/// language, FindResource with the fallback described above. Null if none.
+///@{
 QV_API HRSRC FindResourceExact(HINSTANCE module, SResourceId type, SResourceId name, uint16_t language);
 QV_API HRSRC FindResource(HINSTANCE module, SResourceId type, SResourceId name, uint16_t language);
+///@}
 
 /// Appends the languages in which type and name exist, in table order; the
 /// number appended.

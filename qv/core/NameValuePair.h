@@ -9,8 +9,8 @@ namespace qv {
 
 /// @copydoc NameValuePair.h
 struct SNameValuePair {
-    CString Name;
-    CString Value;
+    CString Name;  ///< the name
+    CString Value; ///< its text
 };
 
 } // namespace qv

@@ -36,10 +36,10 @@ class IFile;
 /// One leaf of the tree. Named types and names are kept with named set and
 /// the id 0.
 struct SPEResource {
-    uint32_t type = 0;
-    uint32_t name = 0;
-    uint16_t language = 0;
-    bool named = false;
+    uint32_t type = 0;      ///< numeric type; 0 for a named type
+    uint32_t name = 0;      ///< numeric name; 0 for a named one
+    uint16_t language = 0;  ///< language id
+    bool named = false;     ///< the type or the name is a text
     uint32_t size = 0;        ///< bytes of the data
     int64_t dataOffset = 0;   ///< where the data starts in the file
     int64_t entryOffset = 0;  ///< where its IMAGE_RESOURCE_DATA_ENTRY starts
@@ -48,7 +48,7 @@ struct SPEResource {
 /// @copydoc PEResources.h
 class QV_API CPEResources {
 public:
-    static constexpr uint32_t kMaxSectionBytes = 256u << 20;
+    static constexpr uint32_t kMaxSectionBytes = 256u << 20; ///< largest resource section Read takes in
 
     /// Reads file's headers and resource tree; false (and empty) if malformed.
     bool Read(IFile &file);

@@ -26,24 +26,28 @@ namespace qv {
 
 /// @copydoc PropertyArray.h
 struct QV_API ENTRY {
-    CString name;
-    CString value;
+    CString name;  ///< compared without regard to case
+    CString value; ///< always text, numbers as their text
 };
 
 /// @copydoc PropertyArray.h
 class QV_API CPropertyArray : public TArray<ENTRY> {
 public:
+    /// The handle operator[] returns: reads and writes one named value.
     class QV_API CEntry {
     public:
+        /// A handle on name (null: the empty name) in array, which must outlive it.
         CEntry(CPropertyArray *array, char16_t const *name);
 
+        /// The value, or the empty text if the name is absent; points into the array.
         operator char16_t const *() const;
         operator int() const;     ///< _wtol
         operator double() const;  ///< _wtof
         operator int64_t() const; ///< _wtoi64
         operator void *() const;  ///< "0x" and hexadecimal digits; anything else reads null
-        bool Exists() const;
+        bool Exists() const; ///< true if the array holds the name
 
+        /// Sets the value (null: the empty text), creating the entry if absent.
         CEntry &operator=(char16_t const *v);
         CEntry &operator=(int v);     ///< "%d"
         CEntry &operator=(int64_t v); ///< "%I64d"
@@ -62,11 +66,14 @@ public:
     };
 
     CPropertyArray() = default;
+    /// Copies every entry; the strings are shared until changed.
+    ///@{
     CPropertyArray(CPropertyArray const &other) = default;
     CPropertyArray &operator=(CPropertyArray const &other) = default;
+    ///@}
 
-    int nValues() const;
-    void Clear();
+    int nValues() const; ///< the number of entries
+    void Clear();        ///< removes every entry
     /// The first entry whose name matches without regard to case, or -1.
     int FindValue(char16_t const *name) const;
     /// The value, or the empty text if the name is absent.
@@ -74,6 +81,8 @@ public:
     /// Replaces the first match's value or appends the entry.
     void SetValue(char16_t const *name, char16_t const *value);
 
+    /// A handle on the named value; reading an absent name reads the empty
+    /// text, writing creates the entry.
     CEntry operator[](char16_t const *name);
     /// The i-th entry's name; past the end (or negative) the empty name.
     CEntry operator[](int i);

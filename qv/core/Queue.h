@@ -13,7 +13,7 @@ namespace qv {
 /// @copydoc Queue.h
 template <class T> class TQueue : public TArray<T> {
 public:
-    bool Enqueue(T const &v) { return this->Add(v); }
+    bool Enqueue(T const &v) { return this->Add(v); } ///< Add(v): false if it cannot be stored
     /// Copies the front item to out and removes it; false on an empty queue.
     bool Dequeue(T &out) {
         if (this->count == 0) return false;
@@ -21,10 +21,8 @@ public:
         return this->Remove(0);
     }
     /// The front item; on an empty queue TArray's static default dummy.
-    ///@{
     T const &Front() const { return this->GetAt(0); }
-    bool IsEmpty() const { return this->count == 0; }
-    ///@}
+    bool IsEmpty() const { return this->count == 0; } ///< true when no item is left
 };
 
 } // namespace qv

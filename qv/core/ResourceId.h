@@ -25,8 +25,8 @@
 
 namespace qv {
 
-constexpr uint16_t kResourceTypeString = 6;
-constexpr uint16_t kResourceTypeRCData = 10;
+constexpr uint16_t kResourceTypeString = 6;  ///< blocks of 16 strings
+constexpr uint16_t kResourceTypeRCData = 10; ///< raw bytes
 
 /// The pointer form of a numeric identifier; never dereferenced.
 ///@{
@@ -43,12 +43,14 @@ struct QV_API SResourceId {
     uint16_t id = 0;                ///< the number when name is null
     char16_t const *name = nullptr; ///< the name, not owned; null for a number
 
-    static SResourceId Number(uint16_t id) { return SResourceId{id, nullptr}; }
+    static SResourceId Number(uint16_t id) { return SResourceId{id, nullptr}; } ///< a numeric id
+    /// A named id; text is kept, not copied, and must outlive the id.
     static SResourceId Name(char16_t const *text) { return SResourceId{0, text}; }
     /// Decodes the pointer convention above.
     static SResourceId FromText(char16_t const *text);
 
-    bool IsNumeric() const { return name == nullptr; }
+    bool IsNumeric() const { return name == nullptr; } ///< true for a number
+    /// Numbers by value, names without regard to case; a number never matches a name.
     bool Matches(SResourceId const &other) const;
 };
 

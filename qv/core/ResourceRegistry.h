@@ -12,8 +12,12 @@ namespace qv {
 /// @copydoc ResourceRegistry.h
 class CResourceRegistry {
 public:
+    /// Appends registration to the list (so earlier modules are found first)
+    /// or takes it out; Remove of one not listed does nothing.
+    ///@{
     static void Add(CResourceRegistration &registration);
     static void Remove(CResourceRegistration &registration);
+    ///@}
     /// The first registered module that kind and, unless null, name (ignoring
     /// case) describe; null if none.
     static HINSTANCE Find(EResourceModuleKind kind, char16_t const *name);

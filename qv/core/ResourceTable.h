@@ -26,32 +26,33 @@ namespace qv {
 
 /// @copydoc ResourceTable.h
 struct SResourceEntry {
-    SResourceId type;
-    SResourceId name;
+    SResourceId type; ///< resource type, a number (6: string block) or a name
+    SResourceId name; ///< resource name, a number or a name
     uint16_t language; ///< a Windows language id; 0 is neutral
-    uint32_t size;
+    uint32_t size;    ///< bytes at data
     unsigned char const *data; ///< size bytes, constant, in the module
 };
 
+/// Whether a module's resources belong to the program or to a library.
 enum class EResourceModuleKind : uint32_t { Program = 0, Library = 1 };
 
 /// @copydoc ResourceTable.h
 struct SResourceModule {
     char16_t const *name; ///< the build target's name, e.g. u"qv" for libqv.so
-    EResourceModuleKind kind;
-    SResourceEntry const *entries;
-    uint32_t count;
+    EResourceModuleKind kind;      ///< program or library
+    SResourceEntry const *entries; ///< count entries, constant
+    uint32_t count;                ///< number of entries
 };
 
-using HINSTANCE = SResourceModule const *;
-using HRSRC = SResourceEntry const *;
+using HINSTANCE = SResourceModule const *; ///< a module handle: its registered record
+using HRSRC = SResourceEntry const *;      ///< a resource handle: its entry
 
 /// Enters module into the registry on construction and removes it on
 /// destruction. One static object per module (qvrc writes it); the module
 /// record must outlive the object. Not copyable.
 class QV_API CResourceRegistration {
 public:
-    explicit CResourceRegistration(SResourceModule const &module);
+    explicit CResourceRegistration(SResourceModule const &module); ///< enters module
     ~CResourceRegistration();
     CResourceRegistration(CResourceRegistration const &) = delete;
     CResourceRegistration &operator=(CResourceRegistration const &) = delete;

@@ -73,7 +73,7 @@ template <class Make> void RunOnce(std::atomic<int> &begun, std::atomic<int> &do
 /// The one post-creation policy: nothing happens. Exported, because a
 /// template instantiation is no more visible than its arguments.
 struct QV_API TSingletonPtrPostCreateDoNothing {
-    template <class T> static void PostCreate(T *) {}
+    template <class T> static void PostCreate(T *) {} ///< does nothing
 };
 
 /// @copydoc Singleton.h
@@ -83,10 +83,16 @@ public:
     TSingletonPtr() {
         if constexpr (CreateAtStart) GetInstance();
     }
+    /// Handles carry nothing: copying one copies no data.
+    ///@{
     TSingletonPtr(TSingletonPtr const &) {}
     TSingletonPtr &operator=(TSingletonPtr const &) { return *this; } // handles carry nothing
+    ///@}
     ~TSingletonPtr() {}
 
+    /// The instance, built with new T() on first use (one thread builds, the
+    /// others wait). An exception from new T() reaches the caller; the next
+    /// call tries again.
     static T *GetInstance() {
         if (T *ready = instance.load(std::memory_order_acquire)) return ready;
         Private::RunOnce(begun, done, [] {
@@ -98,10 +104,15 @@ public:
         return instance.load(std::memory_order_acquire);
     }
 
+    /// GetInstance() in the form the caller needs.
+    ///@{
     operator T *() const { return GetInstance(); }
     T *operator->() const { return GetInstance(); }
     T &operator*() const { return *GetInstance(); }
+    ///@}
 
+    /// The exit routine's deleter: deletes object and, when it is the current
+    /// instance, forgets it. Not for other callers (see the file comment).
     static void Delete(T *object) {
         T *expected = object;
         if (object && instance.compare_exchange_strong(expected, nullptr, std::memory_order_acq_rel)) {

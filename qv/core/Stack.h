@@ -11,7 +11,7 @@ namespace qv {
 /// @copydoc Stack.h
 template <class T> class TStack : public TArray<T> {
 public:
-    bool Push(T const &v) { return this->Add(v); }
+    bool Push(T const &v) { return this->Add(v); } ///< Add(v): false if it cannot be stored
     /// Removes the top item; true without effect on an empty stack.
     bool Pop() { return this->count == 0 || this->Remove(this->count - 1); }
     /// Copies the top item to out and removes it; false on an empty stack.
@@ -21,10 +21,8 @@ public:
         return this->Remove(this->count - 1);
     }
     /// The top item; on an empty stack TArray's static default dummy.
-    ///@{
     T const &Top() const { return this->GetAt(this->count - 1); }
-    bool IsEmpty() const { return this->count == 0; }
-    ///@}
+    bool IsEmpty() const { return this->count == 0; } ///< true when no item is left
 };
 
 } // namespace qv

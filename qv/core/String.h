@@ -44,28 +44,34 @@ namespace qv {
 /// block of narrowSize bytes. A new record has refCount 1 and every other field
 /// zero. Only CString allocates and frees the blocks.
 struct CStringRep {
-    std::atomic<int32_t> refCount;
-    char16_t *text;
-    int32_t length;
-    int32_t capacity;
-    char *narrow;
-    int32_t narrowSize;
+    std::atomic<int32_t> refCount; ///< strings sharing the record
+    char16_t *text;                ///< the units, NUL-terminated
+    int32_t length;                ///< units before the terminator
+    int32_t capacity;              ///< units the text may hold without growing
+    char *narrow;                  ///< last UTF-8 or code page conversion, or null
+    int32_t narrowSize;            ///< bytes of the narrow block
 };
 
 /// @copydoc String.h
 class QV_API CString {
 public:
-    CString();
+    CString(); ///< the empty text (not null)
+    /// A copy of the text (UTF-8 or UTF-16); a null pointer gives the empty text.
+    ///@{
     CString(char const *utf8);
     CString(char16_t const *text);
+    ///@}
     CString(CString const &other);     ///< shares the record
     CString(CString &&other) noexcept; ///< takes the record; other becomes null
     ~CString();
 
+    /// Copy(text): detaches and copies; a null pointer gives the empty text.
+    ///@{
     CString &operator=(char const *utf8);
     CString &operator=(char16_t const *text);
+    ///@}
     CString &operator=(CString const &other); ///< releases its own record, shares other's
-    CString &operator=(CString &&other) noexcept;
+    CString &operator=(CString &&other) noexcept; ///< takes the record; other becomes null
 
     /// Detach and copy n units of s (n of -1, negative or past the text: all of
     /// it). The capacity only changes when it is too small, and then becomes
@@ -88,12 +94,19 @@ public:
     void Destroy(); ///< release the record; the string becomes null
     void Empty();   ///< the same
 
-    int GetLength() const;
-    bool IsEmpty() const;
+    int GetLength() const; ///< units before the terminator; 0 when null
+    bool IsEmpty() const;  ///< length 0, null included
+    /// The text, or a null pointer for a null string.
+    ///@{
     char16_t const *GetTChar() const;
     operator char16_t const *() const;
+    ///@}
+    /// The text, or a static empty text for a null string; never null.
+    /// ConvertToUTF16 gives a writable pointer into the record without detaching.
+    ///@{
     char16_t const *GetUTF16() const;
     char16_t *ConvertToUTF16();
+    ///@}
 
     /// Convert into the record's narrow cache and return it. The result stays
     /// valid until the next conversion on the same record (the UTF-8 and code
@@ -181,10 +194,14 @@ public:
     static int CompareNoCase(char16_t const *a, char16_t const *b);
     ///@}
 
+    /// Whole-text or prefix comparisons through Compare/CompareNoCase; a null
+    /// string gives false, even against the empty text.
+    ///@{
     bool Equals(char16_t const *s) const;
     bool EqualsNoCase(char16_t const *s) const;
     bool StartsWith(char16_t const *s) const;
     bool StartsWithNoCase(char16_t const *s) const;
+    ///@}
     /// The ends are found by scanning the stored text for its terminator.
     ///@{
     bool EndsWith(char16_t const *s) const;
@@ -282,8 +299,12 @@ private:
     CStringRep *rep;
 };
 
+/// A new string holding a followed by b; a null string or pointer joins as the
+/// empty text, and the result is never null.
+///@{
 QV_API CString operator+(CString const &a, char16_t const *b);
 QV_API CString operator+(CString const &a, CString const &b);
 QV_API CString operator+(char16_t const *a, CString const &b);
+///@}
 
 } // namespace qv

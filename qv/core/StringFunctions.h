@@ -3,8 +3,8 @@
 /// functions, thread-safe; pointers must not be null.
 ///
 /// White space and digits are judged per code unit: narrow text by the ASCII
-/// rules (never the process locale), wide text by qv::iswspace/qv::iswdigit
-/// (ASCII and Latin-1 rules).
+/// rules (never the process locale), wide text by qv::iswspace and
+/// qv::iswdigit (see WideChar.h: Unicode white space of the BMP, '0'..'9').
 #pragma once
 
 #include <cstddef>

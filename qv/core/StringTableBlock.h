@@ -14,8 +14,9 @@
 
 namespace qv {
 
-constexpr uint32_t kStringsPerBlock = 16;
+constexpr uint32_t kStringsPerBlock = 16; ///< ids per block
 
+/// The number of the block that holds id: id / 16 + 1.
 inline uint16_t StringBlockOfId(uint32_t id) {
     return uint16_t((id >> 4) + 1);
 }
@@ -23,7 +24,7 @@ inline uint16_t StringBlockOfId(uint32_t id) {
 /// @copydoc StringTableBlock.h
 struct SStringBlockText {
     unsigned char const *units; ///< little-endian code units
-    uint32_t length;
+    uint32_t length; ///< code units, no terminator
 };
 
 /// Fills texts with the strings present, in id order; the number present (a

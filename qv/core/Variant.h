@@ -42,8 +42,8 @@ namespace qv {
 
 /// @copydoc Variant.h
 struct SEnumValue {
-    CString name;
-    int64_t value = 0;
+    CString name;      ///< the entry's name, matched with case mattering
+    int64_t value = 0; ///< the number the name stands for
 };
 
 class IConfigStore;
@@ -120,7 +120,7 @@ public:
     /// text if v is a string, else v.ToInt64(). Undefined stays as it is.
     void setValue(CVariant const &v);
 
-    EType getType() const;
+    EType getType() const; ///< the type; the value is read by the ToX of the caller's choice
     void setType(EType t); ///< Destroy, then the type: the value bytes stay stale
     void Destroy();        ///< text emptied, blob freed, enum table emptied, Undefined
 
@@ -145,6 +145,8 @@ public:
     /// blob "%02X" a byte; enum the name of its value (empty if none).
     CString ToString() const;
 
+    /// The same as the matching ToX (ToBool, ToInt8, ..., ToFlt64, ToString).
+    ///@{
     operator bool() const;
     operator int8_t() const;
     operator uint8_t() const;
@@ -157,6 +159,7 @@ public:
     operator float() const;
     operator double() const;
     operator CString() const;
+    ///@}
 
     /// Keeps the type and reads s into it (null reads as the empty text): bool
     /// CBool::Parse; int8 to uint32 _wtol cut to the width; int64/uint64
@@ -185,8 +188,13 @@ public:
     int64_t getEnumValue() const;     ///< the eight value bytes
     ///@}
 
+    /// The file form described in the file comment; a null file does nothing.
+    /// Both always return true. Load takes the type it reads; a scalar it cannot
+    /// read leaves the old value bytes in place.
+    ///@{
     bool Save(IFile *file) const;
     bool Load(IFile *file);
+    ///@}
 
     /// In a settings store (qv/config/IConfigStore.h), at its current path:
     /// "Type" (TypeToString) and "Value" (ToString); an enum also its table,

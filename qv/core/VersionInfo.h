@@ -61,53 +61,53 @@ struct SPEResource;
 /// @copydoc VersionInfo.h
 struct VS_FIXEDFILEINFO {
     uint32_t dwSignature; ///< 0xFEEF04BD
-    uint32_t dwStrucVersion;
-    uint32_t dwFileVersionMS;
-    uint32_t dwFileVersionLS;
-    uint32_t dwProductVersionMS;
-    uint32_t dwProductVersionLS;
-    uint32_t dwFileFlagsMask;
-    uint32_t dwFileFlags;
-    uint32_t dwFileOS;
-    uint32_t dwFileType;
-    uint32_t dwFileSubtype;
-    uint32_t dwFileDateMS;
-    uint32_t dwFileDateLS;
+    uint32_t dwStrucVersion; ///< version of this structure, as read
+    uint32_t dwFileVersionMS; ///< file version, high 32 bits (major, minor)
+    uint32_t dwFileVersionLS; ///< file version, low 32 bits (build, revision)
+    uint32_t dwProductVersionMS; ///< product version, high 32 bits
+    uint32_t dwProductVersionLS; ///< product version, low 32 bits
+    uint32_t dwFileFlagsMask; ///< which bits of dwFileFlags are valid
+    uint32_t dwFileFlags; ///< VS_FF_ flags, such as kPrerelease
+    uint32_t dwFileOS; ///< target operating system, as read
+    uint32_t dwFileType; ///< file type (application, DLL, ...), as read
+    uint32_t dwFileSubtype; ///< subtype for drivers and fonts, as read
+    uint32_t dwFileDateMS; ///< file date, high 32 bits
+    uint32_t dwFileDateLS; ///< file date, low 32 bits
 };
 
 /// One entry of a string table: a name such as "FileVersion" and its text.
 struct VS_STRING {
-    uint16_t wLength = 0;
+    uint16_t wLength = 0; ///< bytes of the whole entry; Save recomputes it
     uint16_t wValueLength = 0; ///< characters of the value, terminator included
-    uint16_t wType = 1;
-    CString key;
-    CString value;
+    uint16_t wType = 1; ///< 1: text value
+    CString key; ///< the name, such as "FileVersion"
+    CString value; ///< the text
 };
 
 /// A string table; its key is the language and code page ("040904b0").
 struct VS_STRINGTABLE {
-    uint16_t wLength = 0;
-    uint16_t wValueLength = 0;
-    uint16_t wType = 1;
-    CString key;
-    TArray<VS_STRING> strings;
+    uint16_t wLength = 0; ///< bytes of the whole table; Save recomputes it
+    uint16_t wValueLength = 0; ///< always 0: a table holds no value of its own
+    uint16_t wType = 1; ///< as read
+    CString key; ///< language and code page, such as "040904b0"
+    TArray<VS_STRING> strings; ///< the entries, in file order
 };
 
 /// A variable of VarFileInfo, such as "Translation", with its binary value.
 struct VS_VAR {
-    uint16_t wLength = 0;
+    uint16_t wLength = 0; ///< bytes of the whole entry; Save recomputes it
     uint16_t wValueLength = 0; ///< bytes of the value
-    uint16_t wType = 0;
-    CString key;
-    TSimpleArray<uint8_t> value;
+    uint16_t wType = 0; ///< 0: binary value
+    CString key; ///< the name, such as "Translation"
+    TSimpleArray<uint8_t> value; ///< the value's bytes
 };
 
 /// The header of StringFileInfo or VarFileInfo, which hold the lists above.
 struct VS_FILEINFO_HEADER {
-    bool present = false;
-    uint16_t wLength = 0;
-    uint16_t wValueLength = 0;
-    uint16_t wType = 1;
+    bool present = false; ///< the block was read (or is to be written)
+    uint16_t wLength = 0; ///< bytes of the whole block; Save recomputes it
+    uint16_t wValueLength = 0; ///< always 0: the block holds no value of its own
+    uint16_t wType = 1; ///< as read
 };
 
 /// @copydoc VersionInfo.h
@@ -134,8 +134,11 @@ public:
     ///@}
 
     CVersionInfo();
+    /// Deep copies: the tables and variables are copied, nothing is shared.
+    ///@{
     CVersionInfo(CVersionInfo const &other);
     CVersionInfo &operator=(CVersionInfo const &other);
+    ///@}
     ~CVersionInfo();
     void Destroy(); ///< back to nothing loaded
 

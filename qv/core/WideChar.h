@@ -24,15 +24,22 @@
 
 namespace qv {
 
-QV_API size_t wcslen(char16_t const *s);
+QV_API size_t wcslen(char16_t const *s); ///< units before the terminator
+/// Negative, 0 or positive by unsigned code unit, over the whole texts or at
+/// most n units; the _wcsi forms compare after towlower.
+///@{
 QV_API int wcscmp(char16_t const *a, char16_t const *b);
 QV_API int wcsncmp(char16_t const *a, char16_t const *b, size_t n);
 QV_API int _wcsicmp(char16_t const *a, char16_t const *b);
 QV_API int _wcsnicmp(char16_t const *a, char16_t const *b, size_t n);
+///@}
+/// The one-to-one case mapping of c, or c itself.
+///@{
 QV_API char16_t towlower(char16_t c);
 QV_API char16_t towupper(char16_t c);
-QV_API bool iswspace(char16_t c);
-QV_API bool iswdigit(char16_t c);
+///@}
+QV_API bool iswspace(char16_t c); ///< Unicode White_Space of the BMP
+QV_API bool iswdigit(char16_t c); ///< '0'..'9' only
 /// A letter of the "C" locale: 'a'..'z' and 'A'..'Z' only.
 inline bool IsAsciiLetter(char16_t c) {
     return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');

@@ -20,7 +20,7 @@
 /// - %s %S %c %C: l and w mean wide, h narrow; a precision counts output units
 ///   and never splits a converted character; text converts between UTF-8 and
 ///   UTF-16 with U+FFFD for invalid input; a 0 flag pads text with zeros;
-/// - %#x and %#X prefix 0x/0X even for zero; %p prints every hex digit of the
+/// - `%#x` and `%#X` prefix 0x/0X even for zero; %p prints every hex digit of the
 ///   pointer in upper case ("%p" of 0x1234 is "0000000000001234");
 /// - %e %f %g %a are exact and round to nearest, ties to even; %E %F %G %A
 ///   print "INF"/"NAN"; NaN never prints a '-'; %a has 13 hex digits unless a
@@ -36,10 +36,17 @@
 
 namespace qv {
 
+/// The length fmt formats to, without terminator; -1 as above.
+///@{
 QV_API int _vscwprintf(char16_t const *fmt, va_list args);
 QV_API int _scwprintf(char16_t const *fmt, ...);
+///@}
+/// Formats into buf, at most size units with the terminator; returns the full
+/// length needed, as C99 snprintf does.
+///@{
 QV_API int vswprintf(char16_t *buf, size_t size, char16_t const *fmt, va_list args);
 QV_API int swprintf(char16_t *buf, size_t size, char16_t const *fmt, ...);
+///@}
 
 /// Narrow, locale-free ("c_") forms for file readers and writers.
 ///@{

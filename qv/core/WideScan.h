@@ -22,9 +22,13 @@
 
 namespace qv {
 
+/// Scans s by fmt into the pointer arguments: wide (char16_t) or narrow
+/// ("c_", bytes) forms. Returns the number of assigned fields, or -1 (EOF).
+///@{
 QV_API int vswscanf(char16_t const *s, char16_t const *fmt, va_list args);
 QV_API int swscanf(char16_t const *s, char16_t const *fmt, ...);
 QV_API int c_vsscanf(char const *s, char const *fmt, va_list args);
 QV_API int c_sscanf(char const *s, char const *fmt, ...);
+///@}
 
 } // namespace qv
