@@ -29,12 +29,18 @@ namespace qv {
 class QV_API CBoundedFile : public IFile {
 public:
     CBoundedFile() = default;
+    /// The same window and position of the same inner file, not owned; an
+    /// assignment keeps owning only an inner file it already owned.
+    ///@{
     CBoundedFile(CBoundedFile const &other);
     CBoundedFile &operator=(CBoundedFile const &other);
+    ///@}
     ~CBoundedFile() override;
 
+    /// Shows the window start .. start + length of f (see the top of this
+    /// file), position 0; a previous, different owned file is deleted.
     void Create(IFile *f, int64_t start, int64_t length, bool owned);
-    int64_t GetStartPos();
+    int64_t GetStartPos(); ///< the window's start in the inner file
 
     char16_t *GetFilename(char16_t *buf, int size) override;
     IFileSystem &GetFileSystem() override;
@@ -48,12 +54,12 @@ public:
     void Close() override;
 
 protected:
-    IFile *file = nullptr;
-    int64_t start = 0;
-    int64_t end = 0;
-    int64_t length = 0;
+    IFile *file = nullptr; ///< the inner file, or null
+    int64_t start = 0;     ///< the window's first byte in the inner file
+    int64_t end = 0;       ///< start + length
+    int64_t length = 0;    ///< the window's size
     int64_t position = 0; ///< relative to start
-    bool owned = false;
+    bool owned = false; ///< the window deletes file
 
 private:
     void ReleaseFile();

@@ -37,16 +37,16 @@ class IFileSystem;
 QV_API uint16_t InitCRC16();                                                    ///< 0
 QV_API uint16_t CalcMultBlockCRC16(uint8_t const *p, uint32_t n, uint16_t crc); ///< null p or n 0: crc
 QV_API uint16_t FiniCRC16(uint16_t crc);                                        ///< crc unchanged
-QV_API uint16_t CalcBlockCRC16(uint8_t const *p, uint32_t n);
-QV_API bool CalcCRC16(uint16_t &crc, IFile *f);
-QV_API bool CalcCRC16(uint16_t &crc, IFileSystem *fs, CString path);
+QV_API uint16_t CalcBlockCRC16(uint8_t const *p, uint32_t n); ///< Init, Mult and Fini over one block
+QV_API bool CalcCRC16(uint16_t &crc, IFile *f); ///< from f's position to its end
+QV_API bool CalcCRC16(uint16_t &crc, IFileSystem *fs, CString path); ///< the whole file at path
 
-QV_API void InitCRC32Table(uint32_t polynomial);
+QV_API void InitCRC32Table(uint32_t polynomial); ///< rebuilds the shared table (see the top of this file)
 QV_API uint32_t InitCRC32();                                                    ///< all ones
 QV_API uint32_t CalcMultBlockCRC32(uint8_t const *p, uint32_t n, uint32_t crc); ///< null p or n 0: crc
 QV_API uint32_t FiniCRC32(uint32_t crc);                                        ///< the complement
 QV_API uint32_t CalcBlockCRC32(uint8_t const *p, uint32_t n);                   ///< n 0: 0
-QV_API bool CalcCRC32(uint32_t &crc, IFile *f);
-QV_API bool CalcCRC32(uint32_t &crc, IFileSystem *fs, CString path);
+QV_API bool CalcCRC32(uint32_t &crc, IFile *f); ///< from f's position to its end
+QV_API bool CalcCRC32(uint32_t &crc, IFileSystem *fs, CString path); ///< the whole file at path
 
 } // namespace qv

@@ -36,8 +36,9 @@ public:
     void Close() override;
 
 protected:
+    /// className names the sink in the debug texts; it is not copied.
     explicit CCalcCRCFile(char16_t const *className) : className(className) {}
-    int64_t count = 0;
+    int64_t count = 0; ///< bytes written since construction or Reset
 
 private:
     void NotImplemented(char16_t const *operation) const;
@@ -49,11 +50,11 @@ class QV_API CCalcCRC16File : public CCalcCRCFile {
 public:
     CCalcCRC16File();
     uint32_t Write(void const *p, uint32_t n) override;
-    uint16_t GetCRC() const;
-    void Reset();
+    uint16_t GetCRC() const; ///< of everything written since construction or Reset
+    void Reset();            ///< starts over: count 0, a fresh CRC
 
 protected:
-    uint16_t crc;
+    uint16_t crc; ///< the running CRC-16
 };
 
 /// @copydoc CRCFile.h
@@ -62,10 +63,10 @@ public:
     CCalcCRC32File();
     uint32_t Write(void const *p, uint32_t n) override;
     uint32_t GetCRC() const; ///< finished (complemented)
-    void Reset();
+    void Reset();            ///< starts over: count 0, a fresh CRC
 
 protected:
-    uint32_t crc;
+    uint32_t crc; ///< the running CRC-32, before FiniCRC32
 };
 
 } // namespace qv

@@ -39,8 +39,8 @@
 
 namespace qv {
 
-using FileHandle = intptr_t;
-constexpr FileHandle kInvalidFileHandle = -1;
+using FileHandle = intptr_t;                  ///< the platform's handle (see the top of this file)
+constexpr FileHandle kInvalidFileHandle = -1; ///< no handle
 
 /// @copydoc File.h
 class QV_API CFile : public IFile {
@@ -54,10 +54,13 @@ public:
     ~CFile() override;
     ///@}
 
+    /// Opens path on the disk with the flag word (see the top of this file);
+    /// false, with a log line, if it cannot, and the object is as it was. A
+    /// handle already held is replaced without being closed.
     bool Open(char16_t const *path, uint32_t flags);
     void Attach(FileHandle handle); ///< the old handle is not closed
     FileHandle Detach();            ///< returns the handle and forgets it
-    FileHandle GetHandle() const;
+    FileHandle GetHandle() const; ///< kInvalidFileHandle when closed
     bool SetEOF(); ///< the file ends at the current position
     /// Removes the file's name from its directory; true on success.
     static bool Remove(char16_t const *path);
@@ -82,10 +85,13 @@ public:
     void Close() override; ///< nothing on a closed file
     ///@}
 
+    /// The file's Remove(pos, n) forms beside the static one.
+    ///@{
     using IFile::Remove; ///< the file's Remove(pos, n) beside the static one
+    ///@}
 
 protected:
-    FileHandle handle;
+    FileHandle handle; ///< kInvalidFileHandle when closed
     CString filename; ///< the full path
 };
 

@@ -11,7 +11,7 @@
 
 namespace qv {
 
-constexpr uint32_t kFileScanBlock = 0x80000;
+constexpr uint32_t kFileScanBlock = 0x80000; ///< bytes read per step (512 KiB)
 
 /// Calls step(bytes, n) for each block read from the present position until a
 /// read gives nothing. False for a null file or when the block cannot be had.

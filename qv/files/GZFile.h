@@ -60,9 +60,14 @@ namespace qv {
 /// @copydoc GZFile.h
 class QV_API CGZFile : public IFile {
 public:
+    /// A reader or writer over f (see the top of this file); owned: Close
+    /// deletes f.
     CGZFile(IFile *f, uint32_t flags, bool owned);
+    /// See Copies at the top of this file; assignment closes this object first.
+    ///@{
     CGZFile(CGZFile const &other);
     CGZFile &operator=(CGZFile const &other);
+    ///@}
     ~CGZFile() override;
 
     char16_t *GetFilename(char16_t *buf, int size) override;
@@ -81,16 +86,16 @@ public:
     bool Finish();
 
 protected:
-    IFile *file = nullptr;
+    IFile *file = nullptr; ///< the inner file; null for an unusable object
     uint8_t *buffer = nullptr; ///< compressed data; a reader's second half takes discarded output
-    uint32_t bufferSize = 0;
-    int64_t position = 0;
+    uint32_t bufferSize = 0; ///< bytes at buffer
+    int64_t position = 0;    ///< uncompressed position
     int64_t size = 0; ///< uncompressed
-    uint32_t flags = 0;
-    z_stream_s *stream = nullptr;
-    bool raw = true;
-    int64_t dataStart = 0;
-    bool owned = false;
+    uint32_t flags = 0;           ///< 0x10 reader, 0x20 writer
+    z_stream_s *stream = nullptr; ///< the zlib state; null when there is none
+    bool raw = true;              ///< a pass-through or unusable object
+    int64_t dataStart = 0;        ///< inner-file offset where the zlib stream begins
+    bool owned = false;           ///< Close deletes file
 
 private:
     void Open(IFile *f, uint32_t mode, bool own);

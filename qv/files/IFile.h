@@ -44,9 +44,12 @@ public:
     /// false: machine (little-endian) order; true: multi-byte values reversed.
     bool m_swap = false;
 
+    /// The base holds only m_swap, which copies.
+    ///@{
     IFile() = default;
     IFile(IFile const &) = default;
     IFile &operator=(IFile const &) = default;
+    ///@}
 
     /// ---- The contract, in slot order ----
     virtual ~IFile();

@@ -39,14 +39,19 @@ namespace qv {
 class QV_API CMemFile : public IFile, public TArray<unsigned char> {
 public:
     CMemFile();
+    /// An owned copy of the bytes, with the position and the grow flag.
+    ///@{
     CMemFile(CMemFile const &other);
     CMemFile &operator=(CMemFile const &other);
+    ///@}
     ~CMemFile() override;
 
-    void SetGrow(bool grow);
+    void SetGrow(bool grow); ///< whether writes may extend the file (see Growth above)
+    /// Releases the present block and shows the n bytes at p instead; owned:
+    /// p is a malloc block the file frees. The position is not changed.
     void Attach(unsigned char *p, uint32_t n, bool owned);
     void Reset(); ///< SetSize(0), SetPosition(0)
-    int64_t ConstGetSize() const;
+    int64_t ConstGetSize() const; ///< GetSize for a const file
 
     char16_t *GetFilename(char16_t *buf, int size) override;
     IFileSystem &GetFileSystem() override;
@@ -66,9 +71,9 @@ public:
     ///@}
 
 protected:
-    uint32_t position = 0;
-    bool grow = true;
-    bool owned = true;
+    uint32_t position = 0; ///< may stand past the end
+    bool grow = true;      ///< writes may extend the file
+    bool owned = true;     ///< the file frees the block
 
 private:
     void ReleaseBlock(); ///< frees an owned block, forgets a foreign one

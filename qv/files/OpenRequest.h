@@ -17,6 +17,7 @@
 
 namespace qv {
 
+/// What to do about the file's existence (see the flags above).
 enum class Disposition {
     OpenAlways,   ///< open or create
     OpenExisting, ///< must exist
@@ -26,20 +27,22 @@ enum class Disposition {
 
 /// @copydoc OpenRequest.h
 struct OpenRequest {
-    Disposition disposition = Disposition::OpenExisting;
+    Disposition disposition = Disposition::OpenExisting; ///< must exist unless a flag says otherwise
     bool read = false; ///< desired access
-    bool write = false;
+    bool write = false;     ///< desired access
     bool shareRead = false; ///< what other opens may do meanwhile
-    bool shareWrite = false;
-    bool seekToEnd = false;
+    bool shareWrite = false; ///< what other opens may do meanwhile
+    bool seekToEnd = false;  ///< start at the end of the file (0x40)
     bool readOnly = false; ///< attributes of a file this open creates
-    bool hidden = false;
-    bool system = false;
-    bool temporary = false;
-    bool deleteOnClose = false;
-    bool writeThrough = false;
+    bool hidden = false;        ///< attribute of a file this open creates
+    bool system = false;        ///< attribute of a file this open creates
+    bool temporary = false;     ///< attribute of a file this open creates
+    bool deleteOnClose = false; ///< delete the file when it is closed (0x100000)
+    bool writeThrough = false;  ///< write through any cache (0x200000)
 };
 
+/// The request the flag word asks for, by the rules at the top of this file.
+/// Never fails: unknown bits are ignored.
 OpenRequest DecodeOpenFlags(uint32_t flags);
 
 } // namespace qv

@@ -19,6 +19,8 @@
 
 namespace qv {
 
+/// A new file over a copy of resource's bytes, unpacked if asked (see the
+/// top of this file); null on failure.
 QV_API IFile *CreateResourceFile(HRSRC resource, bool unpack);
 
 } // namespace qv

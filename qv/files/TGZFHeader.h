@@ -10,8 +10,8 @@
 
 namespace qv {
 
-constexpr int64_t kTGZFDataStart = 14;
-constexpr int64_t kTGZFSizeOffset = 6;
+constexpr int64_t kTGZFDataStart = 14; ///< where the zlib stream begins
+constexpr int64_t kTGZFSizeOffset = 6; ///< where the uncompressed size stands
 
 /// Writes the head with a size of 0 (filled in when the stream is closed).
 bool WriteTGZFHeader(IFile &f);

@@ -41,8 +41,8 @@ public:
     CAtomicSave &operator=(CAtomicSave const &) = delete;
     ///@}
 
-    IFile *File() const { return file; }
-    bool IsAtomic() const { return atomic; }
+    IFile *File() const { return file; }    ///< the file to write; null when nothing could be opened
+    bool IsAtomic() const { return atomic; } ///< whether a temporary file is written (see above)
     /// Records that a write of the caller failed: Commit will give up.
     void Fail() { failed = true; }
     /// Closes the file and puts it in the target's place. Call once.

@@ -76,6 +76,7 @@ public:
     /// A file inside: entry index -1 is the table, -2 closed.
     class QV_API CCDFile : public IFile {
     public:
+        /// The file of entry index of owner (-1: the table); owner must outlive it.
         CCDFile(CCDFileSystem *owner, int index);
         ~CCDFile() override;
         CCDFile(CCDFile const &) = delete;
@@ -91,7 +92,7 @@ public:
         bool SetSize(int64_t size) override;
         void Flush() override;
         void Close() override;
-        uint32_t GetType() const { return 0xFFFFFFFF; }
+        uint32_t GetType() const { return 0xFFFFFFFF; } ///< always 0xFFFFFFFF, as the file system's own GetType
 
     private:
         friend class CCDFileSystem;

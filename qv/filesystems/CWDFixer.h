@@ -18,8 +18,8 @@ namespace qv {
 class QV_API CCWDFixer {
 public:
     CCWDFixer();
-    CCWDFixer(CCWDFixer const &other) = default;
-    CCWDFixer &operator=(CCWDFixer const &other) = default;
+    CCWDFixer(CCWDFixer const &other) = default; ///< notes the same directory
+    CCWDFixer &operator=(CCWDFixer const &other) = default; ///< notes the same directory
     ~CCWDFixer();
 
 private:

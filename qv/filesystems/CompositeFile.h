@@ -26,13 +26,13 @@ namespace qv {
 
 class ICompositeFile;
 
-inline constexpr uint32_t kCompositeNameTaken = 0xFFFFFFFF;
+inline constexpr uint32_t kCompositeNameTaken = 0xFFFFFFFF; ///< Register's answer for a name already registered
 
 /// @copydoc CompositeFile.h
 struct REGISTER {
-    char16_t name[128];
-    ICompositeFile *(*create)();
-    bool (*test)(IFileSystem *fs, char16_t const *path);
+    char16_t name[128];          ///< the format's unique name
+    ICompositeFile *(*create)(); ///< makes an empty object of the format
+    bool (*test)(IFileSystem *fs, char16_t const *path); ///< whether the file at path in fs is of the format
 };
 
 /// @copydoc CompositeFile.h

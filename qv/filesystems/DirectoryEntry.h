@@ -40,16 +40,16 @@ public:
     ///@{
     void SetName(char16_t const *newName);
     void SetPath(char16_t const *newPath);
-    bool IsDirectory() const { return (attributes & kAttributeDirectory) != 0; }
-    bool IsFile() const { return (attributes & kAttributeFile) != 0; }
     ///@}
+    bool IsDirectory() const { return (attributes & kAttributeDirectory) != 0; } ///< kAttributeDirectory is set
+    bool IsFile() const { return (attributes & kAttributeFile) != 0; }           ///< kAttributeFile is set
 
-    char16_t name[kDirectoryEntryTextSize];
-    char16_t path[kDirectoryEntryTextSize];
-    uint32_t attributes;
-    int64_t size;
-    CDateTime modified;
-    CPropertyArray properties;
+    char16_t name[kDirectoryEntryTextSize]; ///< the last item of the path
+    char16_t path[kDirectoryEntryTextSize]; ///< the full path in the owning file system
+    uint32_t attributes;                    ///< kAttribute bits; kAttributeNone: no such entry
+    int64_t size;                           ///< in bytes
+    CDateTime modified;                     ///< last write time
+    CPropertyArray properties;              ///< named extras of the file system
 };
 
 } // namespace qv

@@ -45,14 +45,18 @@ inline constexpr uint32_t kSortDescending = 0x200;
 /// @copydoc DirectoryListing.h
 class QV_API CDirectoryListing : public TArray<CDirectoryEntry> {
 public:
+    /// An empty listing of listed (null: empty, cut to 511 units) made by owner.
     explicit CDirectoryListing(IFileSystem *owner = nullptr, char16_t const *listed = nullptr);
+    /// Copies the entries, the file system pointer and the directory.
+    ///@{
     CDirectoryListing(CDirectoryListing const &other) = default;
     CDirectoryListing &operator=(CDirectoryListing const &other) = default;
+    ///@}
 
-    void Sort(uint32_t flags);
+    void Sort(uint32_t flags); ///< stable, by the kSort flags (see the top of this file)
 
-    IFileSystem *fileSystem;
-    char16_t directory[kDirectoryEntryTextSize];
+    IFileSystem *fileSystem;                     ///< made the listing; not owned, may be null
+    char16_t directory[kDirectoryEntryTextSize]; ///< the listed directory
 };
 
 } // namespace qv

@@ -33,29 +33,36 @@ namespace qv {
 class QV_API IDirectoryMonitor {
 public:
     static constexpr uint32_t kWatchNames = 0x1; ///< names and last write
-    static constexpr uint32_t kWatchSize = 0x2;
-    static constexpr uint32_t kWatchAttributes = 0x4;
+    static constexpr uint32_t kWatchSize = 0x2;       ///< size changes
+    static constexpr uint32_t kWatchAttributes = 0x4; ///< permissions, times, extended attributes
     /// Room for the directory, terminator included.
     static constexpr int kMaxDirectory = 260;
 
     virtual ~IDirectoryMonitor();
+    /// Begins watching; false if it cannot (no such directory, no thread).
+    /// True at once if already watching.
     virtual bool Start() = 0;
+    /// Ends watching; nothing if not watching. Start may follow.
     virtual void Stop() = 0;
 
-    char16_t const *GetDirectory() const { return directory; }
-    uint32_t GetFlags() const { return flags; }
+    char16_t const *GetDirectory() const { return directory; } ///< the watched directory, as given
+    uint32_t GetFlags() const { return flags; } ///< the watch flags, as given
 
+    /// The change events (see the top of this file); paths relative to the
+    /// watched directory, valid during the call only.
+    ///@{
     event1<char16_t const *> FileAdded;
     event1<char16_t const *> FileRemoved;
     event1<char16_t const *> FileModified;
-    event2<char16_t const *, char16_t const *> FileRenamed;
+    event2<char16_t const *, char16_t const *> FileRenamed; ///< old path, new path
+    ///@}
 
 protected:
     /// dir is copied, cut to kMaxDirectory - 1 units (null: empty).
     IDirectoryMonitor(char16_t const *dir, uint32_t flags);
 
-    char16_t directory[kMaxDirectory];
-    uint32_t flags;
+    char16_t directory[kMaxDirectory]; ///< the watched directory, terminated
+    uint32_t flags;                    ///< the watch flags
 };
 
 } // namespace qv

@@ -51,13 +51,18 @@ class CDiskMonitorWorker;
 /// @copydoc DiskDirectoryMonitor.h
 class QV_API CWin32DirectoryMonitor : public IDirectoryMonitor {
 public:
+    /// A stopped monitor of dir; CreateDiskDirectoryMonitor checks dir first.
     CWin32DirectoryMonitor(char16_t const *dir, uint32_t flags);
     ~CWin32DirectoryMonitor() override;
     CWin32DirectoryMonitor(CWin32DirectoryMonitor const &) = delete;
     CWin32DirectoryMonitor &operator=(CWin32DirectoryMonitor const &) = delete;
 
+    /// Start runs the watch on a thread of its own; Stop asks it to end and
+    /// joins it (from a handler, on that thread, it is detached instead).
+    ///@{
     bool Start() override;
     void Stop() override;
+    ///@}
 
 private:
     std::shared_ptr<CDiskMonitorWorker> worker; ///< shared with the thread

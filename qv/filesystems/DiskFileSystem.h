@@ -64,8 +64,8 @@ public:
     bool SetCurrentWorkingDirectory(char16_t const *path) override;
     bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
     bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override;
-    using IFileSystem::GetCurrentWorkingDirectory;
-    using IFileSystem::GetFullPath;
+    using IFileSystem::GetCurrentWorkingDirectory; ///< the CString helper of IFileSystem
+    using IFileSystem::GetFullPath;                ///< the CString helper of IFileSystem
 
     /// Creates a new empty temporary file; its path into out (size units with
     /// terminator). False if none could be made or the path does not fit
@@ -80,6 +80,6 @@ public:
 };
 
 extern template class TSingletonPtr<CFileSystem>;
-extern QV_API TSingletonPtr<CFileSystem> FileSystem;
+extern QV_API TSingletonPtr<CFileSystem> FileSystem; ///< the process's one disk file system
 
 } // namespace qv

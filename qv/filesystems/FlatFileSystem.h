@@ -40,16 +40,19 @@ namespace qv {
 class QV_API CFlatFileSystem : public IFileSystem {
 public:
     CFlatFileSystem();
+    /// Copies the whole table and the current directory.
+    ///@{
     CFlatFileSystem(CFlatFileSystem const &) = default;
     CFlatFileSystem &operator=(CFlatFileSystem const &) = default;
+    ///@}
 
     CDirectoryListing GetDirectoryListing(char16_t const *dir, char16_t const *pattern) override;
     CDirectoryEntry GetFileInfo(char16_t const *path) override;
     bool GetFullPath(char16_t *out, char16_t const *path, int size) override;
     bool SetCurrentWorkingDirectory(char16_t const *path) override;
     bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
-    using IFileSystem::GetCurrentWorkingDirectory;
-    using IFileSystem::GetFullPath;
+    using IFileSystem::GetCurrentWorkingDirectory; ///< the CString helper of IFileSystem
+    using IFileSystem::GetFullPath;                ///< the CString helper of IFileSystem
 
 protected:
     /// The index of the file entry at path (made full first), or -1.
@@ -63,8 +66,8 @@ protected:
     /// unless an entry ahead of it goes (then *index is lowered).
     bool MoveEntry(int &index, char16_t const *newPath);
 
-    TArray<CDirectoryEntry> entries;
-    char16_t currentDirectory[PathBufferSize];
+    TArray<CDirectoryEntry> entries;           ///< the table: one entry per file, full paths
+    char16_t currentDirectory[PathBufferSize]; ///< starts as "/", always ends in '/'
 };
 
 } // namespace qv

@@ -21,6 +21,7 @@ namespace qv {
 
 class IFile;
 
+/// Opens a zeroed gap of delta bytes at from (see the top of this file).
 bool MoveTailUp(IFile &file, int64_t from, int64_t delta);
 
 } // namespace qv

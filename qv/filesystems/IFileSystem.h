@@ -74,9 +74,12 @@ class IDirectoryMonitor;
 /// Progress of a copy: total bytes, bytes done, the caller's context.
 using CopyProgressRoutine = void (*)(int64_t total, int64_t done, void *context);
 
+/// Bits of GetCapabilities (see the top of this file).
+///@{
 inline constexpr uint32_t kCapabilityCopyWithin = 0x2;
 inline constexpr uint32_t kCapabilityCopyAcross = 0x4;
 inline constexpr uint32_t kCapabilityRename = 0x8;
+///@}
 
 /// Block size of the copy loop.
 inline constexpr uint32_t kCopyBlockSize = 0x80000;
@@ -84,13 +87,19 @@ inline constexpr uint32_t kCopyBlockSize = 0x80000;
 /// @copydoc IFileSystem.h
 class QV_API IFileSystem : public CPathAlgebra {
 public:
+    /// The namespace's types under the names callers use inside a file system.
+    ///@{
     using CDirectoryEntry = ::qv::CDirectoryEntry;
     using CDirectoryListing = ::qv::CDirectoryListing;
     using IDirectoryMonitor = ::qv::IDirectoryMonitor;
+    ///@}
 
+    /// The base holds no state; copies are trivial.
+    ///@{
     IFileSystem() = default;
     IFileSystem(IFileSystem const &) = default;
     IFileSystem &operator=(IFileSystem const &) = default;
+    ///@}
 
     /// ---- The contract, in slot order ----
     virtual ~IFileSystem();

@@ -34,9 +34,14 @@ namespace qv {
 class QV_API CMemFileSystem : public CFlatFileSystem {
 public:
     CMemFileSystem() = default;
+    /// Copies the table; both then serve the same caller's blocks.
+    ///@{
     CMemFileSystem(CMemFileSystem const &) = default;
     CMemFileSystem &operator=(CMemFileSystem const &) = default;
+    ///@}
 
+    /// Serves the size bytes at data as the file path (see the top of this
+    /// file); false for a null or existing path or a table that cannot grow.
     bool AddFile(char16_t const *path, void const *data, uint32_t size);
 
     uint32_t GetCapabilities() override;

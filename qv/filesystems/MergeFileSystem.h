@@ -48,17 +48,21 @@ namespace qv {
 
 /// @copydoc MergeFileSystem.h
 struct MOUNT {
-    IFileSystem *fileSystem;
-    char16_t subPath[260];
-    char16_t mountPoint[260];
+    IFileSystem *fileSystem;   ///< the mounted file system; not owned
+    char16_t subPath[260];     ///< the path in fileSystem that is mounted
+    char16_t mountPoint[260];  ///< where it hangs in the merged tree
 };
 
 /// @copydoc MergeFileSystem.h
 class QV_API CMergeFileSystem : public IFileSystem {
 public:
     CMergeFileSystem();
+    /// Copies the mount table and the working directory; the mounted file
+    /// systems are shared, not copied.
+    ///@{
     CMergeFileSystem(CMergeFileSystem const &) = default;
     CMergeFileSystem &operator=(CMergeFileSystem const &) = default;
+    ///@}
     ~CMergeFileSystem() override;
 
     /// Appends a mount. False for a null fs, a text of 260 units or more, or a
@@ -82,8 +86,8 @@ public:
     bool SetCurrentWorkingDirectory(char16_t const *path) override;
     bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
     bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override;
-    using IFileSystem::GetCurrentWorkingDirectory;
-    using IFileSystem::GetFullPath;
+    using IFileSystem::GetCurrentWorkingDirectory; ///< the CString helper of IFileSystem
+    using IFileSystem::GetFullPath;                ///< the CString helper of IFileSystem
 
 private:
     /// The file system and path a lookup resolved to, or null.

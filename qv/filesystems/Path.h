@@ -12,6 +12,10 @@
 
 namespace qv::path {
 
+/// The CPathAlgebra operation of the same name (qv/filesystems/PathAlgebra.h)
+/// on CString: same rules and results, the result returned as a new CString
+/// instead of written into a buffer.
+///@{
 QV_API bool WildcardMatch(CString const &patterns, CString const &name);
 QV_API CString ConvertSlashes(CString const &path, char16_t slash);
 QV_API CString GetFilename(CString const &path);
@@ -35,6 +39,7 @@ QV_API CString MakeSafeFilename(CString const &name);
 QV_API bool IsWindowsPath(CString const &path);
 QV_API bool IsUNCPath(CString const &path);
 QV_API bool IsUnixPath(CString const &path);
+///@}
 /// extension, dot included, where GetExtension points: "a.txt" and ".tif"
 /// give "a.tif", "a" gives "a.tif".
 QV_API CString ChangeExtension(CString const &path, CString const &extension);

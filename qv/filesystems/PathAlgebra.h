@@ -38,7 +38,7 @@ public:
     /// The usual size of a path buffer in units, terminator included.
     static constexpr int PathBufferSize = 512;
 
-    static bool IsSeparator(char16_t c) { return c == u'/' || c == u'\\'; }
+    static bool IsSeparator(char16_t c) { return c == u'/' || c == u'\\'; } ///< '/' or a backslash
 
     /// Every '/' and '\' becomes slash. The copying form copies src with
     /// StrCpy limited to size units first, unless dst is src (then the whole

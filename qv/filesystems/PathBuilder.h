@@ -25,6 +25,8 @@ public:
         Append(initial, n);
     }
 
+    /// Appends n units of s (or c), as many as fit.
+    ///@{
     void Append(char16_t const *s, size_t n) {
         size_t take = std::min(n, limit - length);
         std::memmove(buffer + length, s, take * sizeof(char16_t));
@@ -32,6 +34,7 @@ public:
         buffer[length] = 0;
     }
     void Append(char16_t c) { Append(&c, 1); }
+    ///@}
 
     /// slash unless the text already ends in a separator (the empty text does
     /// not), then s: the joining rule of MakePath.
@@ -47,6 +50,7 @@ public:
             AppendBehindSeparator(item, n, slash);
     }
 
+    /// Whether the text ends in '/' or '\\' (the empty text does not).
     bool EndsWithSeparator() const { return length > 0 && CPathAlgebra::IsSeparator(buffer[length - 1]); }
     /// Index of the last separator in front of end, or -1.
     ///@{
@@ -72,6 +76,7 @@ private:
 /// disturb: a private copy when the text overlaps the buffer, else the text.
 class CStableText {
 public:
+    /// text (not null) against the buffer of size units at dst.
     CStableText(char16_t const *text, char16_t const *dst, int size) : text(text), length(wcslen(text)) {
         if (!Overlaps(dst, size)) return;
         copy.assign(text, length);
@@ -80,8 +85,8 @@ public:
     CStableText(CStableText const &) = delete;
     CStableText &operator=(CStableText const &) = delete;
 
-    char16_t const *Text() const { return text; }
-    size_t Length() const { return length; }
+    char16_t const *Text() const { return text; } ///< the text or its copy, terminated
+    size_t Length() const { return length; }      ///< its length in units
 
 private:
     bool Overlaps(char16_t const *dst, int size) const {

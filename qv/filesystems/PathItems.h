@@ -13,6 +13,7 @@ namespace qv {
 /// @copydoc PathItems.h
 class CPathItems {
 public:
+    /// Before the first item of path, which must outlive the walk.
     explicit CPathItems(char16_t const *path) : next(path) {}
 
     /// Moves to the next item; false when there is none left.
@@ -35,6 +36,7 @@ private:
     char16_t const *item = nullptr;
 };
 
+/// The items of path, separators not counted.
 size_t CountPathItems(char16_t const *path);
 /// Leading items that a and b share, compared without regard to case.
 size_t CountCommonPathItems(char16_t const *a, char16_t const *b);

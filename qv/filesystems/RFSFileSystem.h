@@ -38,6 +38,8 @@ public:
     /// Lists module, or the program's table for null.
     explicit CRFSFileSystem(HINSTANCE module = nullptr);
 
+    /// Adds the resources of module (null: the program's) to the table, one
+    /// entry per type and name.
     void AddModule(HINSTANCE module);
     /// The path of a resource (type and name in the pointer convention of
     /// qv/core/ResourceId.h) into out (PathBufferSize units); returns out.
@@ -53,10 +55,10 @@ public:
 /// Adds libqv's own module to the program's resources once, when ExeResources
 /// is first used.
 struct QV_API CExeResourcesPostCreate {
-    static void PostCreate(CRFSFileSystem *made);
+    static void PostCreate(CRFSFileSystem *made); ///< called once on the new file system
 };
 
 extern template class TSingletonPtr<CRFSFileSystem, 1, false, CExeResourcesPostCreate>;
-extern QV_API TSingletonPtr<CRFSFileSystem, 1, false, CExeResourcesPostCreate> ExeResources;
+extern QV_API TSingletonPtr<CRFSFileSystem, 1, false, CExeResourcesPostCreate> ExeResources; ///< the program's resources, made on first use
 
 } // namespace qv

@@ -8,6 +8,7 @@
 
 namespace qv {
 
+/// What a raw record reports.
 enum class EWatchRecord : uint8_t {
     Created,           ///< an entry appeared in the directory
     Deleted,           ///< an entry was deleted
@@ -22,9 +23,9 @@ enum class EWatchRecord : uint8_t {
 /// @copydoc WatchRecord.h
 struct SWatchRecord {
     int32_t watch = -1; ///< key of the watched directory
-    EWatchRecord kind = EWatchRecord::Overflow;
+    EWatchRecord kind = EWatchRecord::Overflow; ///< what happened
     bool directory = false; ///< the entry is a directory
-    uint32_t cookie = 0;
+    uint32_t cookie = 0; ///< pairs a MovedFrom with its MovedTo
     char16_t const *name = u""; ///< entry name within the directory; valid during the call that passes it
 };
 
@@ -32,7 +33,7 @@ struct SWatchRecord {
 /// rest of the read (the monitor is stopping).
 class IWatchRecordSink {
 public:
-    virtual bool Take(SWatchRecord const &record) = 0;
+    virtual bool Take(SWatchRecord const &record) = 0; ///< one record; false drops the rest
 
 protected:
     ~IWatchRecordSink() = default;

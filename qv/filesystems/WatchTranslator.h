@@ -42,10 +42,15 @@ namespace qv {
 /// call only.
 class IWatchListener {
 public:
+    /// Report a change: the monitor's events of the same names.
+    ///@{
     virtual void FileAdded(char16_t const *path) = 0;
     virtual void FileRemoved(char16_t const *path) = 0;
     virtual void FileModified(char16_t const *path) = 0;
     virtual void FileRenamed(char16_t const *from, char16_t const *to) = 0;
+    ///@}
+    /// What WatchTree reports as added: nothing, the directory, or the
+    /// directory and everything found below it.
     enum class EReport { Nothing, Directory, DirectoryAndContents };
     /// A directory appeared at path: watch it and every directory below it
     /// (adding the keys to the table), then report as added what report
@@ -68,14 +73,14 @@ public:
     /// 0x4 attributes).
     explicit CWatchTranslator(uint32_t flags);
 
-    CWatchTable &Table() { return table; }
+    CWatchTable &Table() { return table; } ///< the watched directories by key
+    /// Translates one raw record into calls on listener (see the top of this
+    /// file).
     void Feed(SWatchRecord const &record, IWatchListener &listener);
     /// Reports a move still waiting for its second half as removed.
-    ///@{
     void Flush(IWatchListener &listener);
-    bool HasPendingMove() const { return pending; }
-    bool IsWatching() const { return table.HasRoot(); }
-    ///@}
+    bool HasPendingMove() const { return pending; } ///< a move waits for its second half
+    bool IsWatching() const { return table.HasRoot(); } ///< the table has its root directory
 
 private:
     void Created(CString const &path, bool directory, IWatchListener &listener);

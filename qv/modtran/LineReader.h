@@ -19,11 +19,13 @@ namespace modtran_detail {
 
 inline constexpr int kCardBytes = 128;  ///< tape5 cards
 inline constexpr int kTableBytes = 256; ///< tape7 lines
-inline constexpr int kMaxLineBytes = 512;
+inline constexpr int kMaxLineBytes = 512; ///< the largest lineBytes; more is cut to it
 
 /// @copydoc LineReader.h
 class CLineReader {
 public:
+    /// Reads lines of file from its present position, keeping lineBytes - 1
+    /// bytes of each. The file must outlive the reader.
     CLineReader(IFile &file, int lineBytes);
     CLineReader(CLineReader const &) = delete;
     CLineReader &operator=(CLineReader const &) = delete;

@@ -12,41 +12,48 @@ namespace qv {
 inline constexpr int kModtranMaxLevels = 67;        ///< user atmosphere levels
 inline constexpr int kModtranSpectraPerRegion = 47; ///< aerosol spectra of one region
 inline constexpr int kModtranMaxCloudRows = 64;     ///< layer boundaries, cloud profile rows
-inline constexpr int kModtranMaxPhaseAngles = 50;
-inline constexpr int kModtranMaxPhaseWavelengths = 10;
-inline constexpr int kModtranMaxSurfaces = 2;
-inline constexpr int kModtranMaxBRDFRows = 50;
+inline constexpr int kModtranMaxPhaseAngles = 50;      ///< user phase function angles
+inline constexpr int kModtranMaxPhaseWavelengths = 10; ///< user phase function wavelengths
+inline constexpr int kModtranMaxSurfaces = 2;          ///< surfaces of one run
+inline constexpr int kModtranMaxBRDFRows = 50;         ///< parameter rows of one BRDF surface
 inline constexpr int kModtranNameLength = 80; ///< file names on their own cards
 
 /// @copydoc ModtranRun.h
 struct USER_LEVEL {
-    float altitude;
+    float altitude;     ///< the level's altitude
     float values[5];    ///< pressure, temperature and three species, as written
     float extended[9];  ///< with the extended flag
     AB_UNITS units[15]; ///< fourteen unit letters, then one behind a blank
     float heavy[13];    ///< with the extended flag and heavy species option 2
     float aerosol[5];   ///< type 1 uses the first three, type 2 all five
+    /// Aerosol model type 1 only: the models of the level and the last
+    /// number of card 2C3 (not 0: true).
+    ///@{
     AEROSOL_ATTENUATION attenuation;
     CLOUD_RAIN_MODEL cloud;
     VOLCANO_INFO volcano;
     AEROSOL_PROFILE profile;
     bool flag;
+    ///@}
 };
 
 /// @copydoc ModtranRun.h
 struct AEROSOL_REGION {
     int nSpectra; ///< as written: 1 stands for 47
-    float value;
-    char title[73];
-    float spectra[kModtranSpectraPerRegion][4];
+    float value;   ///< the first number of card 2D1
+    char title[73]; ///< the region's title, 72 characters and a terminator
+    float spectra[kModtranSpectraPerRegion][4]; ///< four numbers per spectrum, as on cards 2D2
 };
 
 /// @copydoc ModtranRun.h
 struct SURFACE {
-    BRDF_FUNCTION function;
-    int nRows;
+    BRDF_FUNCTION function; ///< BRDF: the model (card 4B1)
+    int nRows;              ///< BRDF: rows used, up to kModtranMaxBRDFRows
+    /// BRDF: the two angles on card 4B2 after the row count.
+    ///@{
     float zenith, azimuth;
-    float rows[kModtranMaxBRDFRows][6];
+    ///@}
+    float rows[kModtranMaxBRDFRows][6]; ///< BRDF: six numbers per row (cards 4B3)
     char files[2][kModtranNameLength + 1]; ///< LAMBER: two file names
 };
 

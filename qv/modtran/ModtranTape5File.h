@@ -43,14 +43,17 @@ namespace qv {
 
 class IFile;
 
-inline constexpr int kModtranMaxRuns = 100;
+inline constexpr int kModtranMaxRuns = 100; ///< runs one deck may hold
 
 /// @copydoc ModtranTape5File.h
 class QV_API CModtranTape5File {
 public:
     CModtranTape5File();
+    /// Copies every run, the current run and the last error text.
+    ///@{
     CModtranTape5File(CModtranTape5File const &) = default;
     CModtranTape5File &operator=(CModtranTape5File const &) = default;
+    ///@}
     ~CModtranTape5File();
 
     /// ---- Run control ----
@@ -95,8 +98,13 @@ public:
     /// ("1", "1A", "2", "3", ...) and its text without the line end.
     bool GetCards(TArray<CString> &names, TArray<CString> &lines);
 
+    /// The card text of a surface reflectance or a vertical column amount:
+    /// the keyword, the value, or the code as a number. The text is a static
+    /// buffer, overwritten by the next call: one thread at a time.
+    ///@{
     static char *FormatSurfaceReflectance(SURFACE_REFLECTANCE kind, float value);
     static char *FormatVerticalColumnType(VERTICAL_COLUMN_TYPE kind, float value);
+    ///@}
 
     /// ---- Accessors of the current run ----
     ///@{

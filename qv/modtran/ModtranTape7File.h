@@ -34,21 +34,28 @@ class IFile;
 
 /// One row: a double for every column a tape7 can have.
 struct TAPE7_DATA {
+    /// The column values, in the order of the T7C_ bits (freq is T7C_FREQ,
+    /// solar T7C_SOLAR); a column Load was not asked for stays 0.
+    ///@{
     double freq, totTrans, pthThrml, thrmlSct, surfEmis, solScat, singScat, grndRflt, drctRflt, totalRad, refSol,
         solObs, depth, h2oTrans, co2pTrans, o3Trans, traceTrans, n2Count, h2oCount, molecCount, aerTrans, hno3Trans,
         aerabTrans, logTotal, co2Trans, coTrans, ch4Trans, n2oTrans, o2Trans, nh3Trans, noTrans, no2Trans, so2Trans,
         solTr, solar;
+    ///@}
 };
 
 /// @copydoc ModtranTape7File.h
 struct TAPE7_RUN {
-    TArray<TAPE7_DATA> data;
+    TArray<TAPE7_DATA> data; ///< the rows of the run, in file order
     double geometry[3]; ///< the sixth header line: H1, H2 and the range
 };
 
 /// @copydoc ModtranTape7File.h
 class QV_API CModtranTape7File {
 public:
+    /// Column bits, one per TAPE7_DATA field in the same order: Load takes a
+    /// mask of them, GetData one.
+    ///@{
     static constexpr uint64_t T7C_FREQ = 0x1;
     static constexpr uint64_t T7C_TOT_TRANS = 0x2;
     static constexpr uint64_t T7C_PTH_THRML = 0x4;
@@ -84,16 +91,17 @@ public:
     static constexpr uint64_t T7C_SO2_TRANS = 0x100000000;
     static constexpr uint64_t T7C_SOL_TR = 0x200000000;
     static constexpr uint64_t T7C_SOLAR = 0x400000000;
+    ///@}
 
     CModtranTape7File();
     ~CModtranTape7File();
     CModtranTape7File(CModtranTape7File const &) = delete;
     CModtranTape7File &operator=(CModtranTape7File const &) = delete;
 
-    bool Load(char16_t const *name, uint64_t columns);
+    bool Load(char16_t const *name, uint64_t columns); ///< the file at name on the disk, opened for reading
     bool Load(IFile &file, uint64_t columns); ///< from the file's position
     int nPoints() const;                      ///< rows per run; 0 with no run
-    int nRuns() const { return int(runs.GetSize()); }
+    int nRuns() const { return int(runs.GetSize()); } ///< runs loaded; 0 before a load
     /// The columns the file's layout has (0 before a load).
     uint64_t GetColumns() const { return columns; }
     /// The execution mode of the runs, -1 before a load.

@@ -33,10 +33,13 @@ namespace qv {
 class CModtranTape5File;
 class CModtranTape7File;
 
+/// The tool's path until SetModtranExePath changes it.
 inline constexpr char16_t kDefaultModtranExePath[] = u"/opt/modtran/mod4v3r1";
 
+/// Runs the tool on tape5 and loads the columns of its tape7 into tape7
+/// (see the top of this file for the failures).
 QV_API bool RunModtran(CModtranTape5File &tape5, CModtranTape7File &tape7, uint64_t columns);
-QV_API bool SetModtranExePath(char16_t const *path);
-QV_API CString GetModtranExePath();
+QV_API bool SetModtranExePath(char16_t const *path); ///< false, nothing changed, unless path exists
+QV_API CString GetModtranExePath(); ///< the path in use
 
 } // namespace qv

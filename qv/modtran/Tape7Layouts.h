@@ -11,14 +11,14 @@ namespace qv::modtran_detail {
 
 /// @copydoc Tape7Layouts.h
 struct SColumn {
-    uint64_t bit;
-    int width;
+    uint64_t bit; ///< the column's T7C_ bit
+    int width;    ///< its width in bytes
 };
 
 /// @copydoc Tape7Layouts.h
 struct SLayout {
     SColumn const *columns; ///< in file order, from byte 0
-    int count;
+    int count;              ///< entries at columns
 };
 
 /// The layout of a mode (0 to 3) with a wide ("    FREQ") or narrow heading;

@@ -84,8 +84,8 @@ QV_API CTagFile &GetTagFile();
 
 /// @copydoc SAFFile.h
 struct SAF_TAG {
-    CString name;
-    CString value;
+    CString name;  ///< the tag's name
+    CString value; ///< its value text
 };
 
 /// @copydoc SAFFile.h
@@ -95,8 +95,9 @@ public:
     /// copied and must outlive the handle. The tag need not exist.
     class QV_API CTagValue {
     public:
+        /// A handle on the tag name of file; neither is copied or owned.
         CTagValue(CSAFFile *file, char16_t const *name);
-        CTagValue(CTagValue const &other) = default;
+        CTagValue(CTagValue const &other) = default; ///< the same file and name
 
         CTagValue &operator=(char16_t const *value); ///< SetTagValue (refusals ignored)
         CTagValue &operator=(int value);             ///< "%d"
@@ -107,9 +108,9 @@ public:
         operator char16_t const *() const; ///< GetTagValue: null if absent
         operator int32_t() const;          ///< _wtol of the value, 0 if absent
         operator double() const;           ///< _wtof of the value, 0.0 if absent
-        int32_t ToLong(int32_t fallback) const;
-        double ToDouble(double fallback) const;
-        bool Exists() const;
+        int32_t ToLong(int32_t fallback) const;  ///< _wtol of the value, fallback if absent
+        double ToDouble(double fallback) const;  ///< _wtof of the value, fallback if absent
+        bool Exists() const;                     ///< whether the tag is in the file
 
     private:
         CSAFFile *file;
@@ -117,8 +118,12 @@ public:
     };
 
     CSAFFile(); ///< no tags at all until New or Load
+    /// Copies every tag, the file name and the file system pointer (still
+    /// not owned).
+    ///@{
     CSAFFile(CSAFFile const &other) = default;
     CSAFFile &operator=(CSAFFile const &other) = default;
+    ///@}
     ~CSAFFile() = default;
 
     /// Tags become exactly HdSize "auto" and DATA "". Without keepFile the
@@ -214,21 +219,19 @@ public:
     /// The dictionary consulted: the shared one.
     CTagFile &GetTagFile() { return *tagFile; }
 
-    uint32_t GetDataPosition() const;
+    uint32_t GetDataPosition() const; ///< offset of the data segment (the header's size)
     /// False after a Load of a fixed-size header whose HdSize fell inside a
     /// line (see Load); true otherwise.
-    ///@{
     bool HeaderEndsAsStated() const;
     char16_t const *GetFilename() const; ///< never null
-    IFileSystem *GetFileSystem() const;
-    ///@}
+    IFileSystem *GetFileSystem() const;  ///< not owned; null until a load or save by path
 
 protected:
     CString filename;        ///< empty for a file never saved or loaded
     IFileSystem *fileSystem; ///< not owned; null until a load or save by path
     uint32_t dataPosition;   ///< offset of the data segment (the header's size)
-    TArray<SAF_TAG> tags;
-    bool headerEndsAsStated = true;
+    TArray<SAF_TAG> tags;           ///< the header's tags, in header order
+    bool headerEndsAsStated = true; ///< what HeaderEndsAsStated gives
     CTagFile *tagFile = &::qv::GetTagFile(); ///< not owned
 
 private:

@@ -18,11 +18,15 @@ constexpr uint32_t kMaxLineText = kLineBuffer - 2;
 /// A header of more lines is taken to end there: no real header comes near.
 constexpr uint32_t kMaxHeaderLines = 65536;
 
+/// Names the reader and writer treat specially: the header size, the end
+/// of the header, the padding tag (skipped on reading).
+///@{
 inline constexpr char16_t kHdSize[] = u"HdSize";
 inline constexpr char16_t kData[] = u"DATA";
 inline constexpr char16_t kPadding[] = u"saf_padding";
-inline constexpr char kDataLine[] = "DATA\r\n";
-constexpr uint32_t kDataLineSize = sizeof(kDataLine) - 1;
+///@}
+inline constexpr char kDataLine[] = "DATA\r\n"; ///< the header's last line, as written
+constexpr uint32_t kDataLineSize = sizeof(kDataLine) - 1; ///< its bytes, without a terminator
 
 /// Slack rules of a rewrite: a padding line needs 14 bytes around its text, so
 /// 16 is the smallest usable slack; beyond 4096 the header is shrunk back.

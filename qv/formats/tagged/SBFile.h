@@ -56,8 +56,10 @@ class IFileSystem;
 /// @copydoc SBFile.h
 class QV_API CSBFile {
 public:
+    /// One typed value: an attribute's or an element's datum.
     class QV_API VARIANT {
     public:
+        /// The type byte as stored in the file.
         enum EType : uint8_t {
             VT_NONE = 0,
             VT_BOOL = 1,
@@ -76,6 +78,8 @@ public:
         };
 
         VARIANT() = default;
+        /// A value of the matching type (VT_BOOL .. VT_DOUBLE).
+        ///@{
         VARIANT(bool v);
         VARIANT(char v);
         VARIANT(unsigned char v);
@@ -87,16 +91,17 @@ public:
         VARIANT(uint64_t v);
         VARIANT(float v);
         VARIANT(double v);
+        ///@}
         VARIANT(char16_t const *v); ///< null: the null string
-        VARIANT(CString const &v);
-        VARIANT(void const *p, uint32_t size);
+        VARIANT(CString const &v); ///< a string; a null CString is the null string
+        VARIANT(void const *p, uint32_t size); ///< binary, a copy of size bytes at p (null or 0: empty)
         /// Copies own their string or bytes.
         ///@{
         VARIANT(VARIANT const &other) = default;
         VARIANT &operator=(VARIANT const &other) = default;
         ///@}
 
-        EType GetType() const { return type; }
+        EType GetType() const { return type; } ///< VT_NONE for an empty VARIANT
         void Destroy(); ///< frees the value, type none
         /// False on a type byte outside 0..13 or a short write/read. Load
         /// never takes more bytes for a value than the file still has.
@@ -156,40 +161,46 @@ public:
 
     class CElement;
 
+    /// One attribute of an element.
     struct ATTRIB {
-        uint32_t nameIndex = 0;
-        CString name;
-        VARIANT value;
+        uint32_t nameIndex = 0; ///< index of the name in the string table, as loaded or saved
+        CString name;           ///< the name; compared without case
+        VARIANT value;          ///< the value
     };
 
+    /// One element of the tree. The links are public so the tree cursor can
+    /// walk them; CSBFile's Insert and Remove keep them consistent.
     class QV_API CElement {
     public:
         CSBFile *source = nullptr; ///< the owning file; not owned
-        CElement *next = nullptr;
-        CElement *prev = nullptr;
-        CElement *firstChild = nullptr;
-        CElement *lastChild = nullptr;
-        CElement *parent = nullptr;
-        uint32_t nameIndex = 0;
-        CString name;
-        TArray<ATTRIB> attributes;
-        VARIANT data;
+        CElement *next = nullptr;       ///< the next sibling, or null
+        CElement *prev = nullptr;       ///< the previous sibling, or null
+        CElement *firstChild = nullptr; ///< the first child, or null
+        CElement *lastChild = nullptr;  ///< the last child, or null
+        CElement *parent = nullptr;     ///< null at the top level
+        uint32_t nameIndex = 0;         ///< index of the name in the string table, as loaded or saved
+        CString name;                   ///< the element's name
+        TArray<ATTRIB> attributes;      ///< in the order added or read
+        VARIANT data;                   ///< the element's one datum
 
         CElement() = default;
         ~CElement(); ///< deletes everything below, not the siblings
         CElement(CElement const &) = delete;
         CElement &operator=(CElement const &) = delete;
 
-        static CElement *New() { return new CElement; }
+        static CElement *New() { return new CElement; } ///< a new empty element; the file it is inserted in owns it
 
-        char16_t const *GetName() const { return name.GetUTF16(); }
-        void SetName(char16_t const *n) { name = n ? n : u""; }
-        VARIANT &GetData() { return data; }
+        char16_t const *GetName() const { return name.GetUTF16(); } ///< may be null for an unnamed element
+        void SetName(char16_t const *n) { name = n ? n : u""; } ///< null stores the empty name
+        VARIANT &GetData() { return data; } ///< the datum, to read or change
+        /// Replaces the datum with a VARIANT made from the arguments.
+        ///@{
         template <class T> void SetData(T const &v) { data = VARIANT(v); }
         void SetData(char16_t const *v) { data = VARIANT(v); }
         void SetData(void const *p, uint32_t size) { data = VARIANT(p, size); }
-        uint32_t NumChildren() const;
-        void SetSource(CSBFile *file) { source = file; }
+        ///@}
+        uint32_t NumChildren() const; ///< the count of direct children
+        void SetSource(CSBFile *file) { source = file; } ///< sets the owning file; not owned
 
         /// By name without case: replaced, or appended.
         ///@{
@@ -226,12 +237,16 @@ public:
     CSBFile(CSBFile const &) = delete;
     CSBFile &operator=(CSBFile const &) = delete;
 
+    /// Empties the file, then reads it from the current position of f. False
+    /// on a null f, another application identifier or bad or short input.
     bool Load(IFile *f);
     bool Load(IFileSystem *fs, char16_t const *path); ///< must exist, read, share read
     bool Load(char16_t const *path);                  ///< on the disk
+    /// Writes the whole file at the current position of f; false on a null f
+    /// or a short write.
     bool Save(IFile *f);
     bool Save(IFileSystem *fs, char16_t const *path); ///< temporary file and rename
-    bool Save(char16_t const *path);
+    bool Save(char16_t const *path); ///< on the disk
 
     /// A null id leaves the identifier; otherwise up to 4 bytes, to a NUL.
     void SetAppInfo(char const *id, uint8_t major, uint8_t minor);
@@ -270,7 +285,7 @@ public:
     ///@}
 
     void Destroy(); ///< the whole tree and the table
-    void DestroyStringTable();
+    void DestroyStringTable(); ///< empties the string table only; the tree stays
 
 private:
     bool Write(IFile &out);

@@ -69,12 +69,20 @@ class CXMLFile;
 /// text values.
 class QV_API CTagEntry {
 public:
+    /// The type of the tag's value.
     enum DATA_TYPE : int { DT_TEXT, DT_INT16, DT_INT32, DT_FLT32, DT_FLT64, DATA_TYPE_COUNT };
+    /// What the text values are for: unused, the only values allowed, or
+    /// suggestions.
     enum TEXT_VALUES_MODE : int { TVM_DISABLED, TVM_USE_AS_BOUNDS, TVM_USE_AS_SUGGESTIONS, TEXT_VALUES_MODE_COUNT };
     /// 17 groups (0..16) of SAF headers and 17, comment lines.
     enum CATEGORY : int { CAT_MISC, CAT_COMMENT = 17, CATEGORY_COUNT = 18 };
+    /// Where the tag is written: the header itself, an include file, or the
+    /// defaults.
     enum LOCATION : int { LOC_HEADER, LOC_INCLUDE, LOC_DEFAULT, LOCATION_COUNT };
+    /// How an application writing the tag treats it: ask, current file only,
+    /// all files, or never write.
     enum WRITE_MODE : int { WM_PROMPT, WM_CURRENT_ONLY, WM_ALL, WM_READ_ONLY, WRITE_MODE_COUNT };
+    /// Units of the value; 0 is none, the others are named by UnitsToStr.
     enum UNITS : int { UNITS_NONE, UNITS_COUNT = 20 };
 
     /// Texts of the enumerations ("Milimeters" and "Milibar" as files have
@@ -101,12 +109,19 @@ public:
     static UNITS StrToUnits(char16_t const *s);
     ///@}
 
+    /// Plain value copies.
+    ///@{
     CTagEntry() = default;
     CTagEntry(CTagEntry const &) = default;
     CTagEntry &operator=(CTagEntry const &) = default;
     ~CTagEntry() = default;
+    ///@}
+    /// Empties the text values only; the other fields stay.
     void Destroy() { textValues.Destroy(); }
 
+    /// The fields of the entry. Setting a null text stores an empty one;
+    /// getters never return null. Bounds apply only when use is true.
+    ///@{
     void SetName(char16_t const *n) { name = n ? n : u""; }
     char16_t const *GetName() const { return name.GetUTF16() ? name.GetUTF16() : u""; }
     void SetDescription(char16_t const *d) { description = d ? d : u""; }
@@ -125,12 +140,13 @@ public:
     UNITS GetUnits() const { return units; }
     void SetLocation(LOCATION l) { location = l; }
     LOCATION GetLocation() const { return location; }
+    ///@}
 
-    uint32_t nTextValues() const { return textValues.nItems(); }
+    uint32_t nTextValues() const { return textValues.nItems(); } ///< count of text values
     char16_t const *GetTextValue(uint32_t i) const; ///< null past the end
-    void AddTextValue(char16_t const *v);
+    void AddTextValue(char16_t const *v); ///< appends; null adds an empty text
     void RemoveTextValue(uint32_t i); ///< past the end: nothing
-    void RemoveAllTextValues() { textValues.Destroy(); }
+    void RemoveAllTextValues() { textValues.Destroy(); } ///< as Destroy
 
     /// The entry in each stored form (see the top of this file). The binary
     /// Load reads the fields of that version.
@@ -163,13 +179,21 @@ class QV_API CTagFile : public TArray<CTagEntry> {
 public:
     /// "TAGF" reads the binary form, "SBF" the SBF form, anything else XML.
     bool Load(IFile *f);
+    /// Load or save one stored form from the current position of f. Loads
+    /// empty the dictionary first and sort it on success; saves sort first.
+    /// False on a null f, bad input or a short write.
+    ///@{
     bool LoadBinary(IFile *f);
     bool LoadSBF(IFile *f);
     bool LoadXML(IFile *f);
+    ///@}
     bool Save(IFile *f); ///< the binary form, as SaveBinary
+    /// @copydoc LoadBinary(IFile*)
+    ///@{
     bool SaveBinary(IFile *f);
     bool SaveSBF(IFile *f);
     bool SaveXML(IFile *f);
+    ///@}
     /// By path: loads open must-exist, read, share read; saves go through a
     /// temporary file and rename. fs null or absent: the disk.
     ///@{
@@ -191,11 +215,11 @@ public:
     bool SaveXML(char16_t const *path);
     ///@}
 
-    void Sort();
-    uint32_t nTagEntries() const { return nItems(); }
+    void Sort(); ///< by name without case, stable (see the top of this file)
+    uint32_t nTagEntries() const { return nItems(); } ///< the count of entries
     /// Past the end: a static default entry.
     CTagEntry &GetTagEntry(uint32_t i);
-    CTagEntry &operator[](uint32_t i) { return GetTagEntry(i); }
+    CTagEntry &operator[](uint32_t i) { return GetTagEntry(i); } ///< as GetTagEntry
     /// False if an entry of that name (without case) exists; appends without
     /// sorting, so Sort must follow before FindTag is relied on.
     bool AddTagEntry(CTagEntry const &e);
@@ -210,7 +234,7 @@ public:
     /// Appends the variables of name as entry index's pattern reads them.
     /// No percent sign: true, nothing. An unclosed variable: false.
     bool GetVars(char16_t const *name, uint32_t index, TArray<int> &out) const;
-    void Destroy() { TArray<CTagEntry>::Destroy(); }
+    void Destroy() { TArray<CTagEntry>::Destroy(); } ///< removes all entries
 
     /// Whether name fits the entry name pattern (see the top of this file).
     static bool MatchesPattern(char16_t const *name, char16_t const *pattern);
@@ -223,34 +247,39 @@ QV_API CTagFile &GetTagFile();
 /// A light list of name and value texts; names compare without case.
 class QV_API CTagArray {
 public:
+    /// One name and its value text.
     struct QV_API TAG {
-        CString name;
-        CString value;
-        TAG &operator=(char16_t const *v);
+        CString name;  ///< the tag's name
+        CString value; ///< its value as text
+        TAG &operator=(char16_t const *v); ///< sets the value; the name stays
         TAG &operator=(int v);    ///< "%d"
         TAG &operator=(double v); ///< "%g"
-        TAG &operator=(TAG const &other) = default;
-        operator char16_t const *() const { return value.GetUTF16(); }
+        TAG &operator=(TAG const &other) = default; ///< copies name and value
+        operator char16_t const *() const { return value.GetUTF16(); } ///< the value
     };
 
+    /// Plain value copies.
+    ///@{
     CTagArray() = default;
     CTagArray(CTagArray const &) = default;
     CTagArray &operator=(CTagArray const &) = default;
+    ///@}
 
-    uint32_t nItems() const { return tags.nItems(); }
-    void Empty() { tags.Empty(); }
+    uint32_t nItems() const { return tags.nItems(); } ///< the count of tags
+    void Empty() { tags.Empty(); } ///< removes all tags
     /// Negative or above the count: a static dummy; the count itself adds one.
     TAG &operator[](int i);
     /// The first of that name, or a new one appended.
     TAG &operator[](char16_t const *name);
     uint32_t FindTag(char16_t const *name) const; ///< UINT32_MAX if none
-    bool Exists(char16_t const *name) const { return FindTag(name) != UINT32_MAX; }
+    bool Exists(char16_t const *name) const { return FindTag(name) != UINT32_MAX; } ///< whether FindTag finds it
     char16_t const *GetTagValue(char16_t const *name) const; ///< null if none
-    char16_t const *Get(char16_t const *name) const { return GetTagValue(name); }
+    char16_t const *Get(char16_t const *name) const { return GetTagValue(name); } ///< as GetTagValue
+    /// Sets the value of the first tag of that name, appending one if none.
     void SetTagValue(char16_t const *name, char16_t const *value);
-    void Set(char16_t const *name, char16_t const *value) { SetTagValue(name, value); }
-    void RemoveTag(char16_t const *name);
-    void Remove(char16_t const *name) { RemoveTag(name); }
+    void Set(char16_t const *name, char16_t const *value) { SetTagValue(name, value); } ///< as SetTagValue
+    void RemoveTag(char16_t const *name); ///< the first of that name; none: nothing
+    void Remove(char16_t const *name) { RemoveTag(name); } ///< as RemoveTag
 
 private:
     TArray<TAG> tags;

@@ -24,12 +24,14 @@ namespace qv {
 /// The links of a tree, as free functions over any node type with them.
 namespace tree {
 
+/// The first of n's siblings (n itself if it has no prev); null for null.
 template <class Node> Node *HeadOf(Node *n) {
     if (!n) return nullptr;
     while (n->prev) n = n->prev;
     return n;
 }
 
+/// The last of n's siblings (n itself if it has no next); null for null.
 template <class Node> Node *TailOf(Node *n) {
     if (!n) return nullptr;
     while (n->next) n = n->next;
@@ -43,6 +45,9 @@ template <class Node> uint32_t CountPeers(Node *n) {
     return count;
 }
 
+/// Links the unlinked n just after or before at, under at's parent,
+/// keeping the parent's first and last child right. Neither may be null.
+///@{
 template <class Node> void LinkAfter(Node *at, Node *n) {
     n->parent = at->parent;
     n->prev = at;
@@ -61,6 +66,9 @@ template <class Node> void LinkBefore(Node *at, Node *n) {
     at->prev = n;
 }
 
+///@}
+/// Links the unlinked n as parent's last or first child. Neither may be null.
+///@{
 template <class Node> void AppendChild(Node *parent, Node *n) {
     if (parent->lastChild) return LinkAfter(parent->lastChild, n);
     n->parent = parent;
@@ -73,6 +81,9 @@ template <class Node> void PrependChild(Node *parent, Node *n) {
     AppendChild(parent, n);
 }
 
+///@}
+/// Takes n out of its list, fixing its neighbours and its parent's first
+/// and last child; n keeps its children and has no links left to the tree.
 template <class Node> void Unlink(Node *n) {
     if (n->prev) n->prev->next = n->next;
     else if (n->parent) n->parent->firstChild = n->next;
@@ -150,9 +161,9 @@ template <class Node, class Clone> Node *Duplicate(Node *top, Clone &&clone) {
 /// @copydoc TreeCursor.h
 template <class Node> class TTreeCursor {
 public:
-    Node *root = nullptr;
-    Node *current = nullptr;
-    bool emptyPosition = false;
+    Node *root = nullptr;        ///< the head of the top-level list, or null for an empty tree
+    Node *current = nullptr;     ///< the current node, or null
+    bool emptyPosition = false;  ///< at the empty child list of current (see the top of this file)
 
     TTreeCursor() = default;
     TTreeCursor(TTreeCursor const &) = delete;
@@ -172,11 +183,14 @@ public:
         emptyPosition = false;
     }
 
+    /// Moves to the first top-level node; false for an empty tree.
     bool Root() {
         emptyPosition = false;
         current = root;
         return current != nullptr;
     }
+    /// Moves to the parent; from the empty position, back to current
+    /// itself. False at the top level or with no current node.
     bool Parent() {
         if (emptyPosition) {
             emptyPosition = false;
@@ -186,6 +200,8 @@ public:
         current = current->parent;
         return true;
     }
+    /// Moves to the first child. A node without children: false, unless
+    /// allowEmpty, which takes the empty position under it and gives true.
     bool Child(bool allowEmpty) {
         if (!current) return false;
         if (current->firstChild) {
@@ -197,6 +213,9 @@ public:
         emptyPosition = true;
         return true;
     }
+    /// Moves to the next or previous sibling; false (staying put) at the end
+    /// of the list or with no current node.
+    ///@{
     bool Next() {
         emptyPosition = false;
         if (!current || !current->next) return false;
@@ -209,6 +228,9 @@ public:
         current = current->prev;
         return true;
     }
+    ///@}
+    /// Moves to the first or last sibling; false only with no current node.
+    ///@{
     bool First() {
         emptyPosition = false;
         if (!current) return false;
@@ -222,6 +244,11 @@ public:
         return true;
     }
 
+    ///@}
+    /// Links n (made with new; the tree takes it) before or after the
+    /// current node, or as the first child at the empty position, or as the
+    /// only node of an empty tree, and makes it current. False for a null n
+    /// or no current node in a non-empty tree.
     bool Insert(Node *n, bool before) {
         if (!n) return false;
         if (!root) {
@@ -238,6 +265,9 @@ public:
         current = n;
         return true;
     }
+    /// Links n (made with new; the tree takes it) as the first or last child
+    /// of the current node, or as the only node of an empty tree, and makes
+    /// it current. False for a null n or no current node.
     bool InsertChild(Node *n, bool first) {
         emptyPosition = false;
         if (!n) return false;
@@ -272,12 +302,17 @@ public:
     }
     ///@}
 
+    /// Moves to the first sibling of that name (without case), searching
+    /// from the head of the current list. On failure the cursor is left at
+    /// the last sibling.
     bool FindFirst(char16_t const *name) {
         emptyPosition = false;
         if (!current) return false;
         current = tree::HeadOf(current);
         return Matches(current, name) || FindNext(name);
     }
+    /// Moves to the next sibling of that name (without case). On failure the
+    /// cursor is left at the last sibling.
     bool FindNext(char16_t const *name) {
         emptyPosition = false;
         if (!current) return false;
@@ -287,6 +322,8 @@ public:
         }
         return false;
     }
+    /// Moves to the first child of that name (without case); on failure the
+    /// cursor does not move.
     bool FindFirstChild(char16_t const *name) {
         if (emptyPosition || !current || !current->firstChild) return false;
         Node *parent = current;

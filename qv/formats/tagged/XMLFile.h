@@ -75,9 +75,10 @@ class IFileSystem;
 /// @copydoc XMLFile.h
 class QV_API CXMLFile {
 public:
+    /// One attribute: name and value text.
     struct ATTRIB {
-        CString name;
-        CString value;
+        CString name;  ///< compared without case
+        CString value; ///< decoded text
     };
 
     /// The attributes of a node, in file order; names compare without case.
@@ -99,36 +100,45 @@ public:
     /// The parser's working state, shared by a whole load: the file's bytes,
     /// where the walk stands, and the line it is on (kept, not reported).
     struct QV_API SImportant {
-        TSimpleArray<char> bytes;
+        TSimpleArray<char> bytes; ///< the rest of the file, read at once
         int64_t origin = 0;    ///< the file position of bytes[0]
         uint32_t position = 0; ///< the next byte to read
-        bool keepText = false;
-        int32_t line = 1;
-        int32_t column = 1;
+        bool keepText = false; ///< copied from CXMLFile::keepText
+        int32_t line = 1;      ///< counted from 1 at each line feed
+        int32_t column = 1;    ///< kept for callers; the reader leaves it at 1
         bool loaded = false; ///< bytes hold the rest of the file
     };
 
+    /// One node of the tree: an element, a processing instruction, a comment
+    /// or (with keepText) a text node. The links are public so the tree
+    /// cursor can walk them.
     class QV_API CNode {
     public:
+        /// The kind of node.
         enum NODETYPE { ELEMENT = 0, PROCESSING_INSTRUCTION = 1, TEXT = 2, COMMENT = 3 };
 
-        CNode *next = nullptr;
-        CNode *prev = nullptr;
-        CNode *firstChild = nullptr;
-        CNode *lastChild = nullptr;
-        CNode *parent = nullptr;
-        NODETYPE type = ELEMENT;
-        CString name;
-        CString value;
-        CAttribArray attributes;
+        CNode *next = nullptr;       ///< the next sibling, or null
+        CNode *prev = nullptr;       ///< the previous sibling, or null
+        CNode *firstChild = nullptr; ///< the first child, or null
+        CNode *lastChild = nullptr;  ///< the last child, or null
+        CNode *parent = nullptr;     ///< null at the top level
+        NODETYPE type = ELEMENT;     ///< the kind of node
+        CString name;                ///< the element or instruction name
+        CString value;               ///< the text of an element (see the top of this file)
+        CAttribArray attributes;     ///< in file order
 
         CNode();
+        /// A new unlinked node of the given kind (ELEMENT by default), name,
+        /// value and attributes, added in the order given. A null text is
+        /// stored as the empty text.
+        ///@{
         explicit CNode(char16_t const *name);
         CNode(char16_t const *name, char16_t const *value);
         CNode(char16_t const *name, TArray<SNameValuePair> const &attributes);
         CNode(char16_t const *name, TArray<SNameValuePair> const &attributes, char16_t const *value);
         CNode(NODETYPE type, char16_t const *name);
         CNode(NODETYPE type, char16_t const *name, TArray<SNameValuePair> const &attributes);
+        ///@}
         /// Deletes everything below (not the siblings); unlink it first if it
         /// is in a tree.
         ///@{
@@ -160,8 +170,8 @@ public:
         CNode *FindChild(char16_t const *name);
         ///@}
 
-        char16_t const *GetName() { return name.GetUTF16(); }
-        char16_t const *GetValue() { return value.GetUTF16(); }
+        char16_t const *GetName() { return name.GetUTF16(); }   ///< the name text
+        char16_t const *GetValue() { return value.GetUTF16(); } ///< the value text
         /// The attribute's value, or the empty text or the fallback.
         ///@{
         char16_t const *GetAttribute(char16_t const *name);
@@ -184,9 +194,11 @@ public:
         }
         ///@}
 
-        bool HasChildren();
-        uint32_t NumChildren();
-        uint32_t NumChildren(char16_t const *name);
+        bool HasChildren(); ///< whether there is a first child
+        uint32_t NumChildren(); ///< the count of direct children
+        uint32_t NumChildren(char16_t const *name); ///< of those, the ones of that name, without case
+        /// Links node as the first or last child and takes ownership; false
+        /// only for a null node.
         bool InsertChild(CNode *node, bool first);
         /// A deep copy of this node and all below, unlinked.
         CNode *Duplicate();
@@ -203,13 +215,17 @@ public:
     CXMLFile(CXMLFile const &) = delete;
     CXMLFile &operator=(CXMLFile const &) = delete;
 
+    /// Empties the tree, then reads the rest of f. False on a null f or bad
+    /// input, leaving an empty tree.
     bool Load(IFile *f);
     bool Load(IFileSystem *fs, char16_t const *path); ///< opened must-exist, read, share read
     bool Load(char16_t const *path);                  ///< on FileSystem, the disk
+    /// Writes every top-level node and all below at f's position; false on
+    /// a null f or a short write.
     bool Save(IFile *f);
     bool Save(IFileSystem *fs, char16_t const *path); ///< temporary file and rename
-    bool Save(char16_t const *path);
-    void Destroy();
+    bool Save(char16_t const *path); ///< on FileSystem, the disk
+    void Destroy(); ///< deletes every node; there is no current node after
 
     /// Cursor moves; see qv/formats/tagged/TreeCursor.h.
     ///@{
