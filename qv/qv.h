@@ -1,4 +1,5 @@
-// Every public header of libqv, for programs that want the whole library.
+/// @file
+/// Every public header of libqv, for programs that want the whole library.
 #pragma once
 
 // Core types: text runtime, strings, containers, values, time, singletons, log.

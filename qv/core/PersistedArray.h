@@ -1,29 +1,30 @@
-// CPersistedArray / TPersistedArray<T>: a growable array of fixed-size items
-// kept in a file, of which one window of items (a 512 KiB budget) is held in
-// memory. Memory stays the same whatever the item count, so tables of any
-// length can keep a per-row record.
-//
-// Storage. Item i lies at byte i * item size of the file. The default
-// constructor makes a temporary disk file ("par" prefix, delete-on-close, so
-// a crashed process leaves nothing behind); the other constructor works over a
-// caller's IFile, which it does not own or close, and takes its size ÷ item
-// size as the count (bytes of a partial last item are ignored).
-//
-// Access. GetItem(i) gives a pointer to item i for reading and writing (the
-// window is then written back before it moves); ReadItem(i) for reading only.
-// Reaching i at or past the count makes the count i + 1; new items read as
-// zeros. A pointer stays good until the next GetItem/ReadItem/Remove/
-// SetItemSize/Empty. Sequential access in either direction reads each item
-// once: a window move keeps an eighth of the window behind the new item.
-//
-// Failures. A null result, or false, when the file is missing or a transfer
-// fails; a window that could not be written back stays in memory (and dirty),
-// so no item written through GetItem is lost by a failed move. Item bytes
-// read from the file are untrusted data: the array never interprets them.
-// SetItemSize that fails half-way leaves the items unusable and the array
-// refuses further access (IsReady false).
-//
-// Threads: one thread at a time.
+/// @file
+/// CPersistedArray / TPersistedArray<T>: a growable array of fixed-size items
+/// kept in a file, of which one window of items (a 512 KiB budget) is held in
+/// memory. Memory stays the same whatever the item count, so tables of any
+/// length can keep a per-row record.
+///
+/// Storage. Item i lies at byte i * item size of the file. The default
+/// constructor makes a temporary disk file ("par" prefix, delete-on-close, so
+/// a crashed process leaves nothing behind); the other constructor works over a
+/// caller's IFile, which it does not own or close, and takes its size ÷ item
+/// size as the count (bytes of a partial last item are ignored).
+///
+/// Access. GetItem(i) gives a pointer to item i for reading and writing (the
+/// window is then written back before it moves); ReadItem(i) for reading only.
+/// Reaching i at or past the count makes the count i + 1; new items read as
+/// zeros. A pointer stays good until the next GetItem/ReadItem/Remove/
+/// SetItemSize/Empty. Sequential access in either direction reads each item
+/// once: a window move keeps an eighth of the window behind the new item.
+///
+/// Failures. A null result, or false, when the file is missing or a transfer
+/// fails; a window that could not be written back stays in memory (and dirty),
+/// so no item written through GetItem is lost by a failed move. Item bytes
+/// read from the file are untrusted data: the array never interprets them.
+/// SetItemSize that fails half-way leaves the items unusable and the array
+/// refuses further access (IsReady false).
+///
+/// Threads: one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -35,33 +36,39 @@ namespace qv {
 
 class IFile;
 
+/// @copydoc PersistedArray.h
 class QV_API CPersistedArray {
 public:
-    static constexpr uint32_t kWindowBudget = 0x80000;
+    static constexpr uint32_t kWindowBudget = 0x80000; ///< bytes of items held in memory at most
 
+    /// An empty array in a new temporary disk file (IsReady false if none could be made).
     explicit CPersistedArray(uint32_t itemSize = 16);
+    /// The items already in backing (not owned, left open), whole items only.
     CPersistedArray(IFile &backing, uint32_t itemSize);
-    ~CPersistedArray(); // writes the window back, closes an owned file
+    ~CPersistedArray(); ///< writes the window back, closes an owned file
     CPersistedArray(CPersistedArray const &) = delete;
     CPersistedArray &operator=(CPersistedArray const &) = delete;
 
-    bool IsReady() const; // a file and a window exist
-    uint32_t GetCount() const { return m_count; }
-    uint32_t GetItemSize() const { return m_itemSize; }
-    uint32_t GetCapacity() const { return m_capacity; } // items in the window
+    bool IsReady() const; ///< a file and a window exist
+    uint32_t GetCount() const { return m_count; }        ///< items in the array
+    uint32_t GetItemSize() const { return m_itemSize; }  ///< bytes of one item
+    uint32_t GetCapacity() const { return m_capacity; } ///< items in the window
 
+    /// Item i to read and write (it is written back before the window moves);
+    /// reaching past the count extends the array. Null on failure.
     uint8_t *GetItem(uint32_t i);
+    /// Item i to read only; as GetItem otherwise.
     uint8_t const *ReadItem(uint32_t i);
 
-    // Cuts item i out; later items move down by one. True with nothing done
-    // when i is not below the count.
+    /// Cuts item i out; later items move down by one. True with nothing done
+    /// when i is not below the count.
     bool Remove(uint32_t i);
-    // Rewrites every item at the new size: a grown item gets a zero tail, a
-    // shrunk one keeps its first bytes. Linear in the count.
+    /// Rewrites every item at the new size: a grown item gets a zero tail, a
+    /// shrunk one keeps its first bytes. Linear in the count.
     bool SetItemSize(uint32_t itemSize);
-    // Count to 0; the file is cut to nothing.
+    /// Count to 0; the file is cut to nothing.
     bool Empty();
-    // Writes a changed window back.
+    /// Writes a changed window back.
     bool Flush();
 
 private:
@@ -80,27 +87,30 @@ private:
     uint32_t m_count = 0;
     uint32_t m_itemSize = 16;
     uint32_t m_capacity = 0;
-    uint32_t m_first = 0;       // first item held in the window
-    uint32_t m_dirtyLow = 0;    // dirty items [m_dirtyLow, m_dirtyHigh)
+    uint32_t m_first = 0;       ///< first item held in the window
+    uint32_t m_dirtyLow = 0;    ///< dirty items [m_dirtyLow, m_dirtyHigh)
     uint32_t m_dirtyHigh = 0;
     bool m_loaded = false;
     bool m_broken = false;
 };
 
-// Typed view: T must be trivially copyable and sizeof(T) the item size.
-// Items whose size is chosen at run time use CPersistedArray itself.
+/// Typed view: T must be trivially copyable and sizeof(T) the item size.
+/// Items whose size is chosen at run time use CPersistedArray itself.
 template <class T>
 class TPersistedArray : public CPersistedArray {
 public:
+    /// An empty array in a new temporary disk file.
     TPersistedArray() : CPersistedArray(sizeof(T)) {}
+    /// The items already in backing (not owned).
     explicit TPersistedArray(IFile &backing) : CPersistedArray(backing, sizeof(T)) {}
-    // Copies out; false (and out untouched) on failure.
+    /// Copies item i out; false (and out untouched) on failure.
     bool Get(uint32_t i, T &out) {
         uint8_t const *p = ReadItem(i);
         if (!p) return false;
         __builtin_memcpy(&out, p, sizeof(T));
         return true;
     }
+    /// Copies value into item i, extending the array as GetItem does; false on failure.
     bool Set(uint32_t i, T const &value) {
         uint8_t *p = GetItem(i);
         if (!p) return false;
