@@ -207,4 +207,34 @@ TEST_F(PODFileTest, FailedSaveLeavesTheOldFileWholeAndKeepsTheEdits) {
     EXPECT_NE(after.find("edited"), std::string::npos);
 }
 
+std::string RunTool(std::string const &command) {
+    std::string out;
+    if (FILE *p = popen(command.c_str(), "r")) {
+        char buf[4096];
+        for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
+        out += "exit " + std::to_string(pclose(p));
+    }
+    return out;
+}
+
+TEST_F(PODFileTest, ToolReadsSetsShowsAndExportsCells) {
+    {
+        CPODFile pod;
+        MakeTable(pod, 12, Path("tool.pod"));
+    }
+    std::string file = (dir / "tool.pod").string();
+    std::string qv = QV_TOOL;
+    EXPECT_EQ(RunTool(qv + " pod get " + file + " 3 Az"), "r3c1\nexit 0");
+    EXPECT_EQ(RunTool(qv + " pod set " + file + " 3 1 'a, b'"), "exit 0");
+    EXPECT_EQ(RunTool(qv + " pod get " + file + " 3 1"), "a, b\nexit 0");
+    EXPECT_NE(RunTool(qv + " pod get " + file + " 12 0 2>/dev/null"), "exit 0");
+    std::string shown = RunTool(qv + " pod show " + file + " --rows 2:4");
+    EXPECT_NE(shown.find("rows 12, columns 2\n"), std::string::npos);
+    EXPECT_NE(shown.find("\n3\tr3c0\ta, b\n"), std::string::npos);
+    EXPECT_EQ(shown.find("\n4\t"), std::string::npos);
+    std::string csv = RunTool(qv + " pod export " + file + " --csv");
+    EXPECT_EQ(csv.substr(0, 28), "Time,Az\r\nr0c0,r0c1\r\nr1c0,r1c");
+    EXPECT_NE(csv.find("r3c0,\"a, b\"\r\n"), std::string::npos);
+}
+
 } // namespace
