@@ -92,5 +92,9 @@ int RunVqrPut(char *const *args);
 int RunConfigGet(char *const *args);
 int RunConfigSet(char *const *args);
 int RunConfigDump(char *const *args);
+int RunPodShow(char *const *args);
+int RunPodGet(char *const *args);
+int RunPodSet(char *const *args);
+int RunPodExport(char *const *args);
 
 } // namespace qvtool

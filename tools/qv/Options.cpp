@@ -27,6 +27,7 @@ constexpr SValueOption kValueOptions[] = {
     {"--tool", kTakesTool, &SOptions::tool},
     {"--save", kTakesSave, &SOptions::save},
     {"--inc", kTakesInc, &SOptions::inc},
+    {"--rows", kTakesRows, &SOptions::rows},
 };
 
 SValueOption const *FindValueOption(char const *word, unsigned accepted) {

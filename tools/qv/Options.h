@@ -17,6 +17,7 @@ enum : unsigned {
     kTakesTool = 4, // --tool PATH: the external program to run
     kTakesSave = 8, // --save PATH: where to save what the command built
     kTakesInc = 16, // --inc PATH: where to write an include file of it
+    kTakesRows = 32, // --rows A:B: the rows to show
 };
 
 struct SOptions {
@@ -26,6 +27,7 @@ struct SOptions {
     char const *tool = nullptr; // --tool's value
     char const *save = nullptr; // --save's value
     char const *inc = nullptr;  // --inc's value
+    char const *rows = nullptr; // --rows's value
 };
 
 // Splits the words after a command into options and operands. False, with a

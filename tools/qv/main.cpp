@@ -72,6 +72,10 @@ Command const kCommands[] = {
     {"config get", "STORE PATH", "print one setting of a .ini, .xml or .db file, reg:user or reg:machine", RunConfigGet},
     {"config set", "STORE PATH VALUE", "write one setting (as text) and save the store", RunConfigSet},
     {"config dump", "STORE", "print every setting of a store as PATH=VALUE lines", RunConfigDump, kTakesJson},
+    {"pod show", "FILE", "print a POD table's columns, row count and rows A to B (--rows A:B)", RunPodShow, kTakesRows},
+    {"pod get", "FILE ROW COLUMN", "print one cell of a POD table (COLUMN a number or a name)", RunPodGet},
+    {"pod set", "FILE ROW COLUMN VALUE", "change one cell of a POD table and save it whole", RunPodSet},
+    {"pod export", "FILE", "write a POD table as CSV on standard output", RunPodExport, kTakesCsv},
 };
 
 int CountWords(char const *text) {

@@ -1,0 +1,466 @@
+#include "qv/tables/PODFile.h"
+
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "qv/core/String.h"
+#include "qv/files/IFile.h"
+#include "qv/files/OpenFlags.h"
+#include "qv/filesystems/AtomicSave.h"
+#include "qv/filesystems/IFileSystem.h"
+#include "qv/tables/PODFields.h"
+#include "qv/tables/PODLineIndex.h"
+
+namespace qv {
+
+namespace {
+
+constexpr uint32_t kLineSize = 8192;
+constexpr uint32_t kMaxColumns = kLineSize / 2; // a field takes at least a byte and a separator
+constexpr uint32_t kSeekStart = 1;
+constexpr uint8_t kNoSlot = 0xFF;
+constexpr uint32_t kCellEmpty = 0, kCellSource = 1, kCellRowCache = 2, kCellDiffCache = 3, kCellDiffFile = 4,
+                   kCellRemoved = 5;
+constexpr uint32_t kChanged = 1;
+constexpr size_t kFlushAt = 1 << 16;
+
+// The header lines in their fixed file order: name, unit, class, type.
+constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
+
+char16_t *ColumnField(CPODFile::Column &c, int kind, size_t &size) {
+    switch (kind) {
+    case 0: size = 128; return c.name;
+    case 1: size = 64; return c.unit;
+    case 2: size = 128; return c.cls;
+    default: size = 64; return c.type;
+    }
+}
+
+uint32_t RowEntrySize(uint32_t columns) {
+    return uint32_t(sizeof(SPODRowSpan) + sizeof(CPODFile::CellEntry) * columns);
+}
+
+bool CopyText(char16_t *out, size_t size, char16_t const *text) {
+    size_t n = 0;
+    while (text[n]) if (++n >= size) return false;
+    std::memcpy(out, text, (n + 1) * sizeof(char16_t));
+    return true;
+}
+
+void Utf8ToField(char const *field, char16_t *out, int size) {
+    int n = int(std::strlen(field));
+    int got = n ? CString::ConvertToTCHAR(field, n, out, size - 1) : 0;
+    out[got > 0 && got < size ? got : 0] = 0;
+}
+
+// Only zero or missing against not zero counts in a size tag.
+bool SizeTagSet(CSAFFile &header, char16_t const *tag) {
+    char16_t const *v = header.GetTagValue(tag);
+    if (!v) return false;
+    for (; *v; ++v) if (*v >= u'1' && *v <= u'9') return true;
+    return false;
+}
+
+bool ParseCount(char16_t const *text, uint32_t &out) {
+    if (!text || !*text) return false;
+    uint64_t v = 0;
+    for (; *text; ++text) {
+        if (*text < u'0' || *text > u'9' || (v = v * 10 + uint32_t(*text - u'0')) > UINT32_MAX) return false;
+    }
+    out = uint32_t(v);
+    return true;
+}
+
+bool SetTag(CSAFFile &header, char16_t const *name, char16_t const *value) {
+    return header.GetTagValue(name) ? header.SetTagValue(name, value) : header.AddTag(name, value);
+}
+
+CString Decimal(uint32_t v) {
+    char16_t text[16];
+    int n = 15;
+    text[n] = 0;
+    do text[--n] = char16_t(u'0' + v % 10); while ((v /= 10) != 0);
+    return CString(text + n);
+}
+
+} // namespace
+
+CPODFile::CPODFile() : line(new (std::nothrow) char[kLineSize]) {}
+
+CPODFile::~CPODFile() { Destroy(); }
+
+CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
+    if (row >= index.GetCount()) return nullptr;
+    uint8_t *item = index.GetItem(row);
+    return item ? reinterpret_cast<CellEntry *>(item + sizeof(SPODRowSpan)) : nullptr;
+}
+
+bool CPODFile::StartDiffFile() {
+    diffFile.reset(new (std::nothrow) CPersistedArray(sizeof(DiffEntry)));
+    return diffFile && diffFile->IsReady();
+}
+
+void CPODFile::Destroy() {
+    rowCache.clear();
+    diffCache.clear();
+    if (source) {
+        source->Close();
+        delete source;
+        source = nullptr;
+    }
+    diffFile.reset();
+    index.Empty();
+    columns.clear();
+    header.Destroy();
+    fields.clear();
+    sourceFields = liveColumns = rowCursor = diffCursor = 0;
+    isOpen = isModified = false;
+}
+
+bool CPODFile::New() {
+    Destroy();
+    if (!header.New(false) || !SetTag(header, u"KeyWrd", u"POD") || !SetTag(header, u"NumDPs", u"auto")) return false;
+    for (int i = 0; i < 3; ++i) if (!SetTag(header, kSizeTags[i], u"20")) return false;
+    if (!line || !index.SetItemSize(RowEntrySize(0)) || !StartDiffFile()) return false;
+    isOpen = isModified = true;
+    return true;
+}
+
+bool CPODFile::ReadSourceLine(int64_t position, uint32_t length) {
+    if (!line || length >= kLineSize || source->Seek(position, kSeekStart) != position) return false;
+    if (source->Read(line.get(), length) != length) return false;
+    SplitPODLine(line.get(), length, fields.data(), sourceFields);
+    return true;
+}
+
+bool CPODFile::ReadHeaderLines(int64_t &position) {
+    for (int kind = 0; kind < 4; ++kind) {
+        if (!SizeTagSet(header, kSizeTags[kind])) continue;
+        if (source->Seek(position, kSeekStart) != position) return false;
+        uint32_t got = source->Read(line.get(), kLineSize - 1);
+        char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
+        if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
+        uint32_t length = lf ? uint32_t(lf - line.get() + 1) : got;
+        SplitPODLine(line.get(), length, fields.data(), sourceFields);
+        for (uint32_t col = 0; col < sourceFields; ++col) {
+            size_t size;
+            char16_t *out = ColumnField(columns[col], kind, size);
+            Utf8ToField(fields[col], out, int(size));
+        }
+        position += length;
+    }
+    return true;
+}
+
+bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
+    (void)mustExist; // a plain text file without a header is not read yet
+    Destroy();
+    if (!fs || !line || !header.Load(fs, name)) return false;
+    char16_t const *keyword = header.GetTagValue(u"KeyWrd");
+    uint32_t count = 0;
+    if (!keyword || CString::CompareNoCase(keyword, u"POD") != 0) return Destroy(), false;
+    if (!header.GetTagValue(u"NumDPs") || !ParseCount(header.GetTagValue(u"NParam"), count) || count > kMaxColumns)
+        return Destroy(), false;
+    source = fs->CreateFileW(name, kOpenExisting | kOpenRead | kOpenShareRead);
+    if (!source) return Destroy(), false;
+    sourceFields = count;
+    fields.assign(count, nullptr);
+    columns.assign(count, Column{{}, {}, {}, {}, 1});
+    int64_t position = header.GetDataPosition();
+    if (!ReadHeaderLines(position) || !index.SetItemSize(RowEntrySize(count)) ||
+        !IndexPODLines(*source, position, index))
+        return Destroy(), false;
+    for (uint32_t row = 0; row < index.GetCount(); ++row) {
+        CellEntry *cells = Cells(row);
+        if (!cells) return Destroy(), false;
+        for (uint32_t col = 0; col < count; ++col) cells[col] = {kCellSource, kNoSlot, kNoSlot, kPODNone};
+    }
+    if (!StartDiffFile()) return Destroy(), false;
+    liveColumns = count;
+    isOpen = true;
+    return true;
+}
+
+int CPODFile::MoveRowToCache(uint32_t row) {
+    uint32_t const n = ColumnCount();
+    CellEntry *cells = Cells(row);
+    if (!cells) return -1;
+    if (n && cells[0].state == kCellRowCache) return cells[0].rowSlot;
+    uint32_t slot;
+    if (rowCache.size() < kRowCacheSize) {
+        rowCache.push_back(CachedRow{kPODNone, std::vector<CachedCell>(n)});
+        slot = uint32_t(rowCache.size() - 1);
+    } else {
+        slot = rowCursor;
+        MoveRowToDiffCache(slot);
+        rowCursor = (rowCursor + 1) % kRowCacheSize;
+    }
+    uint8_t const *item = index.GetItem(row);
+    if (!item) return -1;
+    SPODRowSpan span;
+    std::memcpy(&span, item, sizeof span);
+    cells = Cells(row);
+    bool fromSource = false;
+    for (uint32_t col = 0; col < n; ++col) fromSource |= cells[col].state == kCellSource;
+    if (fromSource && !ReadSourceLine(span.position, span.length)) return -1;
+    CachedRow &cached = rowCache[slot];
+    for (uint32_t col = 0; col < n; ++col) {
+        CellEntry &cell = cells[col];
+        CachedCell &out = cached.cells[col];
+        out.flags = 0;
+        out.value[0] = 0;
+        if (cell.state == kCellSource && col < sourceFields) {
+            Utf8ToField(fields[col], out.value, kValueSize);
+        } else if (cell.state == kCellDiffCache) {
+            // The cell keeps its diff-cache slot whether or not the row had
+            // source cells: dropping it would orphan the entry, which would
+            // later be written over a newer edit of the same cell.
+            std::memcpy(out.value, diffCache[cell.diffSlot].value, sizeof out.value);
+            out.flags = kChanged;
+        } else if (cell.state == kCellDiffFile) {
+            uint8_t const *record = diffFile->ReadItem(cell.record);
+            if (record) std::memcpy(out.value, reinterpret_cast<DiffEntry const *>(record)->value, sizeof out.value);
+        }
+        cell.state = kCellRowCache;
+        cell.rowSlot = uint8_t(slot);
+    }
+    cached.row = row;
+    return int(slot);
+}
+
+uint8_t CPODFile::TakeDiffSlot() {
+    if (diffCache.size() < kDiffCacheSize) {
+        diffCache.push_back(DiffEntry{kPODNone, 0, {}});
+        return uint8_t(diffCache.size() - 1);
+    }
+    uint8_t slot = uint8_t(diffCursor);
+    MoveItemToDiffFile(slot);
+    diffCursor = (diffCursor + 1) % kDiffCacheSize;
+    return slot;
+}
+
+void CPODFile::MoveRowToDiffCache(uint32_t slot) {
+    if (slot >= rowCache.size() || rowCache[slot].row == kPODNone) return;
+    uint32_t const row = rowCache[slot].row;
+    rowCache[slot].row = kPODNone;
+    SPODRowSpan span{};
+    if (uint8_t *item = index.GetItem(row)) std::memcpy(&span, item, sizeof span);
+    for (uint32_t col = 0; col < ColumnCount(); ++col) {
+        CellEntry *cells = Cells(row);
+        if (!cells) return;
+        CellEntry cell = cells[col];
+        if (cell.state != kCellRowCache) continue;
+        CachedCell const &cached = rowCache[slot].cells[col];
+        if (!(cached.flags & kChanged)) {
+            cell.state = cell.diffSlot != kNoSlot          ? kCellDiffCache
+                         : cell.record != kPODNone         ? kCellDiffFile
+                         : !columns[col].live              ? kCellRemoved
+                         : col < sourceFields && span.length ? kCellSource
+                                                           : kCellEmpty;
+        } else {
+            if (cell.diffSlot == kNoSlot) cell.diffSlot = TakeDiffSlot(); // may touch other rows
+            DiffEntry &entry = diffCache[cell.diffSlot];
+            entry.row = row;
+            entry.col = col;
+            std::memcpy(entry.value, cached.value, sizeof entry.value);
+            cell.state = kCellDiffCache;
+        }
+        cell.rowSlot = kNoSlot;
+        Cells(row)[col] = cell;
+    }
+}
+
+void CPODFile::MoveItemToDiffFile(uint32_t slot) {
+    if (slot >= diffCache.size()) return;
+    DiffEntry &entry = diffCache[slot];
+    CellEntry *cells = entry.col < ColumnCount() ? Cells(entry.row) : nullptr;
+    if (!cells || cells[entry.col].diffSlot != slot) { // a freed entry
+        entry.row = kPODNone;
+        return;
+    }
+    CellEntry cell = cells[entry.col];
+    if (cell.record == kPODNone) cell.record = diffFile->GetCount();
+    uint8_t *record = diffFile->GetItem(cell.record);
+    if (!record) return; // the cell keeps its slot; the caller's overwrite is refused below
+    std::memcpy(record, &entry, sizeof entry);
+    if (cell.state == kCellDiffCache) cell.state = kCellDiffFile;
+    cell.diffSlot = kNoSlot;
+    Cells(entry.row)[entry.col] = cell;
+    entry.row = kPODNone;
+}
+
+char16_t const *CPODFile::GetValue(uint32_t col, uint32_t row) {
+    if (col >= ColumnCount() || row >= nDPs() || !columns[col].live) return nullptr;
+    int slot = MoveRowToCache(row);
+    return slot < 0 ? nullptr : rowCache[size_t(slot)].cells[col].value;
+}
+
+bool CPODFile::PutValue(uint32_t col, uint32_t row, char16_t const *value) {
+    if (!value || !GetValue(col, row)) return false;
+    CachedCell &cell = rowCache[Cells(row)[0].rowSlot].cells[col];
+    if (!CopyText(cell.value, kValueSize, value)) return false; // over 255 characters: refused
+    cell.flags |= kChanged;
+    isModified = true;
+    return true;
+}
+
+uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t const *unit, char16_t const *type) {
+    Column column{{}, {}, {}, {}, 1};
+    if (!isOpen || ColumnCount() >= kMaxColumns || !CopyText(column.name, 128, name ? name : u"") ||
+        !CopyText(column.cls, 128, cls ? cls : u"") || !CopyText(column.unit, 64, unit ? unit : u"") ||
+        !CopyText(column.type, 64, type ? type : u"") || !index.SetItemSize(RowEntrySize(ColumnCount() + 1)))
+        return kPODNone;
+    uint32_t const col = ColumnCount();
+    columns.push_back(column);
+    for (uint32_t row = 0; row < nDPs(); ++row) {
+        CellEntry *cells = Cells(row);
+        if (!cells) return kPODNone;
+        cells[col] = {kCellEmpty, kNoSlot, kNoSlot, kPODNone};
+    }
+    for (uint32_t slot = 0; slot < rowCache.size(); ++slot) {
+        rowCache[slot].cells.push_back(CachedCell{0, {}});
+        // A resident row's new cell is resident too, or an edit to it would be skipped on eviction.
+        if (rowCache[slot].row != kPODNone) Cells(rowCache[slot].row)[col] = {kCellRowCache, uint8_t(slot), kNoSlot, kPODNone};
+    }
+    ++liveColumns;
+    isModified = true;
+    return col;
+}
+
+uint32_t CPODFile::AddRow() {
+    if (liveColumns == 0) return kPODNone;
+    uint32_t const row = nDPs();
+    uint8_t *item = index.GetItem(row);
+    if (!item) return kPODNone;
+    std::memset(item, 0, sizeof(SPODRowSpan));
+    CellEntry *cells = reinterpret_cast<CellEntry *>(item + sizeof(SPODRowSpan));
+    for (uint32_t col = 0; col < ColumnCount(); ++col) cells[col] = {kCellEmpty, kNoSlot, kNoSlot, kPODNone};
+    isModified = true;
+    return row;
+}
+
+void CPODFile::AllocRows(uint32_t count) {
+    while (nDPs() < count && AddRow() != kPODNone) {}
+}
+
+void CPODFile::RemoveCol(uint32_t col) {
+    if (col >= ColumnCount()) return;
+    if (columns[col].live && liveColumns) --liveColumns;
+    columns[col].live = 0;
+    isModified = true;
+}
+
+void CPODFile::RemoveRow(uint32_t row) {
+    CellEntry *cells = Cells(row);
+    if (!cells) return;
+    uint32_t const n = ColumnCount();
+    // The removed row's own cache entries go with it, or they would later
+    // land on whichever row takes its number.
+    for (uint32_t col = 0; col < n; ++col) {
+        if (cells[col].rowSlot != kNoSlot) rowCache[cells[col].rowSlot].row = kPODNone;
+        if (cells[col].diffSlot != kNoSlot) diffCache[cells[col].diffSlot].row = kPODNone;
+    }
+    for (uint32_t later = row + 1; later < nDPs(); ++later) {
+        cells = Cells(later);
+        if (!cells) return;
+        if (n && cells[0].rowSlot != kNoSlot) --rowCache[cells[0].rowSlot].row; // once per row
+        for (uint32_t col = 0; col < n; ++col) {
+            if (cells[col].diffSlot != kNoSlot) --diffCache[cells[col].diffSlot].row;
+            if (cells[col].record == kPODNone) continue;
+            if (uint8_t *record = diffFile->GetItem(cells[col].record)) --reinterpret_cast<DiffEntry *>(record)->row;
+        }
+    }
+    index.Remove(row);
+    isModified = true;
+}
+
+bool CPODFile::FindColumn(char16_t const *name, uint32_t &col) {
+    for (col = 0; col < ColumnCount(); ++col)
+        if (columns[col].live && name && CString::CompareNoCase(columns[col].name, name) == 0) return true;
+    return false;
+}
+
+bool CPODFile::GetColumnInfo(uint32_t col, char16_t const **name, char16_t const **cls, char16_t const **unit,
+                             char16_t const **type) {
+    if (col >= ColumnCount() || !columns[col].live) return false;
+    if (name) *name = columns[col].name;
+    if (cls) *cls = columns[col].cls;
+    if (unit) *unit = columns[col].unit;
+    if (type) *type = columns[col].type;
+    return true;
+}
+
+bool CPODFile::UpdateColumn(uint32_t col, char16_t const *name, char16_t const *cls, char16_t const *unit,
+                            char16_t const *type) {
+    if (col >= ColumnCount() || !columns[col].live) return false;
+    Column c = columns[col];
+    if ((name && !CopyText(c.name, 128, name)) || (cls && !CopyText(c.cls, 128, cls)) ||
+        (unit && !CopyText(c.unit, 64, unit)) || (type && !CopyText(c.type, 64, type)))
+        return false;
+    columns[col] = c;
+    isModified = true;
+    return true;
+}
+
+bool CPODFile::WriteTable(IFile &out) {
+    std::string text;
+    char utf8[kValueSize * 3 + 1];
+    auto flush = [&] {
+        bool ok = out.Write(text.data(), uint32_t(text.size())) == text.size();
+        text.clear();
+        return ok;
+    };
+    auto writeLine = [&](auto &&valueOf) {
+        bool first = true;
+        for (uint32_t col = 0; col < ColumnCount(); ++col) {
+            if (!columns[col].live) continue;
+            char16_t const *value = valueOf(col);
+            if (!value) return false;
+            int n = 0;
+            while (value[n]) ++n;
+            int got = n ? CString::ConvertToUTF8(value, n, utf8, sizeof utf8) : 0;
+            if (!first) text += '\t';
+            first = false;
+            AppendPODField(text, std::string_view(utf8, size_t(got > 0 ? got : 0)));
+        }
+        text += "\r\n";
+        return text.size() < kFlushAt || flush();
+    };
+    for (int kind = 0; kind < 4; ++kind) {
+        if (!SizeTagSet(header, kSizeTags[kind])) continue;
+        if (!writeLine([&](uint32_t col) -> char16_t const * {
+                size_t size;
+                return ColumnField(columns[col], kind, size);
+            }))
+            return false;
+    }
+    for (uint32_t row = 0; row < nDPs(); ++row)
+        if (!writeLine([&](uint32_t col) { return GetValue(col, row); })) return false;
+    return flush();
+}
+
+bool CPODFile::Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, bool saveFlag) {
+    if (!isOpen || !fs) return false;
+    CSAFFile out = header;
+    if (mergeHeader && !out.Load(fs, name)) return false;
+    char16_t const *rows = out.GetTagValue(u"NumDPs");
+    if (!rows) return false;
+    if (CString::CompareNoCase(rows, u"auto") != 0 && !SetTag(out, u"NumDPs", Decimal(nDPs()))) return false;
+    if (!SetTag(out, u"NParam", Decimal(liveColumns))) return false;
+    out.DropData();
+    CSAFFile kept = header;
+    header = out; // the size tags of the header written decide the column lines
+    bool written = SaveAtomically(fs, name, [&](IFile &f) {
+        uint32_t dataPosition = 0;
+        return out.SaveTo(&f, dataPosition, saveFlag) && f.Seek(dataPosition, kSeekStart) == dataPosition &&
+               WriteTable(f);
+    });
+    if (!written) {
+        header = kept; // the table and its edits stay as they were
+        return false;
+    }
+    return Load(fs, name, true);
+}
+
+} // namespace qv

@@ -1,0 +1,120 @@
+#pragma once
+
+/// @file
+/// CPODFile: a POD table of any length at a fixed memory cost. The source text
+/// stays on disk and is read a line at a time; the row index lives in a
+/// temporary file behind a 512 KiB window; 64 parsed rows sit in a row cache;
+/// edited cells fall through a 32-cell diff cache into a temporary diff file.
+/// Nothing reaches the real file until Save writes it out whole, through a
+/// temporary file and a rename, so a failed Save leaves the old file whole.
+///
+/// Failures are results (false, null, kPODNone). Values longer than 255
+/// characters are refused. One thread at a time; see IPODFile.
+
+#include <memory>
+#include <vector>
+
+#include "qv/core/PersistedArray.h"
+#include "qv/formats/tagged/SAFFile.h"
+#include "qv/tables/IPODFile.h"
+
+namespace qv {
+
+class IFile;
+
+class QV_API CPODFile : public IPODFile {
+public:
+    static constexpr uint32_t kDiffCacheSize = 32;
+    static constexpr uint32_t kRowCacheSize = 64;
+    static constexpr uint32_t kValueSize = 256; ///< with the terminator
+
+    CPODFile();
+    ~CPODFile() override;
+    CPODFile(CPODFile const &) = delete;
+    CPODFile &operator=(CPODFile const &) = delete;
+
+    CSAFFile &GetHeader() override { return header; }
+    CTagFile &GetTagFile() override { return header.GetTagFile(); }
+    bool New() override;
+    bool Load(IFileSystem *fs, char16_t const *name, bool mustExist) override;
+    bool Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, bool saveFlag) override;
+    void Destroy() override;
+    void RemoveRow(uint32_t row) override;
+    void RemoveCol(uint32_t col) override;
+    bool FindColumn(char16_t const *name, uint32_t &col) override;
+    uint32_t AddColumn(char16_t const *name, char16_t const *cls, char16_t const *unit,
+                       char16_t const *type) override;
+    uint32_t AddRow() override;
+    void AllocRows(uint32_t count) override;
+    uint32_t nDPs() override { return index.GetCount(); }
+    uint32_t nParams() override { return liveColumns; }
+    bool IsValid() override { return isOpen; }
+    char16_t const *GetValue(uint32_t col, uint32_t row) override;
+    bool PutValue(uint32_t col, uint32_t row, char16_t const *value) override;
+    bool UpdateColumn(uint32_t col, char16_t const *name, char16_t const *cls, char16_t const *unit,
+                      char16_t const *type) override;
+    bool GetColumnInfo(uint32_t col, char16_t const **name, char16_t const **cls, char16_t const **unit,
+                       char16_t const **type) override;
+    using IPODFile::GetValue;
+    using IPODFile::PutValue;
+
+    bool IsOpen() const { return isOpen; }
+    bool IsModified() const { return isModified; }
+    int MoveRowToCache(uint32_t row); ///< the row-cache slot, -1 on failure
+    void MoveRowToDiffCache(uint32_t slot);
+    void MoveItemToDiffFile(uint32_t slot);
+
+    struct Column {
+        char16_t name[128], cls[128], unit[64], type[64];
+        uint32_t live;
+    };
+#pragma pack(push, 1)
+    struct CellEntry {
+        uint32_t state;
+        uint8_t rowSlot;
+        uint8_t diffSlot;
+        uint32_t record;
+    };
+#pragma pack(pop)
+    struct DiffEntry {
+        uint32_t row, col;
+        char16_t value[kValueSize];
+    };
+
+private:
+    struct CachedCell {
+        uint32_t flags;
+        char16_t value[kValueSize];
+    };
+    struct CachedRow {
+        uint32_t row;
+        std::vector<CachedCell> cells;
+    };
+
+    uint32_t ColumnCount() const { return uint32_t(columns.size()); }
+    CellEntry *Cells(uint32_t row);
+    bool ReadSourceLine(int64_t position, uint32_t length);
+    bool ReadHeaderLines(int64_t &position);
+    bool WriteTable(IFile &out);
+    bool StartDiffFile();
+    uint8_t TakeDiffSlot();
+    void ForgetDiffEntry(CellEntry &cell);
+
+    std::vector<Column> columns;
+    std::vector<DiffEntry> diffCache;
+    std::vector<CachedRow> rowCache;
+    CPersistedArray index;
+    std::unique_ptr<CPersistedArray> diffFile;
+    std::vector<char const *> fields;
+    uint32_t sourceFields = 0;
+    uint32_t rowCursor = 0;
+    std::unique_ptr<char[]> line;
+    uint32_t diffCursor = 0;
+    uint32_t liveColumns = 0;
+    CSAFFile header;
+    IFile *source = nullptr;
+    bool isOpen = false;
+    bool isModified = false;
+};
+
+} // namespace qv

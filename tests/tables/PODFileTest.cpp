@@ -1,0 +1,240 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "qv/filesystems/FileSystem.h"
+#include "qv/tables/PODFile.h"
+#include "support/FaultInjection.h"
+
+namespace {
+
+using qv::CPODFile;
+
+std::u16string Wide(std::string const &s) { return std::u16string(s.begin(), s.end()); }
+
+std::string Narrow(char16_t const *s) {
+    std::string out;
+    for (; s && *s; ++s) out += char(*s);
+    return out;
+}
+
+struct PODFileTest : ::testing::Test {
+    std::filesystem::path dir;
+    void SetUp() override {
+        char tmpl[] = "/tmp/qvpodXXXXXX";
+        dir = mkdtemp(tmpl);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir); }
+    std::u16string Path(char const *name) { return Wide((dir / name).string()); }
+    static std::string Bytes(std::u16string const &p) {
+        std::ifstream in(std::string(p.begin(), p.end()), std::ios::binary);
+        std::stringstream s;
+        s << in.rdbuf();
+        return s.str();
+    }
+    // A table of rows x 2 columns whose cells are "rRcC", saved and reloaded.
+    void MakeTable(CPODFile &pod, uint32_t rows, std::u16string const &path) {
+        ASSERT_TRUE(pod.New());
+        ASSERT_EQ(pod.AddColumn(u"Time", u"Unclassified", u"seconds", u""), 0u);
+        ASSERT_EQ(pod.AddColumn(u"Az", u"Unclassified", u"degrees", u""), 1u);
+        pod.AllocRows(rows);
+        for (uint32_t r = 0; r < rows; ++r)
+            for (uint32_t c = 0; c < 2; ++c)
+                ASSERT_TRUE(pod.PutValue(c, r, Wide("r" + std::to_string(r) + "c" + std::to_string(c)).c_str()));
+        ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    }
+};
+
+TEST_F(PODFileTest, SavedTableReadsBackWithItsColumnLinesAndQuoting) {
+    CPODFile pod;
+    ASSERT_TRUE(pod.New());
+    EXPECT_EQ(pod.AddRow(), qv::kPODNone); // no columns, no rows
+    pod.AddColumn(u"Name", u"Cls", u"m", u"");
+    pod.AddColumn(u"Note", u"Cls", u"None", u"");
+    pod.AllocRows(2);
+    ASSERT_TRUE(pod.PutValue(0, 0, u"a"));
+    ASSERT_TRUE(pod.PutValue(1, 0, u"two words"));
+    ASSERT_TRUE(pod.PutValue(0, 1, u""));
+    ASSERT_TRUE(pod.PutValue(1, 1, u"b"));
+    auto path = Path("t.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_TRUE(pod.IsOpen());
+    EXPECT_FALSE(pod.IsModified());
+    std::string bytes = Bytes(path);
+    EXPECT_NE(bytes.find("Name\tNote\r\nm\tNone\r\nCls\tCls\r\na\t\"two words\"\r\n\"\"\tb\r\n"), std::string::npos);
+    ASSERT_EQ(pod.nDPs(), 2u);
+    ASSERT_EQ(pod.nParams(), 2u);
+    EXPECT_EQ(Narrow(pod.GetValue(1, 0)), "two words");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 1)), "");
+    char16_t const *unit = nullptr;
+    ASSERT_TRUE(pod.GetColumnInfo(0, nullptr, nullptr, &unit, nullptr));
+    EXPECT_EQ(Narrow(unit), "m");
+    uint32_t col = 0;
+    EXPECT_TRUE(pod.FindColumn(u"NOTE", col));
+    EXPECT_EQ(col, 1u);
+}
+
+TEST_F(PODFileTest, EditsBeyondBothCachesSurviveThroughTheDiffFileAndSave) {
+    CPODFile pod;
+    auto path = Path("big.pod");
+    MakeTable(pod, 300, path);
+    for (uint32_t r = 0; r < 300; ++r) ASSERT_TRUE(pod.PutValue(1, r, Wide("e" + std::to_string(r)).c_str()));
+    for (uint32_t r = 0; r < 300; ++r) {
+        ASSERT_EQ(Narrow(pod.GetValue(1, r)), "e" + std::to_string(r));
+        ASSERT_EQ(Narrow(pod.GetValue(0, r)), "r" + std::to_string(r) + "c0");
+    }
+    char16_t const *first = pod.GetValue(0, 0);
+    for (uint32_t r = 1; r <= 64; ++r) pod.GetValue(0, r);
+    EXPECT_NE(Narrow(first), "r0c0"); // the row left the cache
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    for (uint32_t r = 0; r < 300; r += 37) EXPECT_EQ(Narrow(pod.GetValue(1, r)), "e" + std::to_string(r));
+}
+
+// A row without source cells is fetched again while one of its cells sits in
+// the diff cache; a later edit must not be overwritten by the older value.
+TEST_F(PODFileTest, RefetchedNewRowKeepsItsDiffSlotSoANewerEditWins) {
+    CPODFile pod;
+    ASSERT_TRUE(pod.New());
+    pod.AddColumn(u"A", u"", u"", u"");
+    pod.AllocRows(200);
+    ASSERT_TRUE(pod.PutValue(0, 0, u"old"));
+    for (uint32_t r = 1; r <= 64; ++r) pod.GetValue(0, r); // row 0 leaves: "old" into the diff cache
+    EXPECT_EQ(Narrow(pod.GetValue(0, 0)), "old");
+    ASSERT_TRUE(pod.PutValue(0, 0, u"new"));
+    for (uint32_t r = 65; r < 200; ++r) ASSERT_TRUE(pod.PutValue(0, r, u"x")); // churn both caches
+    EXPECT_EQ(Narrow(pod.GetValue(0, 0)), "new");
+    for (uint32_t r = 65; r < 200; ++r) ASSERT_TRUE(pod.PutValue(0, r, u"y"));
+    EXPECT_EQ(Narrow(pod.GetValue(0, 0)), "new");
+}
+
+TEST_F(PODFileTest, RemoveRowPurgesItsEntriesAndShiftsLaterRowsOnce) {
+    CPODFile pod;
+    auto path = Path("rm.pod");
+    MakeTable(pod, 100, path);
+    ASSERT_TRUE(pod.PutValue(0, 10, u"gone"));
+    ASSERT_TRUE(pod.PutValue(1, 11, u"kept11"));
+    ASSERT_TRUE(pod.PutValue(0, 12, u"kept12"));
+    for (uint32_t r = 20; r < 90; ++r) pod.GetValue(0, r); // rows 10..12 into the diff cache
+    ASSERT_TRUE(pod.PutValue(1, 13, u"kept13"));             // row 13 resident, two columns
+    pod.RemoveRow(10);
+    ASSERT_EQ(pod.nDPs(), 99u);
+    EXPECT_EQ(Narrow(pod.GetValue(1, 10)), "kept11");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 11)), "kept12");
+    EXPECT_EQ(Narrow(pod.GetValue(1, 12)), "kept13");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 12)), "r13c0");
+    for (uint32_t r = 0; r < 99; ++r) pod.PutValue(1, r, pod.GetValue(1, r)); // churn
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetValue(0, 9)), "r9c0");
+    EXPECT_EQ(Narrow(pod.GetValue(1, 10)), "kept11");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 11)), "kept12");
+    EXPECT_EQ(Narrow(pod.GetValue(1, 12)), "kept13");
+    EXPECT_EQ(Bytes(path).find("gone"), std::string::npos);
+}
+
+TEST_F(PODFileTest, RemovedColumnIsGoneAfterSaveAndLoad) {
+    CPODFile pod;
+    auto path = Path("col.pod");
+    MakeTable(pod, 3, path);
+    pod.RemoveCol(0);
+    uint32_t col = 0;
+    EXPECT_FALSE(pod.FindColumn(u"Time", col));
+    EXPECT_EQ(pod.GetValue(0, 0), nullptr);
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    ASSERT_EQ(pod.nParams(), 1u);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 2)), "r2c1");
+}
+
+TEST_F(PODFileTest, HostileFilesAreRefused) {
+    CPODFile pod;
+    auto path = Path("bad.pod");
+    MakeTable(pod, 3, path);
+    pod.Destroy();
+    std::string bytes = Bytes(path);
+    auto write = [&](std::string const &b) { std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << b; };
+    std::string noKeyword = bytes;
+    noKeyword.replace(noKeyword.find("POD"), 3, "XYZ");
+    write(noKeyword);
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    write(bytes + std::string(9000, 'z')); // a last line longer than the line buffer
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    EXPECT_EQ(pod.GetValue(0, 3), nullptr);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 2)), "r2c0");
+    write(bytes.substr(0, bytes.size() - 3)); // cut in the middle of the last row
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    EXPECT_EQ(pod.nDPs(), 3u);
+}
+
+TEST_F(PODFileTest, FailedSaveLeavesTheOldFileWholeAndKeepsTheEdits) {
+    auto path = Path("fault.pod");
+    std::string before, after;
+    {
+        CPODFile pod;
+        MakeTable(pod, 80, path);
+    }
+    before = Bytes(path);
+    CPODFile pod;
+    qv::test::RunUnderFaults(
+        [&] {
+            std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << before;
+            ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+            ASSERT_TRUE(pod.PutValue(1, 70, u"edited"));
+        },
+        [&] { return pod.Save(&qv::GetFileSystem(), path.c_str(), false, false); },
+        [&](qv::test::FaultRun const &run) {
+            if (run.IsClean()) {
+                after = Bytes(path);
+                return;
+            }
+            // Every failed write, sync or rename reaches the caller. Reads,
+            // seeks and closes also fail inside the reload after the commit and
+            // in the temporary index; there only the file's bytes are judged.
+            using qv::test::Fault;
+            if (run.fault == Fault::kWrite || run.fault == Fault::kWriteShort || run.fault == Fault::kFsync ||
+                run.fault == Fault::kRename) {
+                qv::test::ExpectFailureReported(run);
+            }
+            auto bytes = Bytes(path);
+            auto asBytes = [](std::string const &b) { return qv::test::FaultBytes(b.begin(), b.end()); };
+            qv::test::ExpectBeforeOrAfter(run, asBytes(bytes), asBytes(before), asBytes(after));
+            if (pod.IsOpen() && bytes == before) {
+                EXPECT_EQ(Narrow(pod.GetValue(1, 70)), "edited");
+            }
+        });
+    EXPECT_NE(after.find("edited"), std::string::npos);
+}
+
+std::string RunTool(std::string const &command) {
+    std::string out;
+    if (FILE *p = popen(command.c_str(), "r")) {
+        char buf[4096];
+        for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
+        out += "exit " + std::to_string(pclose(p));
+    }
+    return out;
+}
+
+TEST_F(PODFileTest, ToolReadsSetsShowsAndExportsCells) {
+    {
+        CPODFile pod;
+        MakeTable(pod, 12, Path("tool.pod"));
+    }
+    std::string file = (dir / "tool.pod").string();
+    std::string qv = QV_TOOL;
+    EXPECT_EQ(RunTool(qv + " pod get " + file + " 3 Az"), "r3c1\nexit 0");
+    EXPECT_EQ(RunTool(qv + " pod set " + file + " 3 1 'a, b'"), "exit 0");
+    EXPECT_EQ(RunTool(qv + " pod get " + file + " 3 1"), "a, b\nexit 0");
+    EXPECT_NE(RunTool(qv + " pod get " + file + " 12 0 2>/dev/null"), "exit 0");
+    std::string shown = RunTool(qv + " pod show " + file + " --rows 2:4");
+    EXPECT_NE(shown.find("rows 12, columns 2\n"), std::string::npos);
+    EXPECT_NE(shown.find("\n3\tr3c0\ta, b\n"), std::string::npos);
+    EXPECT_EQ(shown.find("\n4\t"), std::string::npos);
+    std::string csv = RunTool(qv + " pod export " + file + " --csv");
+    EXPECT_EQ(csv.substr(0, 28), "Time,Az\r\nr0c0,r0c1\r\nr1c0,r1c");
+    EXPECT_NE(csv.find("r3c0,\"a, b\"\r\n"), std::string::npos);
+}
+
+} // namespace

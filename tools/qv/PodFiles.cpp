@@ -1,0 +1,31 @@
+#include "PodFiles.h"
+
+#include <cstdlib>
+
+#include "Commands.h"
+#include "Output.h"
+#include "qv/core/String.h"
+#include "qv/filesystems/FileSystem.h"
+
+namespace qvtool {
+
+bool OpenPod(char const *path, qv::CPODFile &pod) {
+    if (pod.Load(&qv::GetFileSystem(), qv::CString(path).GetUTF16(), true)) return true;
+    Fail("%s is not a POD table qv can read (a SAF header with KeyWrd POD and NParam)", path);
+    return false;
+}
+
+bool PodIndex(char const *text, uint32_t limit, char const *what, uint32_t &out) {
+    char *end = nullptr;
+    unsigned long long v = std::strtoull(text, &end, 10);
+    if (*text < '0' || *text > '9' || *end || v >= limit) {
+        Fail("%s '%s' is not a number below %u", what, Escaped(text).c_str(), limit);
+        return false;
+    }
+    out = uint32_t(v);
+    return true;
+}
+
+std::string PodText(char16_t const *value) { return value ? qv::CString(value).GetUTF8() : ""; }
+
+} // namespace qvtool

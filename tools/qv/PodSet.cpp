@@ -1,0 +1,25 @@
+// qv pod set FILE ROW COLUMN VALUE: changes one cell and saves the table
+// whole through a temporary file, so a failed save leaves the old file.
+#include "Commands.h"
+#include "Output.h"
+#include "PodFiles.h"
+#include "qv/core/String.h"
+#include "qv/filesystems/FileSystem.h"
+
+namespace qvtool {
+
+int RunPodSet(char *const *args) {
+    qv::CPODFile pod;
+    if (!OpenPod(args[0], pod)) return kExitFailed;
+    uint32_t row = 0, col = 0;
+    if (!PodIndex(args[1], pod.nDPs(), "row", row)) return kExitFailed;
+    if (!pod.FindColumn(qv::CString(args[2]).GetUTF16(), col) && !PodIndex(args[2], pod.nParams(), "column", col))
+        return kExitFailed;
+    if (!pod.PutValue(col, row, qv::CString(args[3]).GetUTF16()))
+        return Fail("cannot store the value: a cell holds at most 255 characters");
+    if (!pod.Save(&qv::GetFileSystem(), qv::CString(args[0]).GetUTF16(), false, false))
+        return Fail("cannot save %s; the file is as it was", args[0]);
+    return 0;
+}
+
+} // namespace qvtool
