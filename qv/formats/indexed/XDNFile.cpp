@@ -90,7 +90,12 @@ int64_t CXDNFile::LiveSize(CIndex const &index) const {
 }
 
 void CXDNFile::StoreSize(CIndex &index) const {
-    if (index.m_size == 0) return; // an empty block keeps what the file said
+    if (index.m_size == 0) {
+        // An empty block keeps its item count, as existing files carry it, but
+        // never a stale size: that would claim other blocks' bytes.
+        index.m_storedSize = 0;
+        return;
+    }
     index.m_storedSize = uint32_t(index.m_size);
     index.m_spare2 = 1;
 }

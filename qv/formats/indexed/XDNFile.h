@@ -6,8 +6,9 @@
 ///   is "XDN\0"; a 32-bit value of the caller's at offset 52 is kept.
 /// - A slot's size field (offset 16) is the size of one item and its second
 ///   spare field (offset 24) a number of items, 0 counting as 1; the block is
-///   their product. Save writes a non-empty block as (size, 1) and leaves an
-///   empty block's stored values alone, as existing files carry them.
+///   their product. Save writes a non-empty block as (size, 1); an empty
+///   block keeps its stored count, as existing files carry it, with size 0
+///   (a block emptied since it was read must not keep claiming its bytes).
 /// - A new block starts at the host's current end; two blocks made without
 ///   writes between share an offset, and writing the first moves the second.
 ///   A table that grows is written at the next Save, not at once.
