@@ -84,6 +84,18 @@ TEST(XDNFile, ItemSizeTimesCountAndWhatSaveKeeps) {
     EXPECT_EQ(Be32(f, 0x80 + 16), 0u);
     EXPECT_EQ(Be32(f, 0x80 + 24), 5u);
     EXPECT_EQ(Be32(f, 52), 0x11223344u);
+
+    // Emptied since it was read: size 0 is saved (the count stays), so the
+    // table never claims the next block's bytes.
+    ASSERT_TRUE(xdn.Open(Wide(path).c_str(), false));
+    ASSERT_TRUE(SetBlock(xdn.GetIndexAt(1), {}));
+    Bytes first = BlockBytes(xdn.GetIndexAt(0));
+    xdn.Close();
+    f = ReadAll(path);
+    EXPECT_EQ(Be32(f, 0x60 + 16), 0u);
+    ASSERT_TRUE(xdn.Open(Wide(path).c_str(), true));
+    EXPECT_EQ(xdn.GetIndexAt(1)->m_size, 0);
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(0)), first);
 }
 
 TEST(XDNFile, HostileFilesAreRefused) {
