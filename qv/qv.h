@@ -102,6 +102,7 @@
 #include "qv/formats/tagged/TagFile.h"
 #include "qv/formats/tagged/XMLFile.h"
 #include "qv/formats/indexed/VQRFile.h"
+#include "qv/formats/indexed/XDNFile.h"
 
 // Numerics.
 #include "qv/numerics/TypedData.h"

@@ -1,4 +1,4 @@
-// qv vqr list / extract / put end to end, through a shell.
+// qv vqr / xdn list / extract / put end to end, through a shell.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -61,6 +61,29 @@ TEST(VqrTool, PutListExtractAndRefusals) {
     EXPECT_EQ(junk.status, 1);
     EXPECT_NE(junk.err.find("is not a sound VQR container"), std::string::npos) << junk.err;
     EXPECT_EQ(RunTool(dir, "vqr list " + dir.Path("none.vqr")).status, 1);
+}
+
+TEST(XdnTool, PutListExtractAndRefusals) {
+    ScratchDir dir;
+    std::string xdn = dir.Path("c.xdn"), in = dir.Path("in.bin");
+    std::ofstream(in, std::ios::binary) << "hello block";
+    ASSERT_EQ(RunTool(dir, "xdn put " + xdn + " 7 2 5 " + in).status, 0);
+    std::ofstream(in, std::ios::binary) << "second";
+    ASSERT_EQ(RunTool(dir, "xdn put " + xdn + " 8 0 6 " + in).status, 0);
+    std::ofstream(in, std::ios::binary) << "hello, a longer block";
+    ASSERT_EQ(RunTool(dir, "xdn put " + xdn + " 7 2 5 " + in).status, 0); // grows the first
+
+    SToolRun list = RunTool(dir, "xdn list " + xdn);
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.out, "    7     2          0          5        192         21\n"
+                        "    8     0          0          6        213          6\n");
+    EXPECT_NE(RunTool(dir, "xdn list --json " + xdn).out.find("\"offset\":213"), std::string::npos);
+    EXPECT_EQ(RunTool(dir, "xdn extract " + xdn + " 8 0 6 -").out, "second");
+    EXPECT_EQ(FileText(xdn).substr(0, 4), std::string("XDN\0", 4));
+    SToolRun vqr = RunTool(dir, "vqr list " + xdn);
+    EXPECT_EQ(vqr.status, 1);
+    EXPECT_NE(vqr.err.find("is not a sound VQR container"), std::string::npos) << vqr.err;
+    EXPECT_EQ(RunTool(dir, "xdn extract " + xdn + " 9 0 1 -").status, 1);
 }
 
 #endif

@@ -1,4 +1,4 @@
-// qv vqr extract FILE TYPE SUBTYPE ID OUT: the block's bytes into the disk
+// qv vqr/xdn extract FILE TYPE SUBTYPE ID OUT: the block's bytes into the disk
 // file OUT ("-": standard output).
 #include <cstdio>
 #include <cstring>
@@ -8,13 +8,9 @@
 
 namespace qvtool {
 
-int RunVqrExtract(char *const *args) {
-    SBlockAddress address;
-    if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
-    qv::CVQRFile vqr;
-    if (!OpenVqr(args[0], false, vqr)) return kExitFailed;
-    uint32_t place = FindVqrBlock(vqr, address);
-    if (place == qv::CVQRFile::kNoIndex)
+int ExtractBlock(qv::CIndexedContainer &vqr, SBlockAddress const &address, char *const *args) {
+    uint32_t place = FindBlock(vqr, address);
+    if (place == qv::CIndexedContainer::kNoIndex)
         return Fail("%s holds no block %s %s %s", args[0], args[1], args[2], args[3]);
     qv::IFile &block = vqr.GetIndexAt(place)->m_file;
     bool toStdout = std::strcmp(args[4], "-") == 0;

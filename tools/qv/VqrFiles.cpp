@@ -40,7 +40,8 @@ bool ParseBlockAddress(char *const *args, SBlockAddress &address) {
     return true;
 }
 
-bool OpenVqr(char const *path, bool write, qv::CVQRFile &vqr) {
+template <class TContainer>
+bool OpenAs(char const *path, bool write, TContainer &vqr, char const *kind) {
     qv::CString wide(path);
     struct stat info {};
     bool regular = ::stat(path, &info) == 0 && S_ISREG(info.st_mode);
@@ -51,7 +52,7 @@ bool OpenVqr(char const *path, bool write, qv::CVQRFile &vqr) {
     }
     // Writers open for reading first and then reopen: a first open never writes.
     if (!vqr.Open(wide, true)) {
-        std::string why = regular && ::access(path, R_OK) == 0 ? std::string(path) + " is not a sound VQR container"
+        std::string why = regular && ::access(path, R_OK) == 0 ? std::string(path) + " is not a sound " + kind + " container"
                                                                : OpenFailure(path, false);
         Fail("%s", why.c_str());
         return false;
@@ -63,13 +64,21 @@ bool OpenVqr(char const *path, bool write, qv::CVQRFile &vqr) {
     return true;
 }
 
-uint32_t FindVqrBlock(qv::CVQRFile const &vqr, SBlockAddress const &address) {
+bool OpenContainer(char const *path, bool write, qv::CVQRFile &container) {
+    return OpenAs(path, write, container, "VQR");
+}
+
+bool OpenContainer(char const *path, bool write, qv::CXDNFile &container) {
+    return OpenAs(path, write, container, "XDN");
+}
+
+uint32_t FindBlock(qv::CIndexedContainer const &vqr, SBlockAddress const &address) {
     for (uint32_t i = 0; i < vqr.GetIndexCount(); ++i) {
-        qv::CVQRFile::CIndex const *index = vqr.GetIndexAt(i);
+        qv::CIndexedContainer::CIndex const *index = vqr.GetIndexAt(i);
         if (index->m_type == address.type && index->m_subtype == address.subtype && index->m_id == address.id)
             return i;
     }
-    return qv::CVQRFile::kNoIndex;
+    return qv::CIndexedContainer::kNoIndex;
 }
 
 } // namespace qvtool

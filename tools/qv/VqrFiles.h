@@ -1,9 +1,13 @@
-// What the vqr sub-commands share: opening a container and naming a block.
+// What the vqr and xdn sub-commands share: opening a container, naming a
+// block, and the list / extract / put work on an open container.
 #pragma once
 
 #include <cstdint>
 
+#include "qv/files/MemFile.h"
+
 #include "qv/formats/indexed/VQRFile.h"
+#include "qv/formats/indexed/XDNFile.h"
 
 namespace qvtool {
 
@@ -20,9 +24,21 @@ bool ParseBlockAddress(char *const *args, SBlockAddress &address);
 
 // Opens the container at path for reading, or for writing (made when
 // missing); false with the message printed.
-bool OpenVqr(char const *path, bool write, qv::CVQRFile &vqr);
+///@{
+bool OpenContainer(char const *path, bool write, qv::CVQRFile &container);
+bool OpenContainer(char const *path, bool write, qv::CXDNFile &container);
+///@}
 
 // The place of the block with this type, subtype and id, or kNoIndex.
-uint32_t FindVqrBlock(qv::CVQRFile const &vqr, SBlockAddress const &address);
+uint32_t FindBlock(qv::CIndexedContainer const &container, SBlockAddress const &address);
+
+// The bodies of list, extract (args: FILE TYPE SUBTYPE ID OUT) and put
+// (args: FILE TYPE SUBTYPE ID IN, address already parsed); exit codes.
+///@{
+int ListBlocks(qv::CIndexedContainer &container);
+int ExtractBlock(qv::CIndexedContainer &container, SBlockAddress const &address, char *const *args);
+int PutBlock(qv::CIndexedContainer &container, SBlockAddress const &address, qv::CMemFile &input,
+             char *const *args);
+///@}
 
 } // namespace qvtool

@@ -1,4 +1,4 @@
-// qv vqr list FILE: one line per block: type, subtype, version, id, offset,
+// qv vqr/xdn list FILE: one line per block: type, subtype, version, id, offset,
 // size; --json for one object with a "blocks" array.
 #include <cstdio>
 
@@ -8,9 +8,7 @@
 
 namespace qvtool {
 
-int RunVqrList(char *const *args) {
-    qv::CVQRFile vqr;
-    if (!OpenVqr(args[0], false, vqr)) return kExitFailed;
+int ListBlocks(qv::CIndexedContainer &vqr) {
     bool json = GivenOptions().json;
     CJsonWriter writer(stdout);
     if (json) {
@@ -20,7 +18,7 @@ int RunVqrList(char *const *args) {
         writer.BeginArray("blocks");
     }
     for (uint32_t i = 0; i < vqr.GetIndexCount(); ++i) {
-        qv::CVQRFile::CIndex const *index = vqr.GetIndexAt(i);
+        qv::CIndexedContainer::CIndex const *index = vqr.GetIndexAt(i);
         if (!json) {
             std::printf("%5u %5u %10u %10u %10lld %10lld\n", index->m_type, index->m_subtype, index->m_version,
                         index->m_id, (long long)index->m_offset, (long long)index->m_size);

@@ -1,4 +1,4 @@
-// qv vqr put FILE TYPE SUBTYPE ID IN: the bytes of IN ("-": standard input)
+// qv vqr/xdn put FILE TYPE SUBTYPE ID IN: the bytes of IN ("-": standard input)
 // become the block's content, replacing it or making a new block (version
 // 0); FILE is made when it is missing. Other blocks keep their bytes.
 #include "Commands.h"
@@ -7,16 +7,11 @@
 
 namespace qvtool {
 
-int RunVqrPut(char *const *args) {
-    SBlockAddress address;
-    if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
-    qv::CMemFile input;
-    if (!ReadInput(args[4], input)) return kExitFailed;
-    qv::CVQRFile vqr;
-    if (!OpenVqr(args[0], true, vqr)) return kExitFailed;
-    uint32_t place = FindVqrBlock(vqr, address);
-    if (place == qv::CVQRFile::kNoIndex) place = vqr.CreateIndex(address.type, address.subtype, 0, address.id);
-    qv::CVQRFile::CIndex *index = vqr.GetIndexAt(place);
+int PutBlock(qv::CIndexedContainer &vqr, SBlockAddress const &address, qv::CMemFile &input,
+             char *const *args) {
+    uint32_t place = FindBlock(vqr, address);
+    if (place == qv::CIndexedContainer::kNoIndex) place = vqr.CreateIndex(address.type, address.subtype, 0, address.id);
+    qv::CIndexedContainer::CIndex *index = vqr.GetIndexAt(place);
     int64_t size = input.GetSize();
     bool ok = index && index->m_file.SetSize(size);
     if (ok) index->m_file.Seek(0, 1);

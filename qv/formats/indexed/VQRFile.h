@@ -8,18 +8,7 @@
 /// and the table are little-endian, anything else big-endian. Save always
 /// writes big-endian with that word 0. Block bytes are never swapped.
 ///
-/// Packing. A block that grows moves every later block up, one that shrinks
-/// moves them down (IFile::Insert / Remove on the host, which reserve room
-/// first and roll back on failure). Which blocks count as "later" is decided
-/// by position, not by the literal offset comparison older writers used, so
-/// that empty neighbours and a table that lies behind the data never end up
-/// under another block's bytes.
-///
-/// Untrusted files. Open refuses (false, object closed) a bad magic, more than
-/// 100 slots, a table that starts inside the header or runs past the end of
-/// the file, a block that lies in the header or the table, runs past the end,
-/// or overlaps another block. A growth that would push data beyond 32-bit
-/// offsets is refused (the size stays).
+/// The block engine (packing, hostile-input checks) is CIndexedContainer's.
 ///
 /// Failures: no messages; false, 0, 0xFFFFFFFF or null. A failed growth or
 /// shrink leaves the block at its old size and every other block in place.
@@ -34,64 +23,16 @@
 
 #include <cstdint>
 
-#include "qv/core/Array.h"
-#include "qv/core/Export.h"
-#include "qv/core/String.h"
-#include "qv/files/IFile.h"
+#include "qv/formats/indexed/IndexedContainer.h"
 
 namespace qv {
 
 class IFileSystem;
 
 /// @copydoc VQRFile.h
-class QV_API CVQRFile {
+class QV_API CVQRFile : public CIndexedContainer {
 public:
     static constexpr uint32_t kMagic = 0x00525156; ///< "VQR\0"
-    static constexpr uint32_t kNoIndex = 0xFFFFFFFF;
-    static constexpr uint32_t kMaxSlots = 100;
-
-    class CIndex;
-
-    /// One block as a file: positions relative to the block start. Flush and
-    /// Close do nothing; GetType gives 0xFFFFFFFF.
-    class QV_API CIndexDataFile : public IFile {
-    public:
-        explicit CIndexDataFile(CIndex *index) : m_index(index) {}
-        char16_t *GetFilename(char16_t *buf, int size) override;
-        IFileSystem &GetFileSystem() override;
-        uint32_t Write(void const *p, uint32_t n) override;
-        uint32_t Read(void *p, uint32_t n) override;
-        int64_t GetSize() override;
-        int64_t GetPosition() override;
-        int64_t Seek(int64_t offset, uint32_t origin) override; ///< negative results give 0
-        bool SetSize(int64_t size) override;
-        void Flush() override {}
-        void Close() override {}
-        uint32_t GetType() const { return 0xFFFFFFFF; }
-
-    private:
-        CIndex *m_index;
-        int64_t m_position = 0;
-    };
-
-    class QV_API CIndex {
-    public:
-        explicit CIndex(CVQRFile *owner) : m_file(this), m_owner(owner) {}
-        CIndex(CIndex const &) = delete;
-        CIndex &operator=(CIndex const &) = delete;
-
-        uint16_t m_type = 0;
-        uint16_t m_subtype = 0;
-        uint32_t m_version = 0;
-        uint32_t m_id = 0;
-        uint32_t m_spare1 = 0;
-        uint32_t m_spare2 = 0;
-        uint32_t m_storedSize = 0; ///< refreshed at Save
-        CIndexDataFile m_file;     ///< this block as an IFile
-        int64_t m_offset = 0;      ///< block start in the host
-        int64_t m_size = 0;        ///< live size
-        CVQRFile *m_owner;
-    };
 
     CVQRFile() = default;
     ~CVQRFile();
@@ -110,68 +51,17 @@ public:
     bool Create(IFileSystem *fs, char16_t const *path);
     bool Create(char16_t const *path);
     ///@}
-    /// Save (if writable and the table changed since the last Save), then drop
-    /// the indices and close an owned host.
-    void Close();
-    /// Writes header and table (not the blocks); false if not open, read-only,
-    /// or a write failed.
-    ///@{
-    bool Save();
-    bool ReOpenForRead();
-    bool ReOpenForWrite();
-    bool IsReadOnly() const { return m_readOnly; }
-    bool IsOpen() const { return m_open; }
-    ///@}
-
-    /// A new empty block at the end of the data; its place in the array, or
-    /// kNoIndex on failure. id 0xFFFFFFFF takes the next free id.
-    uint32_t CreateIndex(uint16_t type, uint16_t subtype, uint32_t version, uint32_t id);
-    /// Place of the first index at or after start with this type, subtype
-    /// (0xFFFF: any) and a version in [minVersion, maxVersion]; kNoIndex if none.
-    ///@{
-    uint32_t FindIndex(uint16_t type, uint16_t subtype, uint32_t minVersion, uint32_t maxVersion,
-                       uint32_t start) const;
-    CIndex *GetIndex(uint16_t type, uint16_t subtype, uint32_t minVersion, uint32_t maxVersion, uint32_t start) const;
-    ///@}
-
-    uint32_t GetIndexCount() const { return m_indices.GetSize(); }
-    CIndex *GetIndexAt(uint32_t i) const { return i < m_indices.GetSize() ? m_indices.GetAt(i) : nullptr; }
-    uint32_t GetSlots() const { return m_slots; }
-    uint32_t GetIndexOffset() const { return m_indexOffset; }
-    uint32_t GetNextId() const { return m_nextId; }
     int64_t GetEndOfData() const { return m_endOfData; }
 
 private:
-    friend class CIndexDataFile;
+    bool ReadHeader() override;
+    void EncodeHeader(unsigned char *header) const override;
+    int64_t LiveSize(CIndex const &index) const override { return index.m_storedSize; }
+    void StoreSize(CIndex &index) const override { index.m_storedSize = uint32_t(index.m_size); }
+    int64_t NewBlockOffset() const override;
+    bool SavesWhenTableGrows() const override { return true; }
 
-    uint32_t ReadIndex(CIndex *index, int64_t position, void *buffer, uint32_t n);
-    uint32_t WriteIndex(CIndex *index, int64_t position, void const *buffer, uint32_t n);
-    int64_t SetIndexSize(CIndex *index, int64_t size);
-    bool GrowHost(int64_t pos, int64_t delta);
-    void MoveBlocksBehind(CIndex *changed, int64_t delta);
-    void MoveBlocksFrom(int64_t from, int64_t delta);
-    bool ReadHeader();
-    bool ReadTable(bool littleEndian);
-    bool LayoutIsSound(int64_t fileSize) const;
-    int64_t NewBlockOffset() const;
-    bool OpenHost(uint32_t flags);
-    void DropHost();
-
-    unsigned char m_opaque[16] = {};
-    TArray<CIndex *> m_indices;
-    int64_t m_endOfData = 0;
-    CString m_fileName;
     uint32_t m_magic = kMagic;
-    uint32_t m_version = 0;
-    uint32_t m_indexOffset = 0;
-    uint32_t m_nextId = 0;
-    uint32_t m_slots = 0;
-    IFile *m_host = nullptr;
-    bool m_owned = false;
-    bool m_open = false;
-    bool m_readOnly = true;
-    bool m_dirty = false; ///< the table changed since it was last written
-    IFileSystem *m_fileSystem = nullptr;
 };
 
 } // namespace qv
