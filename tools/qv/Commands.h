@@ -92,5 +92,8 @@ int RunVqrPut(char *const *args);
 int RunConfigGet(char *const *args);
 int RunConfigSet(char *const *args);
 int RunConfigDump(char *const *args);
+int RunSafFrames(char *const *args);
+int RunSafFrame(char *const *args);
+int RunRender(char *const *args);
 
 } // namespace qvtool
