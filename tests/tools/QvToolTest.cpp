@@ -637,12 +637,6 @@ TEST_F(QvTool, AFailedWriteToStandardOutputFails) {
     }
 }
 
-#else
-
-TEST(QvTool, NotBuilt) {
-    GTEST_SKIP() << "the qv tool is not part of this build";
-}
-
 
 // qv saf frames / frame read the sample's image header and its counts.
 TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
@@ -671,10 +665,12 @@ TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
     SRun rendered = Run({"render", kSaf, cal, png, tiff});
     ASSERT_EQ(rendered.status, 0) << rendered.err;
     EXPECT_EQ(ReadFile(png).substr(1, 3), "PNG");
-    if (std::system("command -v pngcheck >/dev/null 2>&1") == 0)
+    if (std::system("command -v pngcheck >/dev/null 2>&1") == 0) {
         EXPECT_EQ(std::system(("pngcheck -q " + png + " >/dev/null").c_str()), 0);
-    if (std::system("command -v tiffinfo >/dev/null 2>&1") == 0)
+    }
+    if (std::system("command -v tiffinfo >/dev/null 2>&1") == 0) {
         EXPECT_EQ(std::system(("tiffinfo " + tiff + " >/dev/null 2>&1").c_str()), 0);
+    }
 
     qv::CRCalFile loaded;
     ASSERT_TRUE(loaded.Load(nullptr, qv::CString(cal.c_str()), 0));
@@ -692,9 +688,26 @@ TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
     EXPECT_EQ(written, expected);
     EXPECT_NEAR(written[24 * 64 + 16], 45.0, 1.5) << "the warm disc of the sample scene";
 
+    // The same counts as a 16-bit TIFF give the same temperatures.
+    std::string const countsTiff = Path("counts.tiff"), fromTiff = Path("from_tiff.tiff");
+    ASSERT_TRUE(qv::SaveTIFFRaw(qv::CString(countsTiff.c_str()).GetUTF16(), counts.data(), 64, 48, qv::DT_UInt16));
+    SRun tiffRendered = Run({"render", countsTiff, cal, png, fromTiff});
+    ASSERT_EQ(tiffRendered.status, 0) << tiffRendered.err;
+    qv::CFile second;
+    ASSERT_TRUE(second.Open(qv::CString(fromTiff.c_str()).GetUTF16(), 0x02 | 0x10));
+    std::vector<float> again(counts.size());
+    ASSERT_TRUE(qv::LoadTIFFRaw(&second, again.data(), (unsigned long)(again.size() * sizeof(float))));
+    EXPECT_EQ(again, expected);
+
     ExpectRefused({"render", kCounts, cal, png, tiff}, 1, "is neither a SAF image file");
     ExpectRefused({"render", kSaf, kCounts, png, tiff}, 1, "is not a calibration file qv can read");
     ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1, "cannot write the picture");
+}
+
+#else
+
+TEST(QvTool, NotBuilt) {
+    GTEST_SKIP() << "the qv tool is not part of this build";
 }
 
 #endif
