@@ -699,6 +699,12 @@ TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
     ASSERT_TRUE(qv::LoadTIFFRaw(&second, again.data(), (unsigned long)(again.size() * sizeof(float))));
     EXPECT_EQ(again, expected);
 
+    // Fitted on the spot from the sample points: the same temperatures.
+    std::string const fitted = Path("fitted.tiff");
+    SRun fit = Run({"render", "fit", kSaf, kPoints, kResponse, kAtmosphere, png, fitted});
+    ASSERT_EQ(fit.status, 0) << fit.err;
+    EXPECT_EQ(ReadFile(fitted), ReadFile(tiff));
+
     ExpectRefused({"render", kCounts, cal, png, tiff}, 1, "is neither a SAF image file");
     ExpectRefused({"render", kSaf, kCounts, png, tiff}, 1, "is not a calibration file qv can read");
     ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1, "cannot write the picture");

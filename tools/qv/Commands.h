@@ -95,5 +95,6 @@ int RunConfigDump(char *const *args);
 int RunSafFrames(char *const *args);
 int RunSafFrame(char *const *args);
 int RunRender(char *const *args);
+int RunRenderFit(char *const *args);
 
 } // namespace qvtool

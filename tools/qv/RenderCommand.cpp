@@ -3,6 +3,8 @@
 // through page 0 of the saved calibration CAL (.cal or .inc) and writes them
 // twice: PNG as a false-colour picture with a colour bar in degrees Celsius,
 // TIFF as 32-bit floats. Each output replaces its file whole or leaves it.
+// qv render fit FRAMES POINTS RESPONSE ATMOSPHERE PNG TIFF builds the
+// calibration first, as `qv cal` does.
 #include <string>
 #include <vector>
 
@@ -53,26 +55,40 @@ bool ReadTiffFrame(char const *path, SFrame &frame) {
 
 } // namespace
 
-int RunRender(char *const *args) {
+namespace {
+
+int Render(char const *frames, qv::CRCalFile &cal, char const *png, char const *tiff) {
     SFrame frame;
-    if (!ReadSafFrame(args[0], frame) && !ReadTiffFrame(args[0], frame))
-        return Fail("%s is neither a SAF image file with a frame nor a TIFF of 16-bit counts", args[0]);
+    if (!ReadSafFrame(frames, frame) && !ReadTiffFrame(frames, frame))
+        return Fail("%s is neither a SAF image file with a frame nor a TIFF of 16-bit counts", frames);
+    uint32_t const n = frame.width * frame.height;
+    std::vector<float> celsius(n);
+    if (!qv::CountsToTemperatures(cal, 0, {frame.counts.data(), qv::DT_UInt16}, {celsius.data(), qv::DT_Float}, n))
+        return Fail("the calibration has no page 0 to convert counts with");
+    qv::HBITMAP picture = FalseColourPicture(celsius.data(), frame.width, frame.height);
+    bool const saved = picture && qv::SaveHBITMAP(picture, qv::FileSystem, qv::CString(png).GetUTF16());
+    qv::DeleteBitmap(picture);
+    if (!saved) return Fail("cannot write the picture %s", png);
+    if (!qv::SaveTIFFRaw(qv::CString(tiff).GetUTF16(), celsius.data(), frame.width, frame.height, qv::DT_Float))
+        return Fail("cannot write the temperatures %s", tiff);
+    return 0;
+}
+
+} // namespace
+
+int RunRender(char *const *args) {
     qv::CRCalFile cal;
     SCalFile file;
     std::string error;
     if (!LoadCalFile(args[1], cal, file, error)) return Fail("%s", error.c_str());
     if (int failed = CheckCalPages(cal)) return failed;
-    uint32_t const n = frame.width * frame.height;
-    std::vector<float> celsius(n);
-    if (!qv::CountsToTemperatures(cal, 0, {frame.counts.data(), qv::DT_UInt16}, {celsius.data(), qv::DT_Float}, n))
-        return Fail("%s has no page 0 to convert counts with", args[1]);
-    qv::HBITMAP picture = FalseColourPicture(celsius.data(), frame.width, frame.height);
-    bool const saved = picture && qv::SaveHBITMAP(picture, qv::FileSystem, qv::CString(args[2]).GetUTF16());
-    qv::DeleteBitmap(picture);
-    if (!saved) return Fail("cannot write the picture %s", args[2]);
-    if (!qv::SaveTIFFRaw(qv::CString(args[3]).GetUTF16(), celsius.data(), frame.width, frame.height, qv::DT_Float))
-        return Fail("cannot write the temperatures %s", args[3]);
-    return 0;
+    return Render(args[0], cal, args[2], args[3]);
+}
+
+int RunRenderFit(char *const *args) {
+    qv::CRCalFile cal;
+    if (int failed = BuildCalibration(args[1], args[2], args[3], cal)) return failed;
+    return Render(args[0], cal, args[4], args[5]);
 }
 
 } // namespace qvtool

@@ -36,6 +36,9 @@ Command const kCommands[] = {
     {"saf frames", "FILE", "the frames of a SAF image file: size, bits, bytes a frame, data offset, count",
      RunSafFrames},
     {"saf frame", "FILE N", "print frame N of a SAF image file, one row a line", RunSafFrame, kTakesCsv},
+    {"render fit", "FRAMES POINTS RESPONSE ATMOSPHERE PNG TIFF",
+     "as render, with a calibration fitted as qv cal fits one", RunRenderFit},
+    // After the one above: the first row whose words match runs.
     {"render", "FRAMES CAL PNG TIFF",
      "first frame of counts (SAF or TIFF) through a saved calibration: false-colour PNG and float TIFF", RunRender},
     {"band", "FILE CELSIUS", "band, points and blackbody in-band radiance of a response or MODTRAN table", RunBand,
