@@ -97,6 +97,7 @@
 
 // Tagged formats.
 #include "qv/formats/tagged/SAFFile.h"
+#include "qv/formats/tagged/SAFFrames.h"
 #include "qv/formats/tagged/SAFSelfTest.h"
 #include "qv/formats/tagged/SBFile.h"
 #include "qv/formats/tagged/TagFile.h"

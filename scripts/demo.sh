@@ -5,7 +5,9 @@
 # and builds a radiometric calibration from measured points: its polynomials,
 # range and lookup, then counts converted to temperatures beside the truth;
 # saves that calibration, shows the saved file, reloads it and converts the
-# same counts again, checking that the temperatures are the same.
+# same counts again, checking that the temperatures are the same; last,
+# renders the sample SAF file's first frame through it as a false-colour
+# picture (kept as $build/render.png) and a float TIFF.
 set -eu
 cd "$(dirname "$0")/.."
 if [ "$(id -u)" = 0 ]; then ./scripts/setup.sh; fi
@@ -50,3 +52,10 @@ echo "== qv cal convert --csv camera.inc data/cal_counts.csv (through the includ
 "$qv" cal convert --csv "$work/camera.inc" data/cal_counts.csv > "$work/reloaded.csv"
 cmp "$work/built.csv" "$work/reloaded.csv"
 echo "the reloaded calibration converts every count to the same temperature as the one built"
+echo
+echo "== qv saf frames data/sample.saf"
+"$qv" saf frames data/sample.saf
+echo
+echo "== qv render data/sample.saf camera.cal $build/render.png frame.tiff"
+"$qv" render data/sample.saf "$work/camera.cal" "$build/render.png" "$work/frame.tiff"
+echo "wrote $build/render.png: the first frame in false colour, its scale in degrees Celsius"

@@ -40,5 +40,5 @@ grep -q '^added new.txt$' "$prefix/watched.log"
 version=$(env -u LD_LIBRARY_PATH "$prefix/bin/qv" --version)
 expected="qv $(sed -n 's/^project(qv VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
 [ "$version" = "$expected" ] || { echo "installed qv --version: '$version', wanted '$expected'" >&2; exit 1; }
-env -u LD_LIBRARY_PATH "$prefix/bin/qv" saf show data/sample.saf | grep -q '^data offset: 2271$'
+env -u LD_LIBRARY_PATH "$prefix/bin/qv" saf show data/sample.saf | grep -q '^data offset: 2312$'
 echo "install check passed"

@@ -1,10 +1,14 @@
 // Writes the sample SAF file of the repository (data/sample.saf): a small
-// header of thermal-camera tags and four synthetic 64 x 48 frames of 16-bit
-// counts, a warm disc drifting over a gradient. The output depends on nothing
+// image header (the tags CSAFFrames reads) and four synthetic 64 x 48 frames
+// of 16-bit counts, low byte first: a warm disc drifting over a gradient of
+// temperatures, turned into counts with the sample calibration's page 0
+// (data/cal_points.csv). The output depends on nothing
 // but this source, so the file can be made again byte for byte.
 //
 // usage: make_sample_saf PATH
+#include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <cstdio>
 #include <vector>
 
@@ -27,11 +31,14 @@ bool AddSampleTags(qv::CSAFFile &saf) {
     char16_t const *const tags[][2] = {
         {u"Camera", u"qv synthetic camera"},
         {u"SerialNumber", u"SIM-0001"},
-        {u"Width", u"64"},
-        {u"Height", u"48"},
-        {u"PixelType", u"UI16"},
-        {u"BitDepth", u"14"},
-        {u"Frames", u"4"},
+        {u"KeyWrd", u"IMG"},
+        {u"Multi", u"NoHeaders"},
+        {u"BytOrd", u"LH"},
+        {u"DaType", u"UInt16"},
+        {u"ADBits", u"14"},
+        {u"xPixls", u"64"},
+        {u"yPixls", u"48"},
+        {u"IMSize", u"6144"},
         {u"FrameRate", u"30"},
         {u"IntegrationTime", u"1.200000e-003"},
         {u"Description", u"warm disc drifting over a gradient"},
@@ -41,17 +48,29 @@ bool AddSampleTags(qv::CSAFFile &saf) {
     return true;
 }
 
-// Counts of one frame: a gradient of 12 per column and 8 per row from 7000,
-// and a disc of radius 6 that is 2500 counts warmer, 10 columns further on
-// in each frame. Everything stays below 14 bits.
+// Page 0 of data/cal_points.csv: counts of the black bodies (emissivity 1) at
+// each temperature in degrees Celsius, rising; a scene temperature takes the
+// counts between.
+constexpr double kPage0[][2] = {{-10.0, 2920.28}, {10.0, 4291.54}, {20.0, 5372.09}, {40.0, 8662.20}, {50.0, 11030.58}};
+
+uint16_t CountsAt(double celsius) {
+    size_t i = 1;
+    while (i + 1 < std::size(kPage0) && celsius > kPage0[i][0]) ++i;
+    double const t0 = kPage0[i - 1][0], c0 = kPage0[i - 1][1], t1 = kPage0[i][0], c1 = kPage0[i][1];
+    return uint16_t(std::lround(c0 + (celsius - t0) * (c1 - c0) / (t1 - t0)));
+}
+
+// One frame: a gradient from 15 degrees at the top left to about 33 at the
+// bottom right, and a 45-degree disc of radius 6, 10 columns further on in
+// each frame. Every count stays below 14 bits.
 std::vector<uint16_t> MakeFrame(int frame) {
     std::vector<uint16_t> counts(size_t(kWidth) * kHeight);
     int const cx = 16 + 10 * frame, cy = 24;
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x) {
-            int value = 7000 + 12 * x + 8 * y;
-            if ((x - cx) * (x - cx) + (y - cy) * (y - cy) < 36) value += 2500;
-            counts[size_t(y) * kWidth + x] = uint16_t(value);
+            bool const disc = (x - cx) * (x - cx) + (y - cy) * (y - cy) < 36;
+            double const celsius = disc ? 45.0 : 15.0 + 0.2 * x + 0.1 * y;
+            counts[size_t(y) * kWidth + x] = CountsAt(celsius);
         }
     return counts;
 }
@@ -80,7 +99,9 @@ int main(int argc, char **argv) {
     }
     for (int frame = 0; frame < kFrames; ++frame) {
         std::vector<uint16_t> counts = MakeFrame(frame);
-        if (!file.WriteArray(counts.data(), uint32_t(counts.size()), sizeof(uint16_t))) {
+        std::vector<uint8_t> bytes; // "LH": low byte first, whatever the host
+        for (uint16_t count : counts) bytes.insert(bytes.end(), {uint8_t(count), uint8_t(count >> 8)});
+        if (file.Write(bytes.data(), uint32_t(bytes.size())) != bytes.size()) {
             std::fprintf(stderr, "make_sample_saf: cannot write frame %d to %s\n", frame, argv[1]);
             return 1;
         }

@@ -20,7 +20,13 @@
 #include <string>
 #include <vector>
 
+#include "qv/calibration/FrameTemperatures.h"
+#include "qv/calibration/RCalFile.h"
+#include "qv/core/String.h"
 #include "qv/core/Version.h"
+#include "qv/files/File.h"
+#include "qv/formats/tagged/SAFFrames.h"
+#include "qv/images/TIFF.h"
 
 extern char **environ;
 
@@ -409,8 +415,8 @@ TEST_F(QvTool, SafShowAndSetOnACopy) {
     SRun shown = Run({"saf", "show", kSaf});
     ASSERT_EQ(shown.status, 0) << shown.err;
     EXPECT_TRUE(Contains(shown.out, "Camera = qv synthetic camera\n")) << shown.out;
-    EXPECT_TRUE(Contains(shown.out, "Width = 64\n"));
-    EXPECT_TRUE(Contains(shown.out, "\ndata offset: 2271\n")) << shown.out;
+    EXPECT_TRUE(Contains(shown.out, "xPixls = 64\n"));
+    EXPECT_TRUE(Contains(shown.out, "\ndata offset: 2312\n")) << shown.out;
     EXPECT_FALSE(Contains(shown.out, "Operator"));
     SRun piped = Run({"saf", "show", "-"}, kSaf);
     ASSERT_EQ(piped.status, 0) << piped.err;
@@ -421,7 +427,7 @@ TEST_F(QvTool, SafShowAndSetOnACopy) {
     SRun added = Run({"saf", "set", copy, "Operator", "Night shift"});
     ASSERT_EQ(added.status, 0) << added.err;
     EXPECT_TRUE(Contains(added.out, "Operator: added 'Night shift'\n")) << added.out;
-    EXPECT_TRUE(Contains(added.out, "data segment stayed at 2271\n")) << added.out;
+    EXPECT_TRUE(Contains(added.out, "data segment stayed at 2312\n")) << added.out;
     SRun changed = Run({"saf", "set", copy, "Camera", "bench rig"});
     ASSERT_EQ(changed.status, 0) << changed.err;
     EXPECT_TRUE(Contains(changed.out, "Camera: 'qv synthetic camera' -> 'bench rig'\n")) << changed.out;
@@ -439,9 +445,9 @@ TEST_F(QvTool, SafShowAndSetOnACopy) {
     ASSERT_EQ(after.status, 0) << after.err;
     for (char const *line : {"Operator = Night shift\n", "Camera = bench rig\n", "Lens = 25 mm\n", "Offset = -5\n"})
         EXPECT_TRUE(Contains(after.out, line)) << line << after.out;
-    EXPECT_TRUE(Contains(after.out, "\ndata offset: 2271\n")) << after.out;
+    EXPECT_TRUE(Contains(after.out, "\ndata offset: 2312\n")) << after.out;
     // The frames behind the header are untouched.
-    EXPECT_EQ(ReadFile(copy).substr(2271), original.substr(2271));
+    EXPECT_EQ(ReadFile(copy).substr(2312), original.substr(2312));
     EXPECT_EQ(ReadFile(kSaf), original);
 }
 
@@ -488,7 +494,7 @@ TEST_F(QvTool, JsonOutputsParse) {
     ASSERT_EQ(saf.status, 0) << saf.err;
     EXPECT_EQ(saf.out.rfind("{\"file\":", 0), 0u) << saf.out;
     EXPECT_TRUE(Contains(saf.out, "{\"name\":\"Camera\",\"value\":\"qv synthetic camera\"}")) << saf.out;
-    EXPECT_TRUE(Contains(saf.out, "\"dataOffset\":2271}\n")) << saf.out;
+    EXPECT_TRUE(Contains(saf.out, "\"dataOffset\":2312}\n")) << saf.out;
     SRun date = Run({"date", "--json", "2024-02-29 13:45:10"});
     ASSERT_EQ(date.status, 0) << date.err;
     EXPECT_TRUE(Contains(date.out, "\"year\":2024,\"month\":2,\"day\":29,")) << date.out;
@@ -629,6 +635,79 @@ TEST_F(QvTool, AFailedWriteToStandardOutputFails) {
         EXPECT_EQ(run.status, 1) << args[0];
         EXPECT_TRUE(Contains(run.err, "qv: cannot write to standard output: No space left on device")) << run.err;
     }
+}
+
+
+// qv saf frames / frame read the sample's image header and its counts.
+TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
+    SRun listed = Run({"saf", "frames", kSaf});
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    EXPECT_TRUE(Contains(listed.out, "size: 64 x 48\nbits: 14\nframe bytes: 6144\n")) << listed.out;
+    EXPECT_TRUE(Contains(listed.out, "\nframes: 4\n")) << listed.out;
+    SRun frame = Run({"saf", "frame", "--csv", kSaf, "3"});
+    ASSERT_EQ(frame.status, 0) << frame.err;
+    std::vector<std::vector<std::string>> rows;
+    std::stringstream in(frame.out);
+    for (std::string line; std::getline(in, line);) rows.push_back(SplitCsv(line));
+    ASSERT_EQ(rows.size(), 48u);
+    ASSERT_EQ(rows[24].size(), 64u);
+    EXPECT_GT(std::stoi(rows[24][46]), std::stoi(rows[24][16]) + 2000) << "the warm disc is at column 46";
+    ExpectRefused({"saf", "frame", "--csv", kSaf, "4"}, 1, "no frame '4'");
+    ExpectRefused({"saf", "frame", "--csv", kSaf, "-1"}, 1, "no frame '-1'");
+    ExpectRefused({"saf", "frames", kCounts}, 1, "is not a SAF image file");
+}
+
+// qv render: a PNG pngcheck accepts, a float TIFF tiffinfo accepts, whose
+// pixels are the temperatures the calibration gives for the frame's counts.
+TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
+    std::string const cal = Path("camera.cal"), png = Path("frame.png"), tiff = Path("frame.tiff");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    SRun rendered = Run({"render", kSaf, cal, png, tiff});
+    ASSERT_EQ(rendered.status, 0) << rendered.err;
+    EXPECT_EQ(ReadFile(png).substr(1, 3), "PNG");
+    if (std::system("command -v pngcheck >/dev/null 2>&1") == 0) {
+        EXPECT_EQ(std::system(("pngcheck -q " + png + " >/dev/null").c_str()), 0);
+    }
+    if (std::system("command -v tiffinfo >/dev/null 2>&1") == 0) {
+        EXPECT_EQ(std::system(("tiffinfo " + tiff + " >/dev/null 2>&1").c_str()), 0);
+    }
+
+    qv::CRCalFile loaded;
+    ASSERT_TRUE(loaded.Load(nullptr, qv::CString(cal.c_str()), 0));
+    qv::CSAFFrames frames;
+    ASSERT_TRUE(frames.Open(qv::CString(kSaf.c_str()).GetUTF16()));
+    std::vector<uint16_t> counts(64 * 48);
+    ASSERT_TRUE(frames.ReadFrame(0, counts.data()));
+    std::vector<float> expected(counts.size()), written(counts.size());
+    ASSERT_TRUE(qv::CountsToTemperatures(loaded, 0, {counts.data(), qv::DT_UInt16}, {expected.data(), qv::DT_Float},
+                                         uint32_t(counts.size())));
+    qv::CFile file;
+    ASSERT_TRUE(file.Open(qv::CString(tiff.c_str()).GetUTF16(), 0x02 | 0x10));
+    ASSERT_TRUE(qv::LoadTIFFRaw(&file, written.data(), (unsigned long)(written.size() * sizeof(float))));
+    EXPECT_EQ(written[24 * 64 + 16], expected[24 * 64 + 16]);
+    EXPECT_EQ(written, expected);
+    EXPECT_NEAR(written[24 * 64 + 16], 45.0, 1.5) << "the warm disc of the sample scene";
+
+    // The same counts as a 16-bit TIFF give the same temperatures.
+    std::string const countsTiff = Path("counts.tiff"), fromTiff = Path("from_tiff.tiff");
+    ASSERT_TRUE(qv::SaveTIFFRaw(qv::CString(countsTiff.c_str()).GetUTF16(), counts.data(), 64, 48, qv::DT_UInt16));
+    SRun tiffRendered = Run({"render", countsTiff, cal, png, fromTiff});
+    ASSERT_EQ(tiffRendered.status, 0) << tiffRendered.err;
+    qv::CFile second;
+    ASSERT_TRUE(second.Open(qv::CString(fromTiff.c_str()).GetUTF16(), 0x02 | 0x10));
+    std::vector<float> again(counts.size());
+    ASSERT_TRUE(qv::LoadTIFFRaw(&second, again.data(), (unsigned long)(again.size() * sizeof(float))));
+    EXPECT_EQ(again, expected);
+
+    // Fitted on the spot from the sample points: the same temperatures.
+    std::string const fitted = Path("fitted.tiff");
+    SRun fit = Run({"render", "fit", kSaf, kPoints, kResponse, kAtmosphere, png, fitted});
+    ASSERT_EQ(fit.status, 0) << fit.err;
+    EXPECT_EQ(ReadFile(fitted), ReadFile(tiff));
+
+    ExpectRefused({"render", kCounts, cal, png, tiff}, 1, "is neither a SAF image file");
+    ExpectRefused({"render", kSaf, kCounts, png, tiff}, 1, "is not a calibration file qv can read");
+    ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1, "cannot write the picture");
 }
 
 #else

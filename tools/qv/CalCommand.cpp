@@ -220,19 +220,24 @@ int ConvertCounts(qv::CRCalFile &cal, CCountsSource &source) {
     return 0;
 }
 
+int BuildCalibration(char const *points, char const *response, char const *atmosphere, qv::CRCalFile &cal) {
+    if (int failed = SetResponse(cal, response)) return failed;
+    if (int failed = SetAtmosphere(cal, atmosphere)) return failed;
+    std::string error;
+    if (!LoadCalPoints(points, cal, error)) return Fail("%s", error.c_str());
+    return CheckCalPages(cal);
+}
+
 int RunCal(char *const *args) {
     int fromStandardInput = 0;
     for (int i = 0; i < 4; ++i)
         fromStandardInput += std::strcmp(args[i], "-") == 0;
     if (fromStandardInput > 1) return Fail("only one input can be standard input (-)");
     qv::CRCalFile cal;
-    if (int failed = SetResponse(cal, args[1])) return failed;
-    if (int failed = SetAtmosphere(cal, args[2])) return failed;
+    if (int failed = BuildCalibration(args[0], args[1], args[2], cal)) return failed;
     std::string error;
-    if (!LoadCalPoints(args[0], cal, error)) return Fail("%s", error.c_str());
     CCountsSource counts;
     if (!counts.Open(args[3], error)) return Fail("%s", error.c_str());
-    if (int failed = CheckCalPages(cal)) return failed;
     if (int failed = SaveCalibration(cal)) return failed;
     if (!GivenOptions().csv) PrintCalSummary(cal, stderr);
     return ConvertCounts(cal, counts);

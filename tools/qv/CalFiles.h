@@ -33,6 +33,10 @@ void PrintCalSummary(qv::CRCalFile &cal, std::FILE *out);
 // failure and returns non-zero otherwise.
 int CheckCalPages(qv::CRCalFile &cal);
 
+// Builds cal as `qv cal` does from POINTS, RESPONSE and ATMOSPHERE (see
+// CalCommand.cpp) and checks its pages; non-zero after printing the failure.
+int BuildCalibration(char const *points, char const *response, char const *atmosphere, qv::CRCalFile &cal);
+
 // Converts each row of counts through both polynomials of its page (every
 // page for rows without one) and writes CSV to standard output:
 //   page,counts,radiance,celsius,in_range,truth,error

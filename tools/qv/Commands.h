@@ -99,5 +99,9 @@ int RunPodShow(char *const *args);
 int RunPodGet(char *const *args);
 int RunPodSet(char *const *args);
 int RunPodExport(char *const *args);
+int RunSafFrames(char *const *args);
+int RunSafFrame(char *const *args);
+int RunRender(char *const *args);
+int RunRenderFit(char *const *args);
 
 } // namespace qvtool
