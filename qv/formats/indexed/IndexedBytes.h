@@ -1,4 +1,5 @@
-// Byte helpers of the indexed containers: header and table fields.
+/// @file
+/// Byte helpers of the indexed containers: header and table fields.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +17,7 @@ inline uint16_t Get16(unsigned char const *p, bool little) {
     return little ? uint16_t(p[0] | p[1] << 8) : uint16_t(p[1] | p[0] << 8);
 }
 
-inline void Put32(unsigned char *p, uint32_t v) { // big-endian, as every save writes
+inline void Put32(unsigned char *p, uint32_t v) { ///< big-endian, as every save writes
     p[0] = uint8_t(v >> 24);
     p[1] = uint8_t(v >> 16);
     p[2] = uint8_t(v >> 8);
