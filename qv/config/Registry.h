@@ -25,7 +25,7 @@
 /// directory for the process. A missing file is an empty root.
 ///
 /// Changes are saved at once, whole and atomically: under an advisory lock on
-/// "<file>.lock" the root is read again, changed, written to a temporary file
+/// "\<file\>.lock" the root is read again, changed, written to a temporary file
 /// beside it and renamed over it, so writers in several processes lose
 /// nothing and readers see the old or the new file, never a mix. Reads take
 /// no lock. The directories are made when a root is first written.
