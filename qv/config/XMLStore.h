@@ -33,8 +33,11 @@ namespace qv {
 /// @copydoc XMLStore.h
 class QV_API CXMLStore : public CFileStore {
 public:
+    /// The file-name forms of CFileStore, kept visible beside the overrides.
+    ///@{
     using CFileStore::Load;
     using CFileStore::Save;
+    ///@}
     bool Load(IFile *file) override;
     bool Save(IFile *file) override;
 };
