@@ -29,12 +29,25 @@ class IFileSystem;
 /// @copydoc FileStore.h
 class QV_API CFileStore : public CMemStore {
 public:
+    /// Reads the whole content from file (replacing what is in memory) or
+    /// writes the tree to it at its position, in the derived class's form.
+    /// False on a read, write or parse failure.
+    ///@{
     virtual bool Load(IFile *file) = 0;
     virtual bool Save(IFile *file) = 0;
+    ///@}
+    /// Loads the file name in fs (null: the disk), which must exist; false
+    /// when name is null or the file cannot be opened or read.
+    ///@{
     bool Load(IFileSystem *fs, char16_t const *name);
     bool Load(char16_t const *name);
+    ///@}
+    /// Saves to the file name in fs (null: the disk) through a temporary file
+    /// renamed over it; false when a write or the rename fails.
+    ///@{
     bool Save(IFileSystem *fs, char16_t const *name);
     bool Save(char16_t const *name);
+    ///@}
 };
 
 } // namespace qv

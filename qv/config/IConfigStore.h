@@ -49,12 +49,15 @@ public:
     /// The longest current path, terminator included.
     static constexpr int PathSize = 512;
 
-    static RECT const DefaultRect;
+    static RECT const DefaultRect; ///< All zeros; the fallback a copy uses when reading a rectangle
     static LOGFONTW const DefaultFont; ///< -12, 0, 0, 0, 400, zeros, "Arial"
 
+    /// Starts at the root path "/"; copies take the current path with them.
+    ///@{
     IConfigStore();
     IConfigStore(IConfigStore const &) = default;
     IConfigStore &operator=(IConfigStore const &) = default;
+    ///@}
 
     /// ---- The contract, in slot order ----
     virtual ~IConfigStore();
@@ -116,7 +119,7 @@ public:
     CString ExpandPath(char16_t const *name) const;
 
 protected:
-    CString current;
+    CString current; ///< The current path, absolute and '/' separated.
 };
 
 } // namespace qv

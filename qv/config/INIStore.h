@@ -30,8 +30,11 @@ namespace qv {
 /// @copydoc INIStore.h
 class QV_API CINIStore : public CFileStore {
 public:
+    /// The file-name forms of CFileStore, kept visible beside the overrides.
+    ///@{
     using CFileStore::Load;
     using CFileStore::Save;
+    ///@}
     bool Load(IFile *file) override;
     bool Save(IFile *file) override;
 

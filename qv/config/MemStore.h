@@ -31,16 +31,20 @@ namespace qv {
 /// @copydoc MemStore.h
 class QV_API CMemStore : public IConfigStore {
 public:
+    /// One key of the tree, kept in the nodes array; links are indices.
     struct SNode {
-        CString name;
-        CString value;
-        int32_t firstChild = -1;
-        int32_t nextSibling = -1;
+        CString name; ///< The key's name ("" for the root).
+        CString value; ///< The value; empty when none was set.
+        int32_t firstChild = -1; ///< Index of the first child, -1 for none.
+        int32_t nextSibling = -1; ///< Index of the next sibling, -1 for none.
     };
 
     CMemStore();
+    /// Copies the whole tree and the current path.
+    ///@{
     CMemStore(CMemStore const &other);
     CMemStore &operator=(CMemStore const &other);
+    ///@}
     ~CMemStore() override;
 
     bool copyValue(IConfigStore &target, char16_t const *targetPath, char16_t const *sourcePath) override;
@@ -65,7 +69,7 @@ protected:
     /// none); -1 if the array could not grow.
     int32_t AddChild(int32_t parent, int32_t last, CString const &name);
 
-    TArray<SNode> nodes;
+    TArray<SNode> nodes; ///< All nodes; index 0 is the root.
 };
 
 } // namespace qv

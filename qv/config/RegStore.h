@@ -36,6 +36,8 @@ public:
     CRegStore();
     ~CRegStore() override;
 
+    /// Works under the key basePath (null: "") of root; the handle is not
+    /// owned. With no root set every operation fails.
     void SetRoot(HKEY root, char16_t const *basePath);
 
     bool copyValue(IConfigStore &target, char16_t const *targetPath, char16_t const *sourcePath) override;

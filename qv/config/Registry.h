@@ -25,7 +25,7 @@
 /// directory for the process. A missing file is an empty root.
 ///
 /// Changes are saved at once, whole and atomically: under an advisory lock on
-/// "<file>.lock" the root is read again, changed, written to a temporary file
+/// "\<file\>.lock" the root is read again, changed, written to a temporary file
 /// beside it and renamed over it, so writers in several processes lose
 /// nothing and readers see the old or the new file, never a mix. Reads take
 /// no lock. The directories are made when a root is first written.
@@ -51,11 +51,17 @@
 namespace qv {
 
 struct SRegKeyHandle;
+/// An opaque key handle.
 using HKEY = SRegKeyHandle *;
 
+/// The predefined roots (user.reg and machine.reg); never closed.
+///@{
 QV_API extern HKEY const HKEY_CURRENT_USER;
 QV_API extern HKEY const HKEY_LOCAL_MACHINE;
+///@}
 
+/// Value types, with the Windows numbers so that callers written for it work.
+///@{
 inline constexpr uint32_t REG_NONE = 0;
 inline constexpr uint32_t REG_SZ = 1;
 inline constexpr uint32_t REG_EXPAND_SZ = 2;
@@ -63,7 +69,10 @@ inline constexpr uint32_t REG_BINARY = 3;
 inline constexpr uint32_t REG_DWORD = 4;
 inline constexpr uint32_t REG_MULTI_SZ = 7;
 inline constexpr uint32_t REG_QWORD = 11;
+///@}
 
+/// Access rights for opening and creating keys, with the Windows values.
+///@{
 inline constexpr uint32_t KEY_QUERY_VALUE = 0x0001;
 inline constexpr uint32_t KEY_SET_VALUE = 0x0002;
 inline constexpr uint32_t KEY_CREATE_SUB_KEY = 0x0004;
@@ -71,7 +80,10 @@ inline constexpr uint32_t KEY_ENUMERATE_SUB_KEYS = 0x0008;
 inline constexpr uint32_t KEY_READ = 0x20019;
 inline constexpr uint32_t KEY_WRITE = 0x20006;
 inline constexpr uint32_t KEY_ALL_ACCESS = 0xF003F;
+///@}
 
+/// Status codes the Reg functions return, with the Windows values.
+///@{
 inline constexpr int32_t ERROR_SUCCESS = 0;
 inline constexpr int32_t ERROR_FILE_NOT_FOUND = 2;
 inline constexpr int32_t ERROR_ACCESS_DENIED = 5;
@@ -83,6 +95,7 @@ inline constexpr int32_t ERROR_NO_MORE_ITEMS = 259;
 inline constexpr int32_t ERROR_BADDB = 1009;
 inline constexpr int32_t ERROR_KEY_DELETED = 1018;
 inline constexpr int32_t ERROR_UNSUPPORTED_TYPE = 1630;
+///@}
 
 /// ---- Where the roots live ----
 /// directory null or empty: back to the default. False for another handle.

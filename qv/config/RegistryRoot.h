@@ -14,10 +14,15 @@ namespace qv {
 /// @copydoc RegistryRoot.h
 class CRegistryRoot {
 public:
+    /// name is the root's display name, fileName the file in its directory;
+    /// user picks the user directory as default, else /etc/qv/registry. The
+    /// strings are kept, not copied.
     CRegistryRoot(char16_t const *name, char16_t const *fileName, bool user);
 
-    char16_t const *Name() const { return name; }
+    char16_t const *Name() const { return name; } ///< The display name, e.g. "HKEY_CURRENT_USER".
+    /// The full path of the file; empty when there is no user directory.
     CString File();
+    /// Sets the directory (null or empty: the default) and reads again on next use.
     void SetDirectory(char16_t const *directory);
 
     /// Runs read over the tree as the file has it now; its status, or
@@ -45,7 +50,10 @@ private:
     SRegNode tree;
 };
 
+/// The process-wide roots of HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE.
+///@{
 CRegistryRoot &UserRoot();
 CRegistryRoot &MachineRoot();
+///@}
 
 } // namespace qv

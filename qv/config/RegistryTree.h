@@ -19,21 +19,23 @@
 
 namespace qv {
 
+/// The deepest key path accepted, counted in keys.
 inline constexpr size_t kMaxKeyDepth = 512;
 
 /// @copydoc RegistryTree.h
 struct SRegValue {
-    CString name;
-    uint32_t type = 0;
-    std::vector<uint8_t> data;
+    CString name; ///< The value name.
+    uint32_t type = 0; ///< REG_SZ, REG_DWORD and so on.
+    std::vector<uint8_t> data; ///< The raw bytes of the value.
 };
 
 /// @copydoc RegistryTree.h
 struct SRegNode {
-    CString name;
-    std::vector<SRegValue> values;
-    std::vector<std::unique_ptr<SRegNode>> keys;
+    CString name; ///< The key name.
+    std::vector<SRegValue> values; ///< The key's values.
+    std::vector<std::unique_ptr<SRegNode>> keys; ///< The subkeys, owned.
 
+    /// The subkey named keyName (case ignored), or null.
     SRegNode *FindKey(char16_t const *keyName) const;
     /// The subkey named keyName, made in its sorted place if missing.
     SRegNode *AddKey(char16_t const *keyName);

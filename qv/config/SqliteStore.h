@@ -53,6 +53,7 @@ namespace qv {
 /// @copydoc SqliteStore.h
 class QV_API CsqliteStore : public IConfigStore {
 public:
+    /// The type column of a row; None is what GetType gives for a missing row.
     enum EType : int32_t {
         None = -1,
         Directory = 0,
@@ -76,15 +77,23 @@ public:
     CsqliteStore(CsqliteStore const &) = delete;
     CsqliteStore &operator=(CsqliteStore const &) = delete;
 
+    /// Closes, then opens (or makes) the database file and its table; false
+    /// on failure, and the store is closed then.
     bool Open(char16_t const *path);
     void Close(); ///< commits an open transaction; idempotent
-    bool IsOpen() const { return db != nullptr; }
+    bool IsOpen() const { return db != nullptr; } ///< Whether a database is open.
+    /// Lock begins a write transaction (BEGIN IMMEDIATE, true if already
+    /// locked); Unlock commits it (true if not locked). Both are false when no
+    /// database is open or the statement fails (busy past the busy limit).
+    ///@{
     bool Lock();
     bool Unlock();
-    bool IsLocked() const { return locked; }
+    ///@}
+    bool IsLocked() const { return locked; } ///< Whether a Lock transaction is open.
     /// Milliseconds that Lock, Unlock and statements wait for a busy database.
     void SetBusyLimit(uint32_t milliseconds);
 
+    /// The EType of path's row; None when it is missing or the query fails.
     int32_t GetType(char16_t const *path);
     /// The id of path's directory row, made (with those above it) if need be;
     /// 0 on failure.

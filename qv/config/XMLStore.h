@@ -5,11 +5,13 @@
 ///
 /// The root element is "store"; each key is a nested element "entry" with an
 /// attribute "name", and a leaf's value is the element's text:
+/// @code{.xml}
 ///   <store>
 ///       <entry name="Camera">
 ///           <entry name="focus">12</entry>
 ///       </entry>
 ///   </store>
+/// @endcode
 /// Load reads every element below the first top-level "store" (an element
 /// without a "name" attribute is taken as named ""); an element with a
 /// non-empty text sets that value. So a key whose value is empty and that has
@@ -31,8 +33,11 @@ namespace qv {
 /// @copydoc XMLStore.h
 class QV_API CXMLStore : public CFileStore {
 public:
+    /// The file-name forms of CFileStore, kept visible beside the overrides.
+    ///@{
     using CFileStore::Load;
     using CFileStore::Save;
+    ///@}
     bool Load(IFile *file) override;
     bool Save(IFile *file) override;
 };

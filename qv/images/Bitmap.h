@@ -25,21 +25,28 @@
 
 namespace qv {
 
-inline constexpr uint64_t kMaxBitmapBytes = uint64_t(1) << 30;
+inline constexpr uint64_t kMaxBitmapBytes = uint64_t(1) << 30; ///< 1 GiB, the largest pixel block
 
 /// @copydoc Bitmap.h
 class QV_API CBitmap {
 public:
-    int32_t Width = 0;
-    int32_t Height = 0;
-    int BitCount = 0;
+    int32_t Width = 0; ///< pixels
+    int32_t Height = 0; ///< pixels (rows)
+    int BitCount = 0; ///< bits a pixel
     uint32_t Stride = 0; ///< bytes a row, a multiple of 4
-    std::vector<uint32_t> Palette;
+    std::vector<uint32_t> Palette; ///< 0x00RRGGBB entries; empty for 24 and 32 bits
 
+    /// The pixel block (owned by the bitmap), starting with Row(0).
+    ///@{
     uint8_t *Bits() { return bits; }
     uint8_t const *Bits() const { return bits; }
+    ///@}
+    /// Row y, counted from the bottom; y is not checked.
+    ///@{
     uint8_t *Row(int32_t y) { return bits + size_t(y) * Stride; }
     uint8_t const *Row(int32_t y) const { return bits + size_t(y) * Stride; }
+    ///@}
+    /// Bytes of the pixel block: Stride x Height.
     size_t ImageSize() const { return size_t(Stride) * size_t(Height); }
 
     ~CBitmap();
@@ -50,6 +57,7 @@ private:
     uint8_t *bits = nullptr;
 };
 
+/// A bitmap handle, as the codecs take and give it.
 using HBITMAP = CBitmap *;
 
 /// Bytes of a row of width pixels of bitCount bits, padded to 4; 0 when the

@@ -16,6 +16,9 @@ inline constexpr uint64_t kLosslessExpansion = 1100;
 inline constexpr uint64_t kJpegExpansion = 8192;
 ///@}
 
+/// Whether a file of fileSize bytes can hold a width x height picture of
+/// bytesPerPixel bytes at the given expansion (plus 64 KiB); false for an
+/// empty size or a side of 2^30 or more.
 inline bool FileCanCarry(uint64_t width, uint64_t height, uint64_t bytesPerPixel, int64_t fileSize,
                          uint64_t expansion) {
     if (fileSize <= 0) return false;

@@ -44,23 +44,34 @@ namespace qv {
 class IFile;
 class IFileSystem;
 
+/// Whether the content is of that format (IsImageFile: any of the four; by
+/// path, false when the file cannot be opened).
+///@{
 QV_API bool IsBMP(IFile *file);
 QV_API bool IsPNG(IFile *file);
 QV_API bool IsJPEG(IFile *file);
 QV_API bool IsTIFF(IFile *file);
 QV_API bool IsImageFile(IFile *file);
 QV_API bool IsImageFile(IFileSystem *fs, char16_t const *path);
+///@}
 
+/// Loads a picture of any of the four formats; null on failure.
+///@{
 QV_API HBITMAP LoadHBITMAP(IFile *file);
 QV_API HBITMAP LoadHBITMAP(IFile *file, CPropertyArray properties);
 QV_API HBITMAP LoadHBITMAP(IFileSystem *fs, char16_t const *path);
 QV_API HBITMAP LoadHBITMAP(IFileSystem *fs, char16_t const *path, CPropertyArray properties);
+///@}
 
+/// Saves bitmap in the format its file name asks for; false on failure.
+///@{
 QV_API bool SaveHBITMAP(HBITMAP bitmap, IFile *file);
 QV_API bool SaveHBITMAP(HBITMAP bitmap, IFile *file, CPropertyArray properties);
 QV_API bool SaveHBITMAP(HBITMAP bitmap, IFileSystem *fs, char16_t const *path);
 QV_API bool SaveHBITMAP(HBITMAP bitmap, IFileSystem *fs, char16_t const *path, CPropertyArray properties);
+///@}
 
+/// The 24-bit BMP form that SaveBMP writes; null for anything else.
 QV_API HBITMAP LoadBMP(IFile *file);
 /// extra: where the radiometric payload of the JPEG goes; may be null.
 ///@{
@@ -70,9 +81,12 @@ QV_API HBITMAP LoadTIFF(IFile *file);
 QV_API bool LoadPNG16(IFile *file, unsigned short *buffer, unsigned long size);
 ///@}
 
+/// Write bitmap in one format at the file's position; false on failure.
+///@{
 QV_API bool SaveBMP(HBITMAP bitmap, IFile *file, CPropertyArray properties);
 QV_API bool SaveJPEG(HBITMAP bitmap, IFile *file, CPropertyArray properties);
 QV_API bool SavePNG(HBITMAP bitmap, IFile *file, CPropertyArray properties);
 QV_API bool SaveTIFF(HBITMAP bitmap, IFile *file, CPropertyArray properties);
+///@}
 
 } // namespace qv

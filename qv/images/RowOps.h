@@ -19,18 +19,28 @@
 
 namespace qv {
 
+/// flip turns the picture by 180 degrees, vflip turns it upside down (row
+/// order reversed), hflip mirrors each row left to right; in place or from
+/// src into dst.
+///@{
 QV_API void flip(void *pixels, int width, int height, int pixelSize, int stride);
 QV_API void vflip(void *pixels, int width, int height, int pixelSize, int stride);
 QV_API void hflip(void *pixels, int width, int height, int pixelSize, int stride);
 QV_API void flip(void *dst, void const *src, int width, int height, int pixelSize, int srcStride, int dstStride);
 QV_API void vflip(void *dst, void const *src, int width, int height, int pixelSize, int srcStride, int dstStride);
 QV_API void hflip(void *dst, void const *src, int width, int height, int pixelSize, int srcStride, int dstStride);
+///@}
 
+/// interlace puts the even rows in the upper half and the odd rows in the
+/// lower half; deinterlace undoes it. See the file comment for the in-place
+/// forms and odd heights.
+///@{
 QV_API void interlace(void *dst, void const *src, int width, int height, int pixelSize, int srcStride,
                       int dstStride);
 QV_API void deinterlace(void *dst, void const *src, int width, int height, int pixelSize, int srcStride,
                         int dstStride);
 QV_API void interlace(void *pixels, int width, int height, int pixelSize, int stride);
 QV_API void deinterlace(void *pixels, int width, int height, int pixelSize, int stride);
+///@}
 
 } // namespace qv

@@ -16,16 +16,17 @@ namespace qv::images {
 /// @copydoc Rows24.h
 struct SRows24 {
     std::vector<uint8_t> converted; ///< the rows when the bitmap is not 24-bit
-    uint8_t *base = nullptr;
-    int32_t width = 0;
-    int32_t height = 0;
-    uint32_t stride = 0;
+    uint8_t *base = nullptr; ///< Row(0); null when empty
+    int32_t width = 0; ///< pixels
+    int32_t height = 0; ///< rows
+    uint32_t stride = 0; ///< bytes a row, a multiple of 4
 
-    bool empty() const { return base == nullptr; }
-    size_t size() const { return size_t(stride) * size_t(height); }
-    uint8_t *Row(int32_t y) { return base + size_t(y) * stride; }
+    bool empty() const { return base == nullptr; } ///< Whether there are no rows.
+    size_t size() const { return size_t(stride) * size_t(height); } ///< Bytes of all rows.
+    uint8_t *Row(int32_t y) { return base + size_t(y) * stride; } ///< Row y, from the bottom.
 };
 
+/// The 24-bit rows of bitmap; empty on failure (see the file comment).
 SRows24 FetchRows24(HBITMAP bitmap);
 
 /// Swaps the first and third byte of each of width 3-byte pixels.

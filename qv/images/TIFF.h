@@ -38,6 +38,7 @@
 #include "qv/images/TIFFClientState.h"
 #include "qv/numerics/TypedData.h"
 
+/// libtiff's handle, declared here so that libtiff's header stays private.
 typedef struct tiff TIFF;
 
 namespace qv {
@@ -46,15 +47,24 @@ class IFile;
 class IFileSystem;
 class CAtomicSave;
 
+/// The size and pixel form of the first page, and the number of pages; false
+/// for a file that is not a little-endian TIFF or does not read.
+///@{
 QV_API bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EDataType &type);
 QV_API bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EDataType &type,
                         unsigned long &pages);
+///@}
+/// Reads the first page into buffer (size bytes); see the file comment.
 QV_API bool LoadTIFFRaw(IFile *file, void *buffer, unsigned long size);
+/// Writes one frame of width x height pixels of type; the path forms (null
+/// fs: the disk) save atomically. False on a bad form or a failed write.
+///@{
 QV_API bool SaveTIFFRaw(IFile *file, void const *pixels, unsigned long width, unsigned long height, EDataType type);
 QV_API bool SaveTIFFRaw(IFileSystem *fs, char16_t const *path, void const *pixels, unsigned long width,
                         unsigned long height, EDataType type);
 QV_API bool SaveTIFFRaw(char16_t const *path, void const *pixels, unsigned long width, unsigned long height,
                         EDataType type);
+///@}
 
 /// @copydoc TIFF.h
 class QV_API CMultiPageTIFFFile {
@@ -64,22 +74,38 @@ public:
     CMultiPageTIFFFile(CMultiPageTIFFFile const &) = delete;
     CMultiPageTIFFFile &operator=(CMultiPageTIFFFile const &) = delete;
 
+    /// Closes, then starts a file for frames of width x height pixels of
+    /// type (by path through a temporary file, null fs: the disk). False on a
+    /// bad form or when the file cannot be made.
+    ///@{
     bool Create(IFile *file, unsigned long width, unsigned long height, EDataType type);
     bool Create(IFileSystem *fs, CString const &path, unsigned long width, unsigned long height, EDataType type);
     bool Create(CString const &path, unsigned long width, unsigned long height, EDataType type);
+    ///@}
+    /// Closes, then opens a TIFF for reading; with own the object deletes
+    /// file at Close. False when it is not a TIFF of a known form.
+    ///@{
     bool Open(IFile *file, bool own);
     bool Open(IFileSystem *fs, CString const &path);
     bool Open(CString const &path);
+    ///@}
+    /// Appends one frame (after Create); false on a write failure.
     bool WriteImage(void const *pixels);
+    /// Reads page index into buffer (after Open); false for a missing page or
+    /// one of another form.
     bool ReadImage(unsigned long index, void *buffer);
     /// False when a write or, for a file created by path, the final rename failed.
     bool Close();
 
+    /// Whether a file is open, and its frame size, pixel form and the number
+    /// of pages it has (read) or that were written so far.
+    ///@{
     bool IsOpen() const { return tiff != nullptr; }
     unsigned long GetWidth() const { return width; }
     unsigned long GetHeight() const { return height; }
     EDataType GetDataType() const { return type; }
     unsigned long GetNumImages() const { return images; }
+    ///@}
 
 private:
     bool ReadPacked(void *buffer);

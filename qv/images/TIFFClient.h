@@ -19,13 +19,23 @@
 
 namespace qv::images {
 
+/// A libtiff handle on client.file, mode as for TIFFOpen ("r", "w"); null
+/// when libtiff refuses. Close it with TIFFClose.
 TIFF *OpenTIFF(STiffClient &client, char const *mode);
 
 /// The tags that tell a raw frame's pixel form.
 struct STiffForm {
+    /// IMAGEWIDTH and IMAGELENGTH, in pixels.
+    ///@{
     uint32_t width = 0, height = 0;
+    ///@}
+    /// BITSPERSAMPLE, SAMPLESPERPIXEL, PHOTOMETRIC and SAMPLEFORMAT;
+    /// SAMPLESPERPIXEL and SAMPLEFORMAT count as 1 when absent.
+    ///@{
     uint16_t bitsPerSample = 0, samplesPerPixel = 1, photometric = 0, sampleFormat = 1;
+    ///@}
 
+    /// Same form: every field equal.
     bool operator==(STiffForm const &) const = default;
 };
 

@@ -12,8 +12,8 @@ namespace qv::images {
 
 /// @copydoc TIFFClientState.h
 struct STiffClient {
-    IFile *file = nullptr;
-    bool failed = false;
+    IFile *file = nullptr; ///< not owned
+    bool failed = false; ///< a write or seek failed; later ones fail too
 };
 
 } // namespace qv::images

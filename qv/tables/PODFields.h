@@ -28,7 +28,10 @@
 
 namespace qv {
 
+/// Cuts line (length bytes) into at most count fields in place; the number
+/// of fields the line held. Rules in the file comment.
 QV_API uint32_t SplitPODLine(char *line, size_t length, char const **fields, uint32_t count);
+/// Appends value to out as one field, quoted when it must be.
 QV_API void AppendPODField(std::string &out, std::string_view value);
 
 } // namespace qv

@@ -23,11 +23,13 @@ class CPersistedArray;
 #pragma pack(push, 1)
 /// @copydoc PODLineIndex.h
 struct SPODRowSpan {
-    int64_t position;
+    int64_t position; ///< file offset of the line's first byte
     uint32_t length; ///< line end included
 };
 #pragma pack(pop)
 
+/// Appends one item per line from start to the end of file to index; false
+/// on a failed read or index write.
 QV_API bool IndexPODLines(IFile &file, int64_t start, CPersistedArray &index);
 
 } // namespace qv

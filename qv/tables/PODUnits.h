@@ -18,7 +18,7 @@
 
 namespace qv {
 
-inline constexpr int kPODUnitCount = 15;
+inline constexpr int kPODUnitCount = 15; ///< Indices run from 0 to kPODUnitCount - 1.
 
 /// -1 for a name in neither list (and for null).
 QV_API int GetPODUnitIndex(char16_t const *unit);

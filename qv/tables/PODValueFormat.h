@@ -26,7 +26,12 @@
 
 namespace qv {
 
+/// Reads a number from text through format into out, and writes value
+/// through format into out; false on a mismatch, a malformed token or (when
+/// writing) too small an out. Rules in the file comment.
+///@{
 QV_API bool ParsePODValue(double &out, char16_t const *text, char16_t const *format);
 QV_API bool FormatPODValue(double value, char16_t *out, size_t outSize, char16_t const *format);
+///@}
 
 } // namespace qv
