@@ -36,7 +36,8 @@ bool MapRva(TSimpleArray<SSection> const &sections, uint32_t rva, uint32_t n, in
         SSection const &s = sections.GetAt(i);
         if (rva < s.virtualAddress) continue;
         uint64_t const into = uint64_t(rva) - s.virtualAddress;
-        if (into + n > s.mapped) continue;
+        // An empty span still has to start on bytes the file holds.
+        if (into + n > s.mapped || (n == 0 && into >= s.mapped)) continue;
         offset = s.rawOffset + int64_t(into);
         return true;
     }
