@@ -11,6 +11,9 @@ namespace qv::calibration_detail {
 
 constexpr double kMaxLookupEntries = 1 << 20; ///< a lookup axis longer than this is refused (left empty)
 constexpr double kMaxAxisPoints = 1 << 22; ///< wavelength axes
+/// Lookup entries times wavelength points: each entry integrates a whole
+/// spectrum, so a file may not ask for more work than this (left empty).
+constexpr double kMaxLookupWork = 1 << 26;
 
 /// Whether the step form of XAxis would make more than limit points. A step
 /// that gives no finite count is not too long: XAxis makes 10 points of it.

@@ -105,6 +105,8 @@ void CRCalFile::UpdateCalPageLookup(int page) {
         p->LookupTemperature.Empty();
     else
         XAxis(p->LookupTemperature, p->LookupStart, p->LookupEnd, p->LookupDelta);
+    if (double(p->LookupTemperature.GetSize()) * FinalResponse.X.GetSize() > calibration_detail::kMaxLookupWork)
+        p->LookupTemperature.Empty();
     uint32_t n = p->LookupTemperature.GetSize();
     p->LookupRadiance.Empty();
     if (p->LookupRadiance.SetSize(n))
