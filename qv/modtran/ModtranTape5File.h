@@ -100,8 +100,11 @@ public:
 
     /// The card text of a surface reflectance or a vertical column amount:
     /// the keyword, the value, or the code as a number. The text is a static
-    /// buffer, overwritten by the next call: one thread at a time.
+    /// buffer of kFormattedFieldCapacity bytes, overwritten by the next call:
+    /// one thread at a time. A huge value gives a text wider than its card
+    /// field; the card writer refuses it.
     ///@{
+    static constexpr size_t kFormattedFieldCapacity = 64;
     static char *FormatSurfaceReflectance(SURFACE_REFLECTANCE kind, float value);
     static char *FormatVerticalColumnType(VERTICAL_COLUMN_TYPE kind, float value);
     ///@}

@@ -29,7 +29,7 @@ char const *FormatScientific(double value, int decimals) {
 } // namespace modtran_detail
 
 char *CModtranTape5File::FormatSurfaceReflectance(SURFACE_REFLECTANCE kind, float value) {
-    static char text[64];
+    static char text[kFormattedFieldCapacity];
     if (kind == SR_BRDF)
         c_snprintf(text, sizeof text, "   BRDF");
     else if (kind == SR_LAMBER)
@@ -42,7 +42,7 @@ char *CModtranTape5File::FormatSurfaceReflectance(SURFACE_REFLECTANCE kind, floa
 }
 
 char *CModtranTape5File::FormatVerticalColumnType(VERTICAL_COLUMN_TYPE kind, float value) {
-    static char text[64];
+    static char text[kFormattedFieldCapacity];
     if (kind == VCT_NONE)
         c_snprintf(text, sizeof text, "         0");
     else if (kind == VCT_ATM_CM)

@@ -144,7 +144,7 @@ private:
 
     bool Card1() {
         ATMOSPHERE_MODEL const *m = r.userModels;
-        char reflectance[16];
+        char reflectance[CModtranTape5File::kFormattedFieldCapacity];
         std::strcpy(reflectance, CModtranTape5File::FormatSurfaceReflectance(SURFACE_REFLECTANCE(r.surfaceReflectance),
                                                                              r.surfaceValue));
         return Put("1", "%c%c%3d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d%8.3f%7s", char(r.bandModel), char(r.speed),
@@ -156,7 +156,7 @@ private:
     // The solar constant goes behind two blanks, in columns 51-60 where the
     // tool reads it.
     bool Card1A() {
-        char columns[2][16];
+        char columns[2][CModtranTape5File::kFormattedFieldCapacity];
         for (int i = 0; i < 2; ++i)
             std::strcpy(columns[i], CModtranTape5File::FormatVerticalColumnType(r.columnType[i], r.columnValue[i]));
         return Put("1A", "%c%c%3d%c%4d%10.3f%10s%10s %c %c %c %c  %10.3f", char(r.scatteringAlgo),

@@ -389,7 +389,14 @@ TEST(Tape5Cards, AValueWiderThanItsFieldIsRefused) {
     ASSERT_TRUE(tape5.SetSurfaceReflectance(SR_VALUE, 12345.0f));
     EXPECT_FALSE(tape5.Save(out));
     EXPECT_STREQ(tape5.GetLastError(), "A value of card 1 does not fit its columns.");
+    ASSERT_TRUE(tape5.SetSurfaceReflectance(SR_VALUE, 1.0e30f)); // 33 characters, more than any field
+    EXPECT_FALSE(tape5.Save(out));
     ASSERT_TRUE(tape5.SetSurfaceReflectance(SR_VALUE, 0.5f));
+    tape5.GetRun()->columnType[1] = VCT_GRAMS;
+    tape5.GetRun()->columnValue[1] = -3.0e38f;
+    EXPECT_FALSE(tape5.Save(out));
+    EXPECT_STREQ(tape5.GetLastError(), "A value of card 1A does not fit its columns.");
+    tape5.GetRun()->columnType[1] = VCT_NONE;
     ASSERT_TRUE(tape5.SetAerosolInfo(false, true, AA_USER, AP_DEFAULT, VI_BACKGROUND, 0));
     ASSERT_TRUE(tape5.SetAerosolRegion(0, 2, 1.0f, ""));
     ASSERT_TRUE(tape5.SetAerosolRegionSpectra(0, 1, 1000.0f, 0.0f, 0.0f, 0.0f));
