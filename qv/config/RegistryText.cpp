@@ -164,7 +164,8 @@ private:
             size_t end = path.find(u'\\', start + 1);
             if (end == std::u16string::npos) end = path.size();
             std::u16string name = path.substr(start + 1, end - start - 1);
-            if (name.empty() || ++depth > kMaxKeyDepth) return false;
+            // A NUL would cut the name short and leave a key that cannot be written back.
+            if (name.empty() || name.find(u'\0') != name.npos || ++depth > kMaxKeyDepth) return false;
             key = key->AddKey(name.c_str());
             start = end;
         }
@@ -237,7 +238,7 @@ private:
         std::u16string name;
         if (line[0] == u'@')
             pos = 1;
-        else if (!Quoted(line, pos, name))
+        else if (!Quoted(line, pos, name) || name.find(u'\0') != name.npos)
             return false;
         if (pos >= line.size() || line[pos] != u'=') return false;
         ++pos;

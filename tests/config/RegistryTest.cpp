@@ -14,6 +14,8 @@
 namespace qv::test {
 namespace {
 
+using namespace std::string_literals;
+
 std::string ToUtf16Bytes(std::u16string const &text) {
     std::string bytes("\xFF\xFE", 2);
     for (char16_t c : text) {
@@ -130,6 +132,9 @@ TEST_F(Registry, BrokenTextsMakeTheRootUnreadableAndAreNeverOverwritten) {
         "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A]\r\n\"v\"=dword:123456789\r\n",
         "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A]\r\n\"v\"=-\r\n",
         "\xFF\xFEW\0i\0n",
+        // a NUL inside a key or value name would be written back as another name
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A\\\0\\B]\r\n"s,
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A]\r\n\"a\0b\"=\"x\"\r\n"s,
         deep,
     };
     for (std::string const &text : broken) {

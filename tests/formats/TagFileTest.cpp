@@ -186,6 +186,19 @@ TEST(TagFileBinary, Flt32HasNoBoundsAndModeZeroLosesTextValues) {
     EXPECT_EQ(back[0].nTextValues(), 0u);
 }
 
+// A tree form may hold any number as a data type; the binary form writes
+// one it does not know as text rather than read outside its flag table.
+TEST(TagFileBinary, UnknownDataTypeIsWrittenAsText) {
+    for (int type : {-254, 5, 1 << 30}) {
+        CTagFile tags;
+        CTagEntry e = Entry(u"A", CTagEntry::DT_TEXT);
+        e.SetDataType(CTagEntry::DATA_TYPE(type));
+        tags.AddTagEntry(e);
+        EXPECT_EQ(Saved(tags, &CTagFile::SaveBinary),
+                  Layout().Raw("TAGF").U8(3).U32(1).Str("A").U16(0x0001).Str("").U32(0).s);
+    }
+}
+
 TEST(TagFileBinary, VersionsDecideTheBytesRead) {
     // Version 0: no category, units, write mode or location; location 1.
     std::string v0 = Layout().Raw("TAGF").U8(0).U32(1).Str("A").U16(1).Str("d").s;

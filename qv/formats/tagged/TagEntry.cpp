@@ -18,7 +18,7 @@ constexpr uint16_t kTextModes = kSuggestions | kAsBounds;
 constexpr uint32_t kCodePage1252 = 1252;
 
 uint16_t FlagsOf(CTagEntry::DATA_TYPE type, bool bounds, CTagEntry::TEXT_VALUES_MODE mode) {
-    uint16_t flags = kTypeFlags[type < CTagEntry::DATA_TYPE_COUNT ? type : 0];
+    uint16_t flags = kTypeFlags[unsigned(type) < CTagEntry::DATA_TYPE_COUNT ? type : 0];
     if (bounds) flags |= kBounds;
     if (mode == CTagEntry::TVM_USE_AS_BOUNDS) flags |= kAsBounds;
     if (mode == CTagEntry::TVM_USE_AS_SUGGESTIONS) flags |= kSuggestions;
