@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size) {
     Require(pixels > 0 && pixels <= qv::CSAFFrames::kMaxFramePixels && frames.FrameBytes() >= 2 * pixels);
     Require(uint64_t(frames.DataPosition()) + uint64_t(frames.FrameCount()) * frames.FrameBytes() <= size);
     if (frames.FrameCount() == 0) return 0;
-    std::vector<uint16_t> counts(size_t(pixels));
+    std::vector<uint16_t> counts(static_cast<size_t>(pixels));
     Require(frames.ReadFrame(0, counts.data()));
     Require(frames.ReadFrame(frames.FrameCount() - 1, counts.data()));
     Require(!frames.ReadFrame(frames.FrameCount(), counts.data()));
