@@ -18,6 +18,8 @@ namespace {
 constexpr uint8_t kSOI = 0xD8, kEOI = 0xD9, kSOS = 0xDA, kTEM = 0x01, kRST0 = 0xD0, kRST7 = 0xD7;
 constexpr uint8_t kAPP0 = 0xE0, kAPP15 = 0xEF;
 constexpr uint32_t kMaxChunks = 0xFFFF;
+// Marker, length, word and chunk header: the bytes before a chunk in the file.
+constexpr uint32_t kChunkStart = 4 + kRadiometricChunkHeader;
 
 // Forward reads of a file through one buffer that holds any whole segment.
 class CForwardReader {
@@ -133,26 +135,18 @@ private:
         int64_t size = payload.GetSize();
         if (size < 0 || size > int64_t(kMaxChunks) * kMaxRadiometricChunk || payload.Seek(0, 1) != 0) return false;
         uint32_t count = uint32_t((size + kMaxRadiometricChunk - 1) / kMaxRadiometricChunk);
-        std::unique_ptr<uint8_t[]> segment(new (std::nothrow) uint8_t[4 + kRadiometricChunkHeader + kMaxRadiometricChunk]);
+        std::unique_ptr<uint8_t[]> segment(new (std::nothrow) uint8_t[kChunkStart + kMaxRadiometricChunk]);
         if (!segment) return false;
         for (uint32_t number = 1; number <= count; ++number) {
             uint32_t n = uint32_t(std::min<int64_t>(size - int64_t(number - 1) * kMaxRadiometricChunk, kMaxRadiometricChunk));
             uint32_t length = 2 + kRadiometricChunkHeader + n;
             uint8_t *p = segment.get();
-            uint8_t head[] = {0xFF,
-                              uint8_t(kRadiometricMarker),
-                              uint8_t(length >> 8),
-                              uint8_t(length),
-                              uint8_t(kRadiometricWord[0]),
-                              uint8_t(kRadiometricWord[1]),
-                              uint8_t(kRadiometricWord[2]),
-                              uint8_t(kRadiometricWord[3]),
-                              uint8_t(number >> 8),
-                              uint8_t(number),
-                              uint8_t(count >> 8),
-                              uint8_t(count)};
-            std::memcpy(p, head, sizeof head);
-            if (payload.Read(p + sizeof head, n) != n || !Put(p, sizeof head + n)) return false;
+            uint8_t const head[] = {0xFF, uint8_t(kRadiometricMarker), uint8_t(length >> 8), uint8_t(length)};
+            uint8_t const chunkHeader[] = {uint8_t(number >> 8), uint8_t(number), uint8_t(count >> 8), uint8_t(count)};
+            std::memcpy(p, head, 4);
+            std::memcpy(p + 4, kRadiometricWord, 4);
+            std::memcpy(p + 8, chunkHeader, 4);
+            if (payload.Read(p + kChunkStart, n) != n || !Put(p, kChunkStart + n)) return false;
         }
         return true;
     }
