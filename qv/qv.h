@@ -143,4 +143,5 @@
 #include "qv/images/Bitmap.h"
 #include "qv/images/RowOps.h"
 #include "qv/images/Images.h"
+#include "qv/images/RadiometricJPEG.h"
 #include "qv/images/TIFF.h"

@@ -73,7 +73,8 @@ QV_API bool SaveHBITMAP(HBITMAP bitmap, IFileSystem *fs, char16_t const *path, C
 
 /// The 24-bit BMP form that SaveBMP writes; null for anything else.
 QV_API HBITMAP LoadBMP(IFile *file);
-/// extra: where the radiometric payload of the JPEG goes; may be null.
+/// extra: where the radiometric payload of the JPEG goes, at its position,
+/// after the picture has decoded (RadiometricJPEG.h); may be null.
 ///@{
 QV_API HBITMAP LoadJPEG(IFile *file, IFile *extra);
 QV_API HBITMAP LoadPNG(IFile *file, CPropertyArray properties);

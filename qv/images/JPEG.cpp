@@ -7,11 +7,13 @@
 
 #include <csetjmp>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "qv/files/IFile.h"
 #include "qv/images/DecodeLimits.h"
 #include "qv/images/Images.h"
+#include "qv/images/RadiometricJPEG.h"
 #include "qv/images/Rows24.h"
 
 namespace qv {
@@ -36,6 +38,7 @@ void UseErrorManager(SErrorManager &err) {
 struct SSource {
     jpeg_source_mgr pub;
     IFile *file;
+    bool ranOut; ///< the file ended before the picture did
     JOCTET buffer[kBlock];
 };
 
@@ -47,6 +50,7 @@ boolean FillInput(j_decompress_ptr cinfo) {
     if (n == 0) {
         // A cut file ends as if its end marker were there: libjpeg gives
         // what it has (the rest of the picture grey).
+        src->ranOut = true;
         src->buffer[0] = 0xFF;
         src->buffer[1] = JPEG_EOI;
         n = 2;
@@ -72,6 +76,7 @@ void TermSource(j_decompress_ptr) {}
 
 void UseSource(j_decompress_ptr cinfo, SSource &src, IFile *file) {
     src.file = file;
+    src.ranOut = false;
     src.pub.init_source = InitSource;
     src.pub.fill_input_buffer = FillInput;
     src.pub.skip_input_data = SkipInput;
@@ -114,6 +119,7 @@ struct SJpegRead {
     jpeg_decompress_struct cinfo;
     SErrorManager err;
     SSource src;
+    IFile *payload = nullptr;
     HBITMAP bitmap = nullptr;
     JSAMPARRAY rows = nullptr;
     bool done = false;
@@ -124,8 +130,37 @@ bool Fits(SJpegRead &s) {
                                 images::kJpegExpansion);
 }
 
+// Comments and every application segment are kept whole, so that the
+// radiometric chunks can be taken from the list after the picture.
+void SaveMarkers(SJpegRead &s) {
+    jpeg_save_markers(&s.cinfo, JPEG_COM, 0xFFFF);
+    for (int marker = JPEG_APP0; marker <= JPEG_APP0 + 15; ++marker) jpeg_save_markers(&s.cinfo, marker, 0xFFFF);
+}
+
+bool IsRadiometricChunk(jpeg_saved_marker_ptr marker) {
+    return marker->marker == kRadiometricMarker && marker->data_length >= kRadiometricChunkHeader &&
+           std::memcmp(marker->data, kRadiometricWord, 4) == 0;
+}
+
+// The chunks in file order, each without its word and chunk header. Bytes a
+// cut file made up (see FillInput) could stand inside a chunk, so such a file
+// gives none. False when a write to the payload fails.
+bool WritePayload(SJpegRead &s) {
+    // Segments after the last scan are read up to the end marker first;
+    // jpeg_finish_decompress would do it too, but frees the list.
+    for (int got = -1; got != JPEG_REACHED_EOI && got != JPEG_SUSPENDED;) got = jpeg_consume_input(&s.cinfo);
+    if (s.src.ranOut) return true;
+    for (jpeg_saved_marker_ptr marker = s.cinfo.marker_list; marker; marker = marker->next) {
+        if (!IsRadiometricChunk(marker)) continue;
+        uint32_t n = marker->data_length - kRadiometricChunkHeader;
+        if (s.payload->Write(marker->data + kRadiometricChunkHeader, n) != n) return false;
+    }
+    return true;
+}
+
 void Decode(SJpegRead &s) {
     if (setjmp(s.err.jump)) return;
+    if (s.payload) SaveMarkers(s);
     jpeg_read_header(&s.cinfo, TRUE);
     if (!Fits(s)) return;
     s.cinfo.out_color_space = JCS_EXT_BGR;
@@ -138,6 +173,7 @@ void Decode(SJpegRead &s) {
     for (JDIMENSION y = 0; y < height; ++y) s.rows[y] = s.bitmap->Row(int32_t(height - 1 - y));
     while (s.cinfo.output_scanline < height)
         jpeg_read_scanlines(&s.cinfo, s.rows + s.cinfo.output_scanline, height - s.cinfo.output_scanline);
+    if (s.payload && !WritePayload(s)) return;
     jpeg_finish_decompress(&s.cinfo);
     s.done = true;
 }
@@ -201,11 +237,12 @@ bool IsJPEG(IFile *file) {
     return ok;
 }
 
-HBITMAP LoadJPEG(IFile *file, IFile *) {
+HBITMAP LoadJPEG(IFile *file, IFile *payload) {
     if (!file) return nullptr;
     SJpegRead *s = new (std::nothrow) SJpegRead;
     if (!s) return nullptr;
     CreateDecompressor(*s, file);
+    s->payload = payload;
     Decode(*s);
     jpeg_destroy_decompress(&s->cinfo);
     std::free(s->rows);

@@ -141,7 +141,7 @@ bool SaveTIFF(HBITMAP bitmap, IFile *file, CPropertyArray) {
 
 bool LoadTIFFRaw(IFile *file, void *buffer, unsigned long size) {
     if (!file || !buffer || file->Seek(0, 1) != 0) return false;
-    STiffHandle handle(file, "r");
+    STiffHandle handle(file, images::kReadFrames);
     STiffForm form;
     bool ok = handle.tiff && images::ReadForm(handle.tiff, form);
     EDataType type = ok ? images::TypeOfForm(form) : DT_Unknown;
@@ -223,7 +223,7 @@ bool CMultiPageTIFFFile::Open(IFile *f, bool own) {
     Close();
     if (!f) return false;
     client = images::STiffClient{f};
-    TIFF *t = images::OpenTIFF(client, "r");
+    TIFF *t = images::OpenTIFF(client, images::kReadFrames);
     STiffForm form;
     EDataType formType = DT_Unknown;
     if (t && images::ReadForm(t, form)) formType = images::TypeOfForm(form);

@@ -43,7 +43,7 @@ toff_t SizeProc(thandle_t h) {
 int MapProc(thandle_t, void **, toff_t *) { return 0; }
 void UnmapProc(thandle_t, void *, toff_t) {}
 
-constexpr size_t kStripBytes = 256 * 1024;
+constexpr size_t kStripBytes = 1024 * 1024;
 
 int Quiet(TIFF *, void *, char const *, char const *, va_list) { return 1; }
 
@@ -125,11 +125,20 @@ bool WriteFrame(TIFF *tiff, STiffForm const &form, EDataType type, void const *p
     // Rows step by their full size: a frame wider than 65535 bytes a row is
     // written whole rather than cut.
     size_t rowBytes = size_t(form.width) * PixelBytes(type);
-    // Strips of about 256 KiB: few calls on the file, each of a useful size.
+    // Strips of up to 1 MiB: a camera frame of 16-bit counts is one strip, whose
+    // offset and size stand in the directory itself; larger frames still
+    // read a strip at a time without a large buffer.
     uint32_t rowsPerStrip = uint32_t(std::max<size_t>(1, kStripBytes / std::max<size_t>(rowBytes, 1)));
     ok = ok && TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, std::min(rowsPerStrip, form.height));
+    // The frame is stored as it stands (no compression, host order), so each
+    // strip goes to the file straight from the caller's rows: no copy into
+    // libtiff's strip buffer and one write a strip.
     auto *bytes = static_cast<uint8_t *>(const_cast<void *>(pixels));
-    for (uint32_t y = 0; ok && y < form.height; ++y) ok = TIFFWriteScanline(tiff, bytes + y * rowBytes, y, 0) == 1;
+    uint32_t strip = 0;
+    for (uint64_t first = 0; ok && first < form.height; first += rowsPerStrip, ++strip) {
+        tmsize_t size = tmsize_t(std::min<uint64_t>(rowsPerStrip, form.height - first) * rowBytes);
+        ok = TIFFWriteRawStrip(tiff, strip, bytes + first * rowBytes, size) == size;
+    }
     return ok;
 }
 

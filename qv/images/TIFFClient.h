@@ -23,6 +23,11 @@ namespace qv::images {
 /// when libtiff refuses. Close it with TIFFClose.
 TIFF *OpenTIFF(STiffClient &client, char const *mode);
 
+/// The mode for reading raw frames: libtiff does not cut a single large
+/// strip into small ones ('c'), so ReadFrame reads it into the caller's
+/// rows in one call; a strip is never read beyond the caller's frame.
+inline constexpr char kReadFrames[] = "rc";
+
 /// The tags that tell a raw frame's pixel form.
 struct STiffForm {
     /// IMAGEWIDTH and IMAGELENGTH, in pixels.

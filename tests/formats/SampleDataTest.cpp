@@ -84,3 +84,26 @@ TEST(SAFFrames, RefusesHeadersThatDescribeNoFrames) {
     }
     EXPECT_FALSE(frames.Open(Wide(dir.Path("missing.saf")).c_str()));
 }
+
+TEST(SampleData, FramesReadFromAnOpenFileAsFromThePath) {
+    CFile disk;
+    ASSERT_TRUE(disk.Open(Wide(kSample).c_str(), 0x02 | 0x10 | 0x200));
+    CMemFile memory;
+    std::vector<uint8_t> bytes(size_t(disk.GetSize()));
+    ASSERT_EQ(disk.Read(bytes.data(), uint32_t(bytes.size())), bytes.size());
+    memory.Write(bytes.data(), uint32_t(bytes.size()));
+    CSAFFrames byPath, byFile;
+    ASSERT_TRUE(byPath.Open(Wide(kSample).c_str()));
+    ASSERT_TRUE(byFile.Open(&memory));
+    EXPECT_EQ(byFile.FrameCount(), 4u);
+    EXPECT_EQ(byFile.DataPosition(), byPath.DataPosition());
+    std::vector<uint16_t> a(size_t(64) * 48), b(a.size());
+    ASSERT_TRUE(byPath.ReadFrame(2, a.data()));
+    ASSERT_TRUE(byFile.ReadFrame(2, b.data()));
+    EXPECT_EQ(a, b);
+    // Cut inside the last frame: three whole frames remain.
+    memory.SetSize(memory.GetSize() - 1);
+    ASSERT_TRUE(byFile.Open(&memory));
+    EXPECT_EQ(byFile.FrameCount(), 3u);
+    EXPECT_FALSE(byFile.Open(static_cast<IFile *>(nullptr)));
+}

@@ -8,27 +8,29 @@
 
 namespace qvtool {
 
-int ExtractBlock(qv::CIndexedContainer &vqr, SBlockAddress const &address, char *const *args) {
-    uint32_t place = FindBlock(vqr, address);
-    if (place == qv::CIndexedContainer::kNoIndex)
-        return Fail("%s holds no block %s %s %s", args[0], args[1], args[2], args[3]);
-    qv::IFile &block = vqr.GetIndexAt(place)->m_file;
-    bool toStdout = std::strcmp(args[4], "-") == 0;
-    std::FILE *out = toStdout ? stdout : std::fopen(args[4], "wb");
-    if (!out) return Fail("cannot write %s", args[4]);
+bool CopyToOutput(qv::IFile &source, char const *path) {
+    bool toStdout = std::strcmp(path, "-") == 0;
+    std::FILE *out = toStdout ? stdout : std::fopen(path, "wb");
+    if (!out) return false;
     static char buffer[1 << 16];
-    block.Seek(0, 1);
+    source.Seek(0, 1);
     bool ok = true;
-    for (int64_t left = block.GetSize(); ok && left > 0;) {
-        uint32_t n = block.Read(buffer, uint32_t(left < int64_t(sizeof buffer) ? left : int64_t(sizeof buffer)));
+    for (int64_t left = source.GetSize(); ok && left > 0;) {
+        uint32_t n = source.Read(buffer, uint32_t(left < int64_t(sizeof buffer) ? left : int64_t(sizeof buffer)));
         ok = n > 0 && std::fwrite(buffer, 1, n, out) == n;
         left -= n;
     }
     ok = (toStdout ? std::fflush(out) : std::fclose(out)) == 0 && ok;
-    if (!ok) {
-        if (!toStdout) std::remove(args[4]);
-        return Fail("cannot extract the block %s %s %s from %s", args[1], args[2], args[3], args[0]);
-    }
+    if (!ok && !toStdout) std::remove(path);
+    return ok;
+}
+
+int ExtractBlock(qv::CIndexedContainer &vqr, SBlockAddress const &address, char *const *args) {
+    uint32_t place = FindBlock(vqr, address);
+    if (place == qv::CIndexedContainer::kNoIndex)
+        return Fail("%s holds no block %s %s %s", args[0], args[1], args[2], args[3]);
+    if (!CopyToOutput(vqr.GetIndexAt(place)->m_file, args[4]))
+        return Fail("cannot extract the block %s %s %s from %s to %s", args[1], args[2], args[3], args[0], args[4]);
     return 0;
 }
 

@@ -10,7 +10,8 @@
 namespace qv {
 
 struct CSAFFrames::SFile {
-    CFile file;
+    CFile disk;              // the file when opened by path
+    IFile *file = nullptr;   // where the frames are read from
     std::vector<uint8_t> bytes; // one frame as stored
 };
 
@@ -48,9 +49,22 @@ void CSAFFrames::Close() {
 bool CSAFFrames::Open(char16_t const *path) {
     Close();
     auto state = std::make_unique<SFile>();
-    if (!state->file.Open(path, kOpenExisting | kOpenRead | kOpenShareRead)) return false;
+    if (!path || !state->disk.Open(path, kOpenExisting | kOpenRead | kOpenShareRead)) return false;
+    state->file = &state->disk;
+    return Take(std::move(state));
+}
+
+bool CSAFFrames::Open(IFile *file) {
+    Close();
+    if (!file) return false;
+    auto state = std::make_unique<SFile>();
+    state->file = file;
+    return Take(std::move(state));
+}
+
+bool CSAFFrames::Take(std::unique_ptr<SFile> state) {
     CSAFFile saf;
-    if (!saf.Load(&state->file)) return false;
+    if (!saf.Load(state->file)) return false;
     uint32_t width = 0, height = 0, frameBytes = 0, bits = 16;
     if (!TagIs(saf, u"KeyWrd", u"IMG") || !TagIs(saf, u"BytOrd", u"LH") || !TagIs(saf, u"DaType", u"UInt16"))
         return false;
@@ -60,7 +74,7 @@ bool CSAFFrames::Open(char16_t const *path) {
     if (saf.GetTagValue(u"ADBits") && (!TagNumber(saf, u"ADBits", 16, bits) || bits == 0)) return false;
     uint64_t const pixels = uint64_t(width) * height;
     if (pixels == 0 || pixels > kMaxFramePixels || frameBytes < 2 * pixels) return false;
-    int64_t const size = state->file.GetSize();
+    int64_t const size = state->file->GetSize();
     uint32_t const data = saf.GetDataPosition();
     if (size < int64_t(data)) return false;
     uint64_t const frames = uint64_t(size - data) / frameBytes;
@@ -80,8 +94,8 @@ bool CSAFFrames::ReadFrame(uint32_t n, uint16_t *counts) {
     std::vector<uint8_t> &bytes = m_file->bytes;
     bytes.resize(pixels * 2);
     int64_t const at = int64_t(m_dataPosition) + int64_t(n) * m_frameBytes;
-    if (m_file->file.Seek(at, 1) != at) return false;
-    if (m_file->file.Read(bytes.data(), uint32_t(bytes.size())) != bytes.size()) return false;
+    if (m_file->file->Seek(at, 1) != at) return false;
+    if (m_file->file->Read(bytes.data(), uint32_t(bytes.size())) != bytes.size()) return false;
     for (size_t i = 0; i < pixels; ++i) counts[i] = uint16_t(bytes[2 * i] | (bytes[2 * i + 1] << 8)); // "LH": low byte first
     return true;
 }
