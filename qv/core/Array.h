@@ -295,6 +295,9 @@ private:
     }
 
     bool AddAll(ArrayBase const &other) {
+        // One block for all of them when it can be had: item by item at a
+        // small growth rate would copy the block once per rate items.
+        if (other.count <= UINT32_MAX - count) Dimension(count + other.count);
         for (uint32_t i = 0; i < other.count; ++i)
             if (!Add(other.data[i])) return false;
         return true;
