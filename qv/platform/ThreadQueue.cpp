@@ -31,7 +31,9 @@ struct SQueueHolder {
     ~SQueueHolder() { CThreadQueue::EndCurrent(); }
 };
 
-thread_local SQueueHolder holder;
+// Initial-exec, as libqv's other thread-local state: the loop reaches it once
+// a message, and the general model costs a call into the loader each time.
+[[gnu::tls_model("initial-exec")]] thread_local SQueueHolder holder;
 
 } // namespace
 
@@ -62,8 +64,9 @@ void CThreadQueue::Close() {
     CompleteAll(released);
 }
 
+// Most queues are never watched by an outside loop: they skip the call.
 void CThreadQueue::Changed() {
-    signal.SetPending(!incoming.empty() || !posted.Empty() || quit);
+    if (signal.IsOpen()) signal.SetPending(!incoming.empty() || !posted.Empty() || quit);
 }
 
 void CThreadQueue::WakeOwner() {
