@@ -9,6 +9,7 @@
 
 #include "PairedTiming.h"
 #include "ZlibEntryPoints.h"
+#include "qv/core/CpuPath.h"
 #include "qv/files/CRC.h"
 
 namespace {
@@ -63,5 +64,24 @@ void CRC16VsByteTable(benchmark::State &state) {
 
 } // namespace
 
+// The carry-less-multiply path that machines with AVX2 but without
+// VPCLMULQDQ take (here forced by limiting the path), against zlib.
+void CRC32PclmulPathVsZlib(benchmark::State &state) {
+    if (qv::cpu::BestCpuPath() < qv::cpu::CP_SSE41) {
+        state.SkipWithError("no PCLMULQDQ on this machine");
+        return;
+    }
+    qv::InitCRC32Table(0x04C11DB7);
+    auto crc32 = bench::Zlib().crc32;
+    uint8_t const *data = Data().data();
+    qv::cpu::LimitCpuPath(qv::cpu::CP_AVX2);
+    bench::RunPaired(
+        state, {"CalcBlockCRC32, 64 MiB, PCLMULQDQ path (AVX2 without VPCLMULQDQ), vs zlib crc32", 0.0},
+        int64_t(kSize), [&] { benchmark::DoNotOptimize(qv::CalcBlockCRC32(data, kSize)); },
+        [&] { benchmark::DoNotOptimize(crc32(0, data, kSize)); });
+    qv::cpu::LimitCpuPath(qv::cpu::BestCpuPath());
+}
+
 BENCHMARK(CRC32VsZlib)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(CRC32PclmulPathVsZlib)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(CRC16VsByteTable)->UseManualTime()->Unit(benchmark::kMillisecond);

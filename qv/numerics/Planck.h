@@ -12,7 +12,9 @@ namespace qv {
 /// y is cleared, then for each wavelength l of x (microns), with T =
 /// temperature + 273.15 (temperature in degrees Celsius):
 ///   y = emissivity * (11910.06 / l^5) * 1 / (exp(14388.3 / (l * T)) - 1)
-/// in W/(sr-cm^2) per micron. l^5 is formed by squaring, not by pow. The two
+/// in W/(sr-cm^2) per micron. l^5 is formed by squaring, not by pow; exp is
+/// qv's own, within 0.011 ulp before its rounding, so it gives the C library's
+/// bits nearly everywhere and is within 1e-13 of them always. The two
 /// constants are the ones every stored calibration was computed with: other
 /// (even more exact) values would make recomputed radiances disagree with them.
 QV_API void Planck(TArray<double> &x, TArray<double> &y, double temperature, double emissivity);

@@ -26,6 +26,10 @@ bool CMessageWindow::PostQuit(int32_t exitCode) {
     return queue->PostQuit(exitCode);
 }
 
+std::vector<SMessage> CMessageWindow::TakePosted(bool (*match)(SMessage const &, void *), void *context) {
+    return queue->TakePosted(this, match, context);
+}
+
 bool PeekQueuedMessage(SMessage &msg, uint32_t flags) {
     return CThreadQueue::Current()->Peek(msg, flags);
 }

@@ -46,6 +46,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "qv/core/Export.h"
 #include "qv/platform/Waitable.h"
@@ -89,6 +90,11 @@ public:
     intptr_t Send(uint32_t message, uintptr_t wParam, intptr_t lParam);
     // Posts a quit to the owning thread's queue; false when it has ended.
     bool PostQuit(int32_t exitCode);
+    // Takes the messages posted to this window for which match(msg, context)
+    // is true back out of the queue, oldest first (also after the owning
+    // thread has ended), so that the caller can release what they carry.
+    // Stops taking when memory runs out; the rest stay queued.
+    std::vector<SMessage> TakePosted(bool (*match)(SMessage const &msg, void *context), void *context);
     uint32_t GetThreadID() const { return threadId; }
 
 private:

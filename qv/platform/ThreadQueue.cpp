@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 
 #include "qv/platform/ThreadId.h"
 #include "qv/platform/Ticks.h"
@@ -30,7 +31,9 @@ struct SQueueHolder {
     ~SQueueHolder() { CThreadQueue::EndCurrent(); }
 };
 
-thread_local SQueueHolder holder;
+// Initial-exec, as libqv's other thread-local state: the loop reaches it once
+// a message, and the general model costs a call into the loader each time.
+[[gnu::tls_model("initial-exec")]] thread_local SQueueHolder holder;
 
 } // namespace
 
@@ -49,19 +52,36 @@ void CThreadQueue::Close() {
     std::vector<SSent *> released;
     {
         Lock lock(mutex);
+        // Posted messages stay until the queue goes: calls they carry are
+        // still the windows' to take back (TakePosted) and drop.
         closed = true;
-        posted.clear();
         timers.clear();
         released.assign(incoming.begin(), incoming.end());
         incoming.clear();
         Changed();
+        WakeOwner();
     }
     CompleteAll(released);
 }
 
+// Most queues are never watched by an outside loop: they skip the call.
 void CThreadQueue::Changed() {
-    changed.notify_all();
-    signal.SetPending(!incoming.empty() || !posted.empty() || quit);
+    if (signal.IsOpen()) signal.SetPending(!incoming.empty() || !posted.Empty() || quit);
+}
+
+void CThreadQueue::WakeOwner() {
+    if (ownerSleeping) changed.notify_one();
+}
+
+// The only wait on the condition variable: ownerSleeping tells the threads
+// that add input whether a notification is needed.
+void CThreadQueue::Sleep(Lock &lock, Clock::time_point until) {
+    ownerSleeping = true;
+    if (until == Clock::time_point::max())
+        changed.wait(lock);
+    else
+        changed.wait_until(lock, until);
+    ownerSleeping = false;
 }
 
 void CThreadQueue::Rearm() {
@@ -76,14 +96,18 @@ void CThreadQueue::Rearm() {
 void CThreadQueue::Wake() {
     Lock lock(mutex);
     poked = true;
-    changed.notify_all();
+    WakeOwner();
 }
 
+// The owner is notified after the lock is given up, so that it does not wake
+// only to wait for the lock.
 bool CThreadQueue::Post(SMessage const &msg) {
     Lock lock(mutex);
-    if (closed) return false;
-    posted.push_back(msg);
+    if (closed || !posted.Push(msg)) return false;
     Changed();
+    bool const wake = ownerSleeping;
+    lock.unlock();
+    if (wake) changed.notify_one();
     return true;
 }
 
@@ -93,6 +117,7 @@ bool CThreadQueue::PostQuit(int32_t exitCode) {
     quit = true;
     quitCode = exitCode;
     Changed();
+    WakeOwner();
     return true;
 }
 
@@ -104,6 +129,7 @@ intptr_t CThreadQueue::Send(CMessageWindow *window, uint32_t message, uintptr_t 
         if (closed) return 0;
         incoming.push_back(&sent);
         Changed();
+        WakeOwner();
     }
     me->AwaitReply(sent);
     return sent.result;
@@ -115,7 +141,7 @@ void CThreadQueue::AwaitReply(SSent &sent) {
     Lock lock(mutex);
     while (!sent.done) {
         if (incoming.empty()) {
-            changed.wait(lock);
+            Sleep(lock, Clock::time_point::max());
             continue;
         }
         SSent *next = incoming.front();
@@ -127,17 +153,14 @@ void CThreadQueue::AwaitReply(SSent &sent) {
     }
 }
 
-void CThreadQueue::ServeSent() {
-    for (;;) {
-        SSent *next;
-        {
-            Lock lock(mutex);
-            if (incoming.empty()) return;
-            next = incoming.front();
-            incoming.pop_front();
-            Changed();
-        }
+void CThreadQueue::ServeSent(Lock &lock) {
+    while (!incoming.empty()) {
+        SSent *next = incoming.front();
+        incoming.pop_front();
+        Changed();
+        lock.unlock();
         Serve(next);
+        lock.lock();
     }
 }
 
@@ -152,7 +175,7 @@ void CThreadQueue::Complete(SSent *sent, intptr_t result) {
     Lock lock(sender->mutex);
     sent->result = result;
     sent->done = true;
-    sender->changed.notify_all();
+    sender->WakeOwner();
 }
 
 void CThreadQueue::CompleteAll(std::vector<SSent *> const &sent) {
@@ -164,7 +187,7 @@ void CThreadQueue::Forget(CMessageWindow *window) {
     std::vector<SSent *> released;
     {
         Lock lock(mutex);
-        std::erase_if(posted, [window](SMessage const &msg) { return msg.window == window; });
+        posted.RemoveIf([window](SMessage const &msg) { return msg.window == window; });
         for (auto it = incoming.begin(); it != incoming.end();) {
             if ((*it)->window != window) {
                 ++it;
@@ -178,13 +201,31 @@ void CThreadQueue::Forget(CMessageWindow *window) {
     CompleteAll(released);
 }
 
-bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
-    ServeSent();
+std::vector<SMessage> CThreadQueue::TakePosted(CMessageWindow *window, bool (*match)(SMessage const &, void *),
+                                               void *context) {
+    std::vector<SMessage> taken;
     Lock lock(mutex);
+    bool full = false;
+    posted.RemoveIf([&](SMessage const &msg) {
+        if (full || msg.window != window || !match(msg, context)) return false;
+        try {
+            taken.push_back(msg);
+        } catch (std::bad_alloc const &) {
+            full = true;
+        }
+        return !full;
+    });
+    Changed();
+    return taken;
+}
+
+bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
+    Lock lock(mutex);
+    ServeSent(lock);
     bool const remove = (flags & kPeekRemove) != 0;
-    if (!(flags & kPeekSentOnly) && !posted.empty()) {
-        msg = posted.front();
-        if (remove) posted.pop_front();
+    if (!(flags & kPeekSentOnly) && !posted.Empty()) {
+        msg = posted.Front();
+        if (remove) posted.PopFront();
         Changed();
         return true;
     }
@@ -209,7 +250,7 @@ bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
 bool CThreadQueue::HasInput(uint32_t wakeMask, Clock::time_point now) const {
     if (!incoming.empty() || quit) return true;
     if (wakeMask != kWakeAll) return false;
-    return !posted.empty() ||
+    return !posted.Empty() ||
            std::any_of(timers.begin(), timers.end(), [now](STimer const &timer) { return timer.due <= now; });
 }
 
@@ -254,10 +295,7 @@ EWakeReason CThreadQueue::Wait(IWaitable *object, uint32_t timeout, uint32_t wak
         Clock::time_point until = deadline;
         std::optional<Clock::time_point> const timerDue = NextTimerDue();
         if (wakeMask == kWakeAll && timerDue) until = std::min(until, *timerDue);
-        if (until == Clock::time_point::max())
-            changed.wait(lock);
-        else
-            changed.wait_until(lock, until);
+        Sleep(lock, until);
     }
     if (object) object->EndWait(this);
     return reason;

@@ -9,6 +9,10 @@
 // Locks: one mutex per queue guards everything in it. A queue never holds its
 // mutex while it runs a handler or calls an IWaitable; an IWaitable may call
 // Wake under its own lock. Completing a send locks the sender's queue alone.
+//
+// Only the owning thread ever sleeps on a queue (in Wait, or awaiting the
+// reply to a send), so a post wakes it only when it sleeps, and posting to a
+// busy thread costs one lock and no system call.
 #pragma once
 
 #include <chrono>
@@ -21,6 +25,7 @@
 #include <vector>
 
 #include "qv/platform/MessageQueue.h"
+#include "qv/platform/MessageRing.h"
 #include "qv/platform/QueueSignal.h"
 #include "qv/platform/Waitable.h"
 
@@ -46,6 +51,10 @@ public:
     // sent messages, until the owner has run the message.
     intptr_t Send(CMessageWindow *window, uint32_t message, uintptr_t wParam, intptr_t lParam);
     void Forget(CMessageWindow *window);
+    // Takes the messages posted to window for which match(msg, context) is
+    // true out of the queue, oldest first. Stops taking when the result
+    // cannot grow.
+    std::vector<SMessage> TakePosted(CMessageWindow *window, bool (*match)(SMessage const &, void *), void *context);
     void Wake() override;
 
     // The owning thread.
@@ -77,7 +86,7 @@ private:
 
     void Close();
     void AwaitReply(SSent &sent);
-    void ServeSent();
+    void ServeSent(Lock &lock);
     static void Serve(SSent *sent);
     static void Complete(SSent *sent, intptr_t result);
     static void CompleteAll(std::vector<SSent *> const &sent);
@@ -86,18 +95,21 @@ private:
     STimer *DueTimer(Clock::time_point now);
     std::optional<Clock::time_point> NextTimerDue() const;
     void Changed();
+    void WakeOwner();
+    void Sleep(Lock &lock, Clock::time_point until);
     void Rearm();
 
     uint32_t const threadId;
     std::mutex mutex;
     std::condition_variable changed;
-    std::deque<SMessage> posted;
+    CMessageRing posted;
     std::deque<SSent *> incoming;
     std::vector<STimer> timers;
     bool quit = false;
     int32_t quitCode = 0;
     bool poked = false;
     bool closed = false;
+    bool ownerSleeping = false;
     CQueueSignal signal;
 };
 

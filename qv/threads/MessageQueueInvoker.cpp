@@ -1,7 +1,5 @@
 #include "qv/threads/MessageQueueInvoker.h"
 
-#include <new>
-
 #include "qv/platform/ThreadId.h"
 #include "qv/platform/Ticks.h"
 #include "qv/threads/COMScope.h"
@@ -12,7 +10,7 @@ namespace qv {
 namespace {
 
 // The message numbers are the window's protocol: 0x400 carries a call to run
-// now, 0x401 asks for one queued entry.
+// now, 0x401 carries one queued entry.
 constexpr uint32_t kInvokeMessage = 0x400;
 constexpr uint32_t kQueuedMessage = 0x401;
 // CCOMScope's apartment-threaded mode.
@@ -29,11 +27,8 @@ CMessageQueueInvoker::CMessageQueueInvoker(bool init) {
 }
 
 CMessageQueueInvoker::~CMessageQueueInvoker() {
+    if (window) DropPosted([](SMessage const &, void *) { return true; }, nullptr);
     window.reset();
-    std::lock_guard<std::mutex> lock(mutex);
-    for (QUEUE_ENTRY const &entry : queue)
-        Drop(entry);
-    queue.clear();
 }
 
 bool CMessageQueueInvoker::Init() {
@@ -47,31 +42,38 @@ void CMessageQueueInvoker::Invoke(IInvokable *invokable) {
     if (window) window->Send(kInvokeMessage, 0, reinterpret_cast<intptr_t>(invokable));
 }
 
+// False also when the owning thread has ended: nothing would run the call.
 bool CMessageQueueInvoker::Queue(IInvokable *invokable, bool autoDelete) {
-    if (!window) return false;
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        try {
-            queue.push_back(QUEUE_ENTRY{invokable, autoDelete});
-        } catch (std::bad_alloc const &) {
-            return false;
-        }
-    }
-    window->Post(kQueuedMessage, 0, reinterpret_cast<intptr_t>(this));
-    return true;
+    return window && window->Post(kQueuedMessage, autoDelete ? 1 : 0, reinterpret_cast<intptr_t>(invokable));
 }
 
 void CMessageQueueInvoker::DequeueDuplicates(void *target, CMethodId const &method) {
-    std::lock_guard<std::mutex> lock(mutex);
-    for (auto i = queue.begin(); i != queue.end();) {
-        QUEUE_ENTRY const entry = *i;
-        if (!entry.invokable->UsesHandler(target, method)) {
-            ++i;
-            continue;
-        }
-        i = queue.erase(i);
-        Drop(entry);
+    struct SHandler {
+        void *target;
+        CMethodId const *method;
+    } handler{target, &method};
+    if (window)
+        DropPosted(
+            [](SMessage const &msg, void *context) {
+                auto const *wanted = static_cast<SHandler const *>(context);
+                IInvokable *invokable = EntryOf(msg).invokable;
+                return invokable && invokable->UsesHandler(wanted->target, *wanted->method);
+            },
+            &handler);
+}
+
+// Entries leave the queue under its lock; deleting them waits until it is
+// given up, since a destructor may well post again.
+void CMessageQueueInvoker::DropPosted(bool (*match)(SMessage const &, void *), void *context) {
+    for (SMessage const &msg : window->TakePosted(match, context)) {
+        QUEUE_ENTRY const entry = EntryOf(msg);
+        if (entry.autoDelete) delete entry.invokable;
     }
+}
+
+CMessageQueueInvoker::QUEUE_ENTRY CMessageQueueInvoker::EntryOf(SMessage const &msg) {
+    if (msg.message != kQueuedMessage) return QUEUE_ENTRY{nullptr, false};
+    return QUEUE_ENTRY{reinterpret_cast<IInvokable *>(msg.lParam), msg.wParam != 0};
 }
 
 uint32_t CMessageQueueInvoker::GetThreadID() {
@@ -88,29 +90,19 @@ intptr_t CMessageQueueInvoker::OnMessage(uint32_t message, uintptr_t wParam, int
         invokable->Invoke();
         if (wParam != 0) delete invokable;
     } else if (message == kQueuedMessage) {
-        RunOneQueued();
+        RunQueued(QUEUE_ENTRY{reinterpret_cast<IInvokable *>(lParam), wParam != 0});
     }
     return 0;
 }
 
 // A queued call that pumps messages runs the next 0x401 nested; that nested
-// turn posts its message again, so the outer loop still gets a turn for every
-// entry. busy ends with the first turn that finishes, as existing callers
-// expect.
-void CMessageQueueInvoker::RunOneQueued() {
-    if (busy) window->Post(kQueuedMessage, 0, reinterpret_cast<intptr_t>(this));
+// turn posts an empty 0x401 again, so the outer loop still gets a turn for
+// every entry. busy ends with the first turn that finishes, as existing
+// callers expect.
+void CMessageQueueInvoker::RunQueued(QUEUE_ENTRY const &entry) {
+    if (busy) window->Post(kQueuedMessage, 0, 0);
     busy = true;
-    QUEUE_ENTRY entry;
-    bool taken;
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        taken = !queue.empty();
-        if (taken) {
-            entry = queue.front();
-            queue.pop_front();
-        }
-    }
-    if (taken) {
+    if (entry.invokable) {
         entry.invokable->Invoke();
         if (entry.autoDelete) delete entry.invokable;
     }
@@ -119,10 +111,6 @@ void CMessageQueueInvoker::RunOneQueued() {
 
 bool CMessageQueueInvoker::PostQuit() {
     return window && window->PostQuit(0);
-}
-
-void CMessageQueueInvoker::Drop(QUEUE_ENTRY const &entry) {
-    if (entry.autoDelete) delete entry.invokable;
 }
 
 CInvokerThread::CInvokerThread() {

@@ -8,8 +8,10 @@
 /// constructor does). Invoke sends message 0x400 to the window: from that
 /// thread it runs at once, from another thread the caller blocks until the
 /// owner's loop has run it (and meanwhile serves calls sent to its own
-/// thread). Queue adds an entry and posts 0x401; each 0x401 runs at most one
-/// entry, so queued calls never starve the loop. The owning thread has to pump
+/// thread). Queue posts 0x401 carrying its entry (lParam the call, wParam 1
+/// when the invoker deletes it), so a queued call costs the thread queue's one
+/// lock; each 0x401 runs at most one entry, so queued calls never starve the
+/// loop. The owning thread has to pump
 /// its queue (GetQueuedMessage/DispatchQueuedMessage, GetMessageQueueFd with a
 /// loop of its own, SafeWait, or a pumping CEvent::Wait); without a pump no
 /// queued call ever runs and Invoke from another thread blocks for ever.
@@ -28,14 +30,12 @@
 /// signalled.
 ///
 /// Threads: Invoke, Queue, DequeueDuplicates and GetThreadID may be called
-/// from any thread; the queue is guarded by a mutex that is never held while
-/// a call runs.
+/// from any thread; the entries wait in the owning thread's message queue,
+/// whose mutex is never held while a call runs.
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <memory>
-#include <mutex>
 
 #include "qv/core/Export.h"
 #include "qv/platform/MessageQueue.h"
@@ -80,15 +80,14 @@ private:
     explicit CMessageQueueInvoker(bool init);
 
     intptr_t OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override;
-    void RunOneQueued();
+    void RunQueued(QUEUE_ENTRY const &entry);
     bool PostQuit();
-    static void Drop(QUEUE_ENTRY const &entry);
+    void DropPosted(bool (*match)(SMessage const &msg, void *context), void *context);
+    static QUEUE_ENTRY EntryOf(SMessage const &msg);
 
     uint32_t threadId = 0;
     std::unique_ptr<CMessageWindow> window;
-    std::mutex mutex; ///< guards queue
     bool busy = false;
-    std::deque<QUEUE_ENTRY> queue; ///< taken from the front in constant time
 };
 
 /// @copydoc MessageQueueInvoker.h

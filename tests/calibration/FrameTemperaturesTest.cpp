@@ -108,6 +108,29 @@ TEST(FrameTemperatures, TheTableGrowsFrameAfterFrame) {
     }
 }
 
+// A frame that leaves the table part-way grows it from there on, or, when the
+// rest spans too much for a table, takes the rest count by count.
+TEST(FrameTemperatures, AFrameLeavingTheTablePartWay) {
+    CalibratedPage p;
+    CFrameTemperatures frame;
+    ASSERT_TRUE(frame.SetPage(p.cal, p.page, TT_Celsius));
+    auto convert = [&](std::vector<int32_t> counts) {
+        std::vector<double> out(counts.size(), -1.0);
+        ASSERT_TRUE(frame.Convert({counts.data(), DT_Int32}, {out.data(), DT_Double}, uint32_t(counts.size())));
+        for (size_t i = 0; i < counts.size(); ++i)
+            ASSERT_EQ(out[i], PerValue<double>(p.cal, p.page, counts[i], TT_Celsius)) << i << ": " << counts[i];
+    };
+    convert(Spread<int32_t>(5000, 1, 100));
+    std::vector<int32_t> grows = Spread<int32_t>(5000, 1, 100), wide = grows;
+    for (int32_t c : Spread<int32_t>(1000, 4, 2000))
+        grows.push_back(c);
+    convert(grows);
+    for (int32_t c : Spread<int32_t>(-2000000000, 1000003, 4000))
+        wide.push_back(c);
+    convert(wide);
+    convert(grows);
+}
+
 TEST(FrameTemperatures, FloatingPointCountsFollowHornersRule) {
     CalibratedPage p;
     std::vector<double> counts;

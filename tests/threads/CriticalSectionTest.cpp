@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/single_threaded.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -22,6 +28,47 @@ TEST(CriticalSection, RecursiveForItsThreadExclusiveForOthers) {
         section.Leave();
     });
     EXPECT_TRUE(test::StillBlocked(other)) << "one Leave of two must keep the section";
+    section.Leave();
+    ASSERT_TRUE(test::Finishes(other));
+    EXPECT_TRUE(entered);
+}
+
+// While the process has a single thread, Enter and Leave take their plain
+// path. The test runs again in a process of its own, where no thread has
+// started yet: recursion there, then a thread started while the lock is
+// held, which must wait for the Leave made after it started.
+TEST(CriticalSection, SingleThreadedPathAndThreadsStartedWhileHeld) {
+    if (!std::getenv("QV_TEST_SINGLE_THREADED")) {
+        std::string filter = "--gtest_filter=CriticalSection.SingleThreadedPathAndThreadsStartedWhileHeld";
+        char *argv[] = {const_cast<char *>("/proc/self/exe"), filter.data(), nullptr};
+        std::vector<char *> env;
+        std::string mark = "QV_TEST_SINGLE_THREADED=1";
+        env.push_back(mark.data());
+        for (char **e = environ; *e; ++e)
+            env.push_back(*e);
+        env.push_back(nullptr);
+        pid_t pid;
+        ASSERT_EQ(posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv, env.data()), 0);
+        int status = 0;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        return;
+    }
+    if (!__libc_single_threaded) GTEST_SKIP() << "this process has threads already";
+    CCriticalSection section;
+    section.Enter();
+    section.Enter();
+    section.Leave();
+    section.Leave();
+    section.Enter();
+    bool entered = false;
+    auto other = test::AsyncVoid([&] {
+        section.Enter();
+        entered = true;
+        section.Leave();
+    });
+    EXPECT_FALSE(__libc_single_threaded);
+    EXPECT_TRUE(test::StillBlocked(other)) << "taken while single-threaded, still held";
     section.Leave();
     ASSERT_TRUE(test::Finishes(other));
     EXPECT_TRUE(entered);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "ThreadTestSupport.h"
@@ -176,6 +177,54 @@ TEST(InvokerThread, RunsCallsOnItsWorkerInOrder) {
     worker.Queue(&signal, false);
     ASSERT_TRUE(last.Wait(kLimitMs));
     EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+// Once the invoker's thread has ended nothing would run a call: Queue refuses
+// it and the caller keeps it. Calls that were still waiting then are deleted
+// (autoDelete) without running when the invoker goes.
+TEST(MessageQueueInvoker, AfterItsThreadEndedQueueRefusesAndPendingCallsAreDropped) {
+    std::atomic<int> deleted{0};
+    int ran = 0;
+    std::unique_ptr<CMessageQueueInvoker> invoker;
+    std::thread owner([&] {
+        invoker = std::make_unique<CMessageQueueInvoker>();
+        invoker->Queue(new Call([&] { ++ran; }, &deleted), true); // never pumped
+    });
+    owner.join();
+    auto *late = new Call([&] { ++ran; }, &deleted);
+    EXPECT_FALSE(invoker->Queue(late, true));
+    EXPECT_EQ(deleted, 0) << "a refused call stays the caller's";
+    delete late;
+    invoker.reset();
+    EXPECT_EQ(deleted, 2);
+    EXPECT_EQ(ran, 0);
+}
+
+TEST(InvokerThread, ManyCallsFromTwoThreadsRunInEachThreadsOrder) {
+    CInvokerThread worker;
+    constexpr int kEach = 5000;
+    std::vector<int> next(2, 0);
+    std::atomic<bool> inOrder{true};
+    std::atomic<int> ran{0};
+    auto post = [&](int poster) {
+        return test::AsyncVoid([&, poster] {
+            for (int i = 0; i < kEach; ++i)
+                EXPECT_TRUE(worker.Queue(new Call([&, poster, i] {
+                                             if (next[poster]++ != i) inOrder = false;
+                                             ++ran;
+                                         }),
+                                         true));
+        });
+    };
+    auto first = post(0), second = post(1);
+    ASSERT_TRUE(test::Finishes(first));
+    ASSERT_TRUE(test::Finishes(second));
+    CEvent last(false, true);
+    Call signal([&] { last.Signal(); });
+    worker.Queue(&signal, false);
+    ASSERT_TRUE(last.Wait(kLimitMs));
+    EXPECT_EQ(ran, 2 * kEach);
+    EXPECT_TRUE(inOrder);
 }
 
 // Two threads whose invokers call each other: the one blocked in Invoke

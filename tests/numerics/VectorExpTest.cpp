@@ -1,0 +1,81 @@
+// qv's own exponential (Planck's): within an ulp of the C library's exp and
+// nearly always its bits, four lanes giving the bits of one, the C library's
+// own results where the range ends.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "qv/numerics/VectorExp.h"
+
+using namespace qv::numerics_detail;
+
+namespace {
+
+double Ulp(double v) {
+    return std::nextafter(v, std::numeric_limits<double>::infinity()) - v;
+}
+
+bool SameBits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// Exp and ExpMarked of four values; lanes ExpMarked marks are the scalar Exp's.
+void CheckFour(ExpVector const &x) {
+    ExpVector y;
+    ExpBits outside{};
+    ExpMarked(x, y, outside);
+    for (int i = 0; i < 4; ++i) {
+        double one;
+        Exp(x[i], one);
+        if (outside[i])
+            EXPECT_FALSE(ExpInRangeFor(x[i])) << x[i];
+        else
+            EXPECT_TRUE(SameBits(y[i], one)) << x[i];
+    }
+}
+
+} // namespace
+
+TEST(VectorExp, WithinAnUlpOfTheCLibraryAndNearlyAlwaysItsBits) {
+    std::mt19937_64 random(21);
+    for (auto [low, high] : {std::pair{-708.0, 709.0}, std::pair{-1.0, 1.0}, std::pair{0.0, 60.0}}) {
+        std::uniform_real_distribution<double> draw(low, high);
+        int same = 0;
+        constexpr int kDraws = 200000;
+        for (int i = 0; i < kDraws; i += 4) {
+            ExpVector x{draw(random), draw(random), draw(random), draw(random)};
+            CheckFour(x);
+            for (int k = 0; k < 4; ++k) {
+                double y;
+                Exp(x[k], y);
+                double const want = std::exp(x[k]);
+                ASSERT_LE(std::fabs(y - want), Ulp(want)) << x[k];
+                same += y == want;
+            }
+        }
+        EXPECT_GE(same, kDraws * 99 / 100) << low << " to " << high;
+    }
+}
+
+TEST(VectorExp, ExactWhereExactAndTheCLibrarysBeyondTheRange) {
+    double y;
+    Exp(0.0, y);
+    EXPECT_EQ(y, 1.0);
+    Exp(-0.0, y);
+    EXPECT_EQ(y, 1.0);
+    double const inf = std::numeric_limits<double>::infinity();
+    for (double x : {kExpLowest, kExpHighest, std::nextafter(kExpLowest, -inf), std::nextafter(kExpHighest, inf), 709.7,
+                     709.79, 710.0, -720.0, -745.0, -746.0, 1e300, -1e300, inf, -inf, std::nan("")}) {
+        Exp(x, y);
+        double const want = std::exp(x);
+        if (ExpInRangeFor(x))
+            EXPECT_LE(std::fabs(y - want), Ulp(want)) << x;
+        else
+            EXPECT_TRUE(SameBits(y, want)) << x;
+    }
+    CheckFour(ExpVector{710.0, -1.0, std::nan(""), -746.0});
+    CheckFour(ExpVector{kExpLowest, kExpHighest, 0.5, -inf});
+}
