@@ -110,7 +110,9 @@ public:
     ///@}
 
     /// A new empty block; its place in the array, or kNoIndex on failure.
-    /// id 0xFFFFFFFF takes the next free id.
+    /// id 0xFFFFFFFF takes the next free id. When the table has to grow, the
+    /// blocks move; a container that writes its table at once then fails if
+    /// that write fails (the table is written again at the next Save).
     uint32_t CreateIndex(uint16_t type, uint16_t subtype, uint32_t version, uint32_t id);
     /// Place of the first index at or after start with this type, subtype
     /// (0xFFFF: any) and a version in [minVersion, maxVersion]; kNoIndex if none.
