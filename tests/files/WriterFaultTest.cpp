@@ -68,7 +68,8 @@ protected:
     Bytes before = Pattern(20000, 3);
     IFile::EditOutcome outcome = IFile::EditOutcome::Done;
 
-    // Runs edit on the file under every fault; from and shift as ExpectNoByteLost takes them.
+    // Runs edit on the file under every fault; from and shift as ExpectNoByteLost takes them
+    // (an insert's scratch room starts at the new end).
     void Check(std::function<bool(CFile &)> const &edit, int64_t from, int64_t shift) {
         Bytes after;
         int runs = RunUnderFaults(
@@ -91,7 +92,7 @@ protected:
                 } else {
                     EXPECT_EQ(outcome, IFile::EditOutcome::Damaged);
                     EXPECT_TRUE(run.sticky) << "a fault that passes is undone";
-                    ExpectNoByteLost(before, now, from, shift);
+                    ExpectNoByteLost(before, now, from, shift, shift > 0 ? int64_t(before.size()) + shift : -1);
                 }
             },
             WithoutClose());

@@ -58,3 +58,51 @@ TEST(VQRFaults, GrowingAndShrinkingABlockKeepsTheOthers) {
 
 } // namespace
 } // namespace qv::test
+
+namespace qv::test {
+namespace {
+
+// The fifth block grows the table, which moves every block and writes the
+// table at once.
+TEST(VQRFaults, AddingABlockThatGrowsTheTableKeepsTheOthers) {
+    ScratchDir dir;
+    std::string path = dir.Path("t.vqr");
+    std::u16string wide = Wide(path);
+    std::vector<Bytes> blocks = {Pattern(3000, 1), Pattern(2000, 2), Pattern(1000, 3), Pattern(1500, 4)};
+    {
+        CVQRFile vqr;
+        ASSERT_TRUE(vqr.Create(wide.c_str()));
+        for (Bytes const &b : blocks)
+            ASSERT_TRUE(SetBlock(vqr.GetIndexAt(vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF)), b));
+    }
+    FaultBytes original = FileBytes(path);
+    Bytes added = Pattern(500, 7);
+    int runs = RunUnderFaults(
+        [&] { WriteDiskBytes(path, original); },
+        [&] {
+            CVQRFile vqr;
+            if (!vqr.Open(wide.c_str(), true) || !vqr.ReOpenForWrite()) return false;
+            uint32_t i = vqr.CreateIndex(2, 0, 0, 0xFFFFFFFF);
+            bool done = i == 4 && SetBlock(vqr.GetIndexAt(i), added);
+            return vqr.Save() && done;
+        },
+        [&](FaultRun const &run) {
+            ExpectFailureReported(run);
+            if (run.sticky && !run.succeeded) return;
+            CVQRFile vqr;
+            ASSERT_TRUE(vqr.Open(wide.c_str(), true)) << "the container no longer opens";
+            if (run.succeeded) {
+                ASSERT_EQ(vqr.GetIndexCount(), 5u);
+                EXPECT_EQ(BlockBytes(vqr.GetIndexAt(4)), added);
+            }
+            ASSERT_GE(vqr.GetIndexCount(), 4u);
+            for (uint32_t i = 0; i < blocks.size(); ++i)
+                EXPECT_EQ(Crc(BlockBytes(vqr.GetIndexAt(i))), Crc(blocks[i])) << "block " << i;
+        },
+        {Fault::kWrite, Fault::kWriteShort, Fault::kRead, Fault::kLseek, Fault::kFtruncate, Fault::kFallocate,
+         Fault::kFsync, Fault::kCopyFileRange});
+    EXPECT_GT(runs, 20);
+}
+
+} // namespace
+} // namespace qv::test

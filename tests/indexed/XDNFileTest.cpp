@@ -1,4 +1,5 @@
-// CXDNFile: exact bytes, item-size rule, new blocks at the end, hostile files.
+// CXDNFile: exact bytes, item-size rule, new blocks at the end, hostile files,
+// containers inside a CDFS and in memory.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -6,6 +7,8 @@
 
 #include "files/FileTestSupport.h"
 #include "indexed/IndexedTestSupport.h"
+#include "qv/filesystems/CDFileSystem.h"
+#include "qv/filesystems/MemFileSystem.h"
 #include "qv/formats/indexed/XDNFile.h"
 
 namespace qv::test {
@@ -144,6 +147,68 @@ TEST(XDNFile, GrowingTheTableWaitsForSave) {
     ASSERT_EQ(back.GetIndexCount(), 5u);
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(BlockBytes(back.GetIndexAt(uint32_t(i))), Pattern(size_t(20 + i), i));
+}
+
+TEST(XDNFile, ContainerInsideACDFS) {
+    ScratchDir dir;
+    std::u16string box = Wide(dir.Path("box.cdfs"));
+    CCDFileSystem cdfs;
+    ASSERT_TRUE(cdfs.Create(box.c_str(), false));
+    {
+        CXDNFile inner;
+        ASSERT_TRUE(inner.Create(&cdfs, u"inner.xdn"));
+        inner.CreateIndex(1, 0, 0, 0xFFFFFFFF);
+        inner.CreateIndex(2, 0, 0, 0xFFFFFFFF);
+        ASSERT_TRUE(SetBlock(inner.GetIndexAt(1), Pattern(200, 5)));
+        ASSERT_TRUE(SetBlock(inner.GetIndexAt(0), Pattern(100, 4))); // moves the second block up
+        inner.SetUserValue(77);
+    }
+    {
+        CXDNFile inner;
+        ASSERT_TRUE(inner.Open(&cdfs, u"inner.xdn", false));
+        EXPECT_EQ(inner.GetUserValue(), 77u);
+        ASSERT_EQ(inner.GetIndexCount(), 2u);
+        EXPECT_EQ(BlockBytes(inner.GetIndexAt(1)), Pattern(200, 5));
+        ASSERT_TRUE(SetBlock(inner.GetIndexAt(0), Pattern(10, 6))); // shrink: the second moves down
+        EXPECT_EQ(BlockBytes(inner.GetIndexAt(1)), Pattern(200, 5));
+    }
+    cdfs.Close();
+    CCDFileSystem again;
+    ASSERT_TRUE(again.Open(box.c_str(), true));
+    CXDNFile inner;
+    ASSERT_TRUE(inner.Open(&again, u"inner.xdn", true));
+    EXPECT_EQ(BlockBytes(inner.GetIndexAt(0)), Pattern(10, 6));
+    EXPECT_EQ(BlockBytes(inner.GetIndexAt(1)), Pattern(200, 5));
+}
+
+// A memory file system serves the caller's block: a container there opens,
+// and edits stay in the open file (the file system keeps no new files).
+TEST(XDNFile, ContainerInMemory) {
+    Bytes image = BuildXDN({Record{1, 0, 0, 1, 0xC0, 16, 0, 1}, Record{2, 0, 0, 2, 0xD0, 8, 0, 2}}, 4, 0xE0);
+    Bytes first = Pattern(16, 1), second = Pattern(16, 2);
+    std::copy(first.begin(), first.end(), image.begin() + 0xC0);
+    std::copy(second.begin(), second.end(), image.begin() + 0xD0);
+    CMemFileSystem fs;
+    ASSERT_TRUE(fs.AddFile(u"/m.xdn", image.data(), uint32_t(image.size())));
+    CXDNFile xdn;
+    EXPECT_FALSE(xdn.Create(&fs, u"/new.xdn"));
+    EXPECT_FALSE(xdn.IsOpen());
+    ASSERT_TRUE(xdn.Open(&fs, u"/m.xdn", false));
+    EXPECT_EQ(xdn.GetUserValue(), 0x11223344u);
+    ASSERT_EQ(xdn.GetIndexCount(), 2u);
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(0)), first);
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(1)), second); // 8 bytes times 2 items
+    ASSERT_TRUE(SetBlock(xdn.GetIndexAt(0), Pattern(40, 3)));
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(1)), second);
+    ASSERT_TRUE(SetBlock(xdn.GetIndexAt(0), Pattern(4, 4)));
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(1)), second);
+    ASSERT_EQ(xdn.CreateIndex(3, 0, 0, 0xFFFFFFFF), 2u);
+    ASSERT_TRUE(SetBlock(xdn.GetIndexAt(2), Pattern(30, 5)));
+    EXPECT_EQ(xdn.GetIndexAt(2)->getOffset(), 0xC0u + 4 + 16);
+    EXPECT_TRUE(xdn.Save());
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(0)), Pattern(4, 4));
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(1)), second);
+    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(2)), Pattern(30, 5));
 }
 
 } // namespace

@@ -208,11 +208,19 @@ uint32_t CIndexedContainer::CreateIndex(uint16_t type, uint16_t subtype, uint32_
         if (index->m_offset >= tableEnd) index->m_offset += kSlotsPerGrowth * kSlotSize;
         MoveBlocksFrom(tableEnd, kSlotsPerGrowth * kSlotSize);
         m_slots += kSlotsPerGrowth;
+        m_dirty = true;
+        // Blocks have moved: the table on disk must say so at once. When it
+        // cannot, the caller hears it: no index is made (the grown table is
+        // written again at the next Save). The new block is empty, so it
+        // joins the table only then.
+        if (SavesWhenTableGrows() && !Save()) {
+            delete index;
+            return kNoIndex;
+        }
         if (!m_indices.Add(index)) {
             delete index;
             return kNoIndex;
         }
-        if (SavesWhenTableGrows()) Save(); // blocks have moved: the table on disk must say so at once
     } else if (!m_indices.Add(index)) {
         delete index;
         return kNoIndex;

@@ -51,6 +51,7 @@ public:
     bool Create(IFileSystem *fs, char16_t const *path);
     bool Create(char16_t const *path);
     ///@}
+    /// End of the block with the largest offset; (slots + 2) * 32 with no blocks.
     int64_t GetEndOfData() const { return m_endOfData; }
 
 private:

@@ -45,6 +45,7 @@ public:
     ///@}
 
     uint32_t GetUserValue() const { return m_userValue; } ///< the value at offset 52
+    /// Sets the value at offset 52; written at the next Save.
     void SetUserValue(uint32_t value) {
         m_userValue = value;
         m_dirty = true;
