@@ -1,6 +1,7 @@
 #!/bin/sh
 # Builds every libFuzzer target with clang (address and undefined sanitizers)
 # and runs each for a short time on its seed corpus. Seconds per target: $1 (20).
+# One input running over a minute counts as a failure: a hang must not stall CI.
 set -eu
 cd "$(dirname "$0")/.."
 seconds=${1:-20}
@@ -16,7 +17,7 @@ for src in fuzz/*.cpp; do
   [ -d "fuzz/corpus/$name" ] && cp -r "fuzz/corpus/$name/." "$corpus/"
   echo "== fuzz_$name for ${seconds}s"
   log="$corpus.log"
-  if ! "$build/fuzz/fuzz_$name" -max_total_time="$seconds" -rss_limit_mb=2048 -print_final_stats=1 "$corpus" >"$log" 2>&1; then
+  if ! "$build/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "$corpus" >"$log" 2>&1; then
     cat "$log"
     exit 1
   fi
