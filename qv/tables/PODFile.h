@@ -28,7 +28,9 @@ public:
     static constexpr uint32_t kRowCacheSize = 64;
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
 
-    CPODFile();
+    /// A closed table. windowBudget: bytes of the row index and of the diff
+    /// file held in memory each (512 KiB by default; less trades speed for memory).
+    explicit CPODFile(uint32_t windowBudget = CPersistedArray::kWindowBudget);
     ~CPODFile() override;
     CPODFile(CPODFile const &) = delete;
     CPODFile &operator=(CPODFile const &) = delete;
@@ -61,8 +63,12 @@ public:
     bool IsOpen() const { return isOpen; }
     bool IsModified() const { return isModified; }
     int MoveRowToCache(uint32_t row); ///< the row-cache slot, -1 on failure
-    void MoveRowToDiffCache(uint32_t slot);
-    void MoveItemToDiffFile(uint32_t slot);
+    /// Takes the row out of row-cache slot slot, its edited cells into the
+    /// diff cache; false (the row still resident) when a temporary file fails.
+    bool MoveRowToDiffCache(uint32_t slot);
+    /// Writes diff-cache slot slot to the diff file; false (the slot kept)
+    /// when the diff file fails.
+    bool MoveItemToDiffFile(uint32_t slot);
 
     struct Column {
         char16_t name[128], cls[128], unit[64], type[64];
@@ -93,6 +99,16 @@ private:
 
     uint32_t ColumnCount() const { return uint32_t(columns.size()); }
     CellEntry *Cells(uint32_t row);
+    struct SourceStamp {
+        unsigned long long device = 0, inode = 0, size = 0, modified = 0;
+        bool operator==(SourceStamp const &) const = default;
+    };
+
+    bool StartHeader();
+    bool CountPlainColumns();
+    SourceStamp TakeSourceStamp();
+    bool SourceUnchanged();
+    void Damaged();
     bool ReadSourceLine(int64_t position, uint32_t length);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
@@ -110,11 +126,14 @@ private:
     uint32_t rowCursor = 0;
     std::unique_ptr<char[]> line;
     uint32_t diffCursor = 0;
+    uint32_t windowBudget;
     uint32_t liveColumns = 0;
     CSAFFile header;
     IFile *source = nullptr;
+    SourceStamp sourceStamp;
     bool isOpen = false;
     bool isModified = false;
+    bool damaged = false; ///< an edit failed half-way: Save refuses
 };
 
 } // namespace qv
