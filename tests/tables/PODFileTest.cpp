@@ -338,6 +338,11 @@ TEST_F(PODFileTest, ToolReadsSetsShowsAndExportsCells) {
     EXPECT_NE(shown.find("rows 12, columns 2\n"), std::string::npos);
     EXPECT_NE(shown.find("\n3\tr3c0\ta, b\n"), std::string::npos);
     EXPECT_EQ(shown.find("\n4\t"), std::string::npos);
+    EXPECT_EQ(RunTool(qv + " pod show --json " + file + " --rows 3:5"),
+              "{\"file\":\"" + file + "\",\"rows\":12,\"columns\":[{\"name\":\"Time\",\"unit\":\"seconds\","
+              "\"class\":\"Unclassified\",\"type\":\"\"},{\"name\":\"Az\",\"unit\":\"degrees\",\"class\":"
+              "\"Unclassified\",\"type\":\"\"}],\"firstRow\":3,\"cells\":[[\"r3c0\",\"a, b\"],[\"r4c0\",\"r4c1\"]]}\n"
+              "exit 0");
     std::string csv = RunTool(qv + " pod export " + file + " --csv");
     EXPECT_EQ(csv.substr(0, 28), "Time,Az\r\nr0c0,r0c1\r\nr1c0,r1c");
     EXPECT_NE(csv.find("r3c0,\"a, b\"\r\n"), std::string::npos);
