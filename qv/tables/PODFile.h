@@ -22,10 +22,11 @@ namespace qv {
 
 class IFile;
 
+/// @copydoc PODFile.h
 class QV_API CPODFile : public IPODFile {
 public:
-    static constexpr uint32_t kDiffCacheSize = 32;
-    static constexpr uint32_t kRowCacheSize = 64;
+    static constexpr uint32_t kDiffCacheSize = 32; ///< edited cells held in memory before the diff file
+    static constexpr uint32_t kRowCacheSize = 64;  ///< parsed rows held in memory
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
 
     /// A closed table. windowBudget: bytes of the row index and of the diff
@@ -57,11 +58,14 @@ public:
                       char16_t const *type) override;
     bool GetColumnInfo(uint32_t col, char16_t const **name, char16_t const **cls, char16_t const **unit,
                        char16_t const **type) override;
+    /// The number forms of the contract beside the cell forms.
+    ///@{
     using IPODFile::GetValue;
     using IPODFile::PutValue;
+    ///@}
 
-    bool IsOpen() const { return isOpen; }
-    bool IsModified() const { return isModified; }
+    bool IsOpen() const { return isOpen; }         ///< New or Load succeeded, no Destroy since
+    bool IsModified() const { return isModified; } ///< changed since New, Load or Save
     int MoveRowToCache(uint32_t row); ///< the row-cache slot, -1 on failure
     /// Takes the row out of row-cache slot slot, its edited cells into the
     /// diff cache; false (the row still resident) when a temporary file fails.
@@ -70,21 +74,30 @@ public:
     /// when the diff file fails.
     bool MoveItemToDiffFile(uint32_t slot);
 
+    /// A column's four texts and whether it is live.
     struct Column {
+        /// Name, class, unit and type, each with its terminator.
+        ///@{
         char16_t name[128], cls[128], unit[64], type[64];
-        uint32_t live;
+        ///@}
+        uint32_t live; ///< 1 live, 0 removed
     };
 #pragma pack(push, 1)
+    /// Where one cell's value lives, as stored in the row index (10 bytes).
     struct CellEntry {
-        uint32_t state;
-        uint8_t rowSlot;
-        uint8_t diffSlot;
-        uint32_t record;
+        uint32_t state;   ///< 0 empty, 1 source file, 2 row cache, 3 diff cache, 4 diff file, 5 column removed
+        uint8_t rowSlot;  ///< row-cache slot, 0xFF for none
+        uint8_t diffSlot; ///< diff-cache slot, 0xFF for none
+        uint32_t record;  ///< diff-file record, kPODNone for none
     };
 #pragma pack(pop)
+    /// An edited cell in the diff cache, and a record of the diff file (520 bytes).
     struct DiffEntry {
+        /// The cell's row and column.
+        ///@{
         uint32_t row, col;
-        char16_t value[kValueSize];
+        ///@}
+        char16_t value[kValueSize]; ///< the edited text
     };
 
 private:
