@@ -157,6 +157,21 @@ bool CPODFile::SourceUnchanged() {
     return false;
 }
 
+// A file replaced under its name (a rename over it) still reads as the old
+// one through the open handle, so the cells stay right; but saving over that
+// name would drop the other writer's file, so such a save is refused.
+bool CPODFile::SourceStillNamed(IFileSystem &fs, char16_t const *name) {
+    auto *disk = dynamic_cast<CFile *>(source);
+    if (!disk || &fs != &disk->GetFileSystem()) return true;
+    char16_t opened[512], target[512];
+    disk->GetFilename(opened, 512);
+    if (!fs.GetFullPath(target, name, 512) || CString::Compare(opened, target) != 0) return true;
+    SFileIdentity now;
+    if (GetFileIdentity(opened, now) && now.device == sourceStamp.device && now.inode == sourceStamp.inode) return true;
+    SetError(kSourceChanged);
+    return false;
+}
+
 bool CPODFile::ReadSourceLine(int64_t position, uint32_t length) {
     if (!line || !source || length >= kLineSize || !SourceUnchanged() ||
         source->Seek(position, kSeekStart) != position)
@@ -533,7 +548,7 @@ void CPODFile::Damaged() {
 bool CPODFile::Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, bool saveFlag) {
     if (!isOpen || !fs) return false;
     if (damaged) return SetError(kDamaged), false;
-    if (source && !SourceUnchanged()) return false;
+    if (source && (!SourceUnchanged() || !SourceStillNamed(*fs, name))) return false;
     CSAFFile out = header;
     if (mergeHeader && !out.Load(fs, name)) return false;
     char16_t const *rows = out.GetTagValue(u"NumDPs");

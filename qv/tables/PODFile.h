@@ -121,6 +121,7 @@ private:
     bool CountPlainColumns();
     SourceStamp TakeSourceStamp();
     bool SourceUnchanged();
+    bool SourceStillNamed(IFileSystem &fs, char16_t const *name);
     void Damaged();
     bool ReadSourceLine(int64_t position, uint32_t length);
     bool ReadHeaderLines(int64_t &position);

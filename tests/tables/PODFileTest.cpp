@@ -255,6 +255,23 @@ TEST_F(PODFileTest, ASourceChangedWhileOpenGivesNoCellsButAnErrorText) {
     EXPECT_EQ(Bytes(path), changed + "tail\r\n"); // the other writer's bytes stay
 }
 
+TEST_F(PODFileTest, AFileReplacedUnderItsNameStillReadsButIsNotSavedOver) {
+    CPODFile pod;
+    auto path = Path("replaced.pod");
+    MakeTable(pod, 100, path);
+    auto other = Path("other.pod");
+    std::ofstream(std::string(other.begin(), other.end()), std::ios::binary) << "another writer's file\r\n";
+    ASSERT_EQ(std::rename(std::string(other.begin(), other.end()).c_str(), std::string(path.begin(), path.end()).c_str()), 0);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 80)), "r80c0"); // the open handle reads the old file
+    ASSERT_TRUE(pod.PutValue(1, 80, u"edit"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetError()), "The table's file changed on disk while it was open.");
+    EXPECT_EQ(Bytes(path), "another writer's file\r\n");
+    auto elsewhere = Path("elsewhere.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), elsewhere.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetValue(1, 80)), "edit");
+}
+
 // A table made in memory with 16 KiB windows: its row index moves its window
 // every 77 rows and its edits spill through the diff file's 31-record window,
 // so the edits and Save read both temporary files back. Every failed read, write or seek there, in the
