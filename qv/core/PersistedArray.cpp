@@ -30,7 +30,8 @@ std::unique_ptr<IFile> OpenTempItemFile() {
 
 } // namespace
 
-CPersistedArray::CPersistedArray(uint32_t itemSize) : m_itemSize(std::max<uint32_t>(itemSize, 1)) {
+CPersistedArray::CPersistedArray(uint32_t itemSize, uint32_t windowBudget)
+    : m_itemSize(std::max<uint32_t>(itemSize, 1)), m_budget(windowBudget) {
     m_owned = OpenTempItemFile();
     m_file = m_owned.get();
     AllocateWindow();
@@ -52,7 +53,7 @@ CPersistedArray::~CPersistedArray() {
 bool CPersistedArray::IsReady() const { return m_file && m_window && !m_broken; }
 
 bool CPersistedArray::AllocateWindow() {
-    m_capacity = std::max<uint32_t>(kWindowBudget / m_itemSize, 1);
+    m_capacity = std::max<uint32_t>(m_budget / m_itemSize, 1);
     m_window.reset(new (std::nothrow) uint8_t[size_t(m_capacity) * m_itemSize]);
     m_loaded = false;
     m_dirtyLow = m_dirtyHigh = 0;
@@ -121,20 +122,21 @@ bool CPersistedArray::LoadWindow(uint32_t first) {
 }
 
 bool CPersistedArray::ReadItems(uint32_t first, uint32_t n, uint8_t *out) {
-    size_t bytes = size_t(n) * m_itemSize;
-    std::memset(out, 0, bytes);
-    if (m_file->Seek(Offset(first), kSeekStart) != Offset(first)) {
-        // Past the end of the file: nothing to read, the items are new.
-        int64_t size = m_file->GetSize();
-        return size >= 0 && size <= Offset(first);
-    }
-    // Bytes past the file's end, and past the count, read as zeros.
-    uint64_t wanted = first < m_count ? uint64_t(std::min(n, m_count - first)) * m_itemSize : 0;
-    uint64_t done = 0;
-    while (done < wanted) {
-        uint32_t got = m_file->Read(out + done, uint32_t(std::min<uint64_t>(wanted - done, 0x40000000)));
-        if (got == 0) break;
-        done += got;
+    std::memset(out, 0, size_t(n) * m_itemSize);
+    int64_t const size = m_file->GetSize();
+    if (size < 0) return false;
+    // Items past the count, or past the file's end, read as zeros; every byte
+    // the file holds of the others must arrive, or a failed read would pass
+    // for items of zeros.
+    uint64_t const counted = first < m_count ? uint64_t(std::min(n, m_count - first)) * m_itemSize : 0;
+    uint64_t const wanted = size > Offset(first) ? std::min<uint64_t>(counted, uint64_t(size - Offset(first))) : 0;
+    if (wanted == 0) return true;
+    if (m_file->Seek(Offset(first), kSeekStart) != Offset(first)) return false;
+    // An IFile transfers all it can: a short count is the failure.
+    for (uint64_t done = 0; done < wanted;) {
+        uint32_t const chunk = uint32_t(std::min<uint64_t>(wanted - done, 0x40000000));
+        if (m_file->Read(out + done, chunk) != chunk) return false;
+        done += chunk;
     }
     return true;
 }
@@ -143,11 +145,10 @@ bool CPersistedArray::WriteItems(uint32_t first, uint32_t n, uint8_t const *in) 
     if (!MaterialiseUpToCount()) return false;
     if (m_file->Seek(Offset(first), kSeekStart) != Offset(first)) return false;
     uint64_t bytes = uint64_t(n) * m_itemSize;
-    uint64_t done = 0;
-    while (done < bytes) {
-        uint32_t put = m_file->Write(in + done, uint32_t(std::min<uint64_t>(bytes - done, 0x40000000)));
-        if (put == 0) return false;
-        done += put;
+    for (uint64_t done = 0; done < bytes;) {
+        uint32_t const chunk = uint32_t(std::min<uint64_t>(bytes - done, 0x40000000));
+        if (m_file->Write(in + done, chunk) != chunk) return false;
+        done += chunk;
     }
     return true;
 }
@@ -159,6 +160,15 @@ bool CPersistedArray::MaterialiseUpToCount() {
     if (size < 0) return false;
     if (size >= Offset(m_count)) return true;
     return m_file->SetSize(Offset(m_count));
+}
+
+bool CPersistedArray::Append(uint8_t const *items, uint32_t n) {
+    if (!IsReady() || n > UINT32_MAX - 1 - m_count) return false;
+    if (!Flush() || !WriteItems(m_count, n, items)) return false;
+    // A window reaching past the old end holds zeros where the new items are.
+    if (m_loaded && uint64_t(m_first) + m_capacity > m_count) m_loaded = false;
+    m_count += n;
+    return true;
 }
 
 bool CPersistedArray::Remove(uint32_t i) {
@@ -202,7 +212,7 @@ bool CPersistedArray::SetItemSize(uint32_t itemSize) {
 bool CPersistedArray::ResizeItems(uint32_t oldSize, uint32_t newSize) {
     if (!MaterialiseUpToCount()) return false;
     uint32_t big = std::max(oldSize, newSize);
-    uint32_t block = std::max<uint32_t>(kWindowBudget / big, 1);
+    uint32_t block = std::max<uint32_t>(m_budget / big, 1);
     std::unique_ptr<uint8_t[]> buffer(new (std::nothrow) uint8_t[size_t(block) * big]);
     if (!buffer) return false;
     uint32_t blocks = (m_count + block - 1) / block;

@@ -18,7 +18,8 @@
 /// once: a window move keeps an eighth of the window behind the new item.
 ///
 /// Failures. A null result, or false, when the file is missing or a transfer
-/// fails; a window that could not be written back stays in memory (and dirty),
+/// fails (a read that brings fewer bytes than the file holds for the items is
+/// a failure, never items of zeros); a window that could not be written back stays in memory (and dirty),
 /// so no item written through GetItem is lost by a failed move. Item bytes
 /// read from the file are untrusted data: the array never interprets them.
 /// SetItemSize that fails half-way leaves the items unusable and the array
@@ -39,10 +40,12 @@ class IFile;
 /// @copydoc PersistedArray.h
 class QV_API CPersistedArray {
 public:
-    static constexpr uint32_t kWindowBudget = 0x80000; ///< bytes of items held in memory at most
+    static constexpr uint32_t kWindowBudget = 0x80000; ///< bytes of items held in memory at most, by default
 
-    /// An empty array in a new temporary disk file (IsReady false if none could be made).
-    explicit CPersistedArray(uint32_t itemSize = 16);
+    /// An empty array in a new temporary disk file (IsReady false if none
+    /// could be made), holding windowBudget bytes of items in memory (at
+    /// least one item).
+    explicit CPersistedArray(uint32_t itemSize = 16, uint32_t windowBudget = kWindowBudget);
     /// The items already in backing (not owned, left open), whole items only.
     CPersistedArray(IFile &backing, uint32_t itemSize);
     ~CPersistedArray(); ///< writes the window back, closes an owned file
@@ -60,6 +63,9 @@ public:
     /// Item i to read only; as GetItem otherwise.
     uint8_t const *ReadItem(uint32_t i);
 
+    /// Appends n items from items (n * item size bytes) in one write, past
+    /// the window; false, with the count unchanged, on failure.
+    bool Append(uint8_t const *items, uint32_t n);
     /// Cuts item i out; later items move down by one. True with nothing done
     /// when i is not below the count.
     bool Remove(uint32_t i);
@@ -86,6 +92,7 @@ private:
     std::unique_ptr<uint8_t[]> m_window;
     uint32_t m_count = 0;
     uint32_t m_itemSize = 16;
+    uint32_t m_budget = kWindowBudget;
     uint32_t m_capacity = 0;
     uint32_t m_first = 0;       ///< first item held in the window
     uint32_t m_dirtyLow = 0;    ///< dirty items [m_dirtyLow, m_dirtyHigh)

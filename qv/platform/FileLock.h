@@ -10,6 +10,8 @@
 // Threads: one object belongs to one thread.
 #pragma once
 
+#include <cstdint>
+
 #include "qv/core/String.h"
 
 namespace qv {
@@ -37,6 +39,8 @@ struct SFileIdentity {
     bool operator==(SFileIdentity const &) const = default;
 };
 bool GetFileIdentity(char16_t const *path, SFileIdentity &identity);
+// The same for the file an open handle (a CFile's) reads, by fstat.
+bool GetFileIdentity(intptr_t handle, SFileIdentity &identity);
 
 // $XDG_CONFIG_HOME if set and absolute, else $HOME/.config; empty if neither.
 CString GetUserConfigDirectory();

@@ -36,15 +36,31 @@ void CFileLock::Release() {
     fd = -1;
 }
 
-bool GetFileIdentity(char16_t const *path, SFileIdentity &identity) {
-    identity = SFileIdentity();
-    struct stat st;
-    if (::stat(ToDiskName(path).c_str(), &st) != 0) return false;
+namespace {
+
+void TakeIdentity(struct stat const &st, SFileIdentity &identity) {
     identity.device = st.st_dev;
     identity.inode = st.st_ino;
     identity.size = static_cast<unsigned long long>(st.st_size);
     identity.modified = static_cast<unsigned long long>(st.st_mtim.tv_sec) * 1000000000ull +
                         static_cast<unsigned long long>(st.st_mtim.tv_nsec);
+}
+
+} // namespace
+
+bool GetFileIdentity(char16_t const *path, SFileIdentity &identity) {
+    identity = SFileIdentity();
+    struct stat st;
+    if (::stat(ToDiskName(path).c_str(), &st) != 0) return false;
+    TakeIdentity(st, identity);
+    return true;
+}
+
+bool GetFileIdentity(intptr_t handle, SFileIdentity &identity) {
+    identity = SFileIdentity();
+    struct stat st;
+    if (handle < 0 || SysFstat(int(handle), &st) != 0) return false;
+    TakeIdentity(st, identity);
     return true;
 }
 

@@ -5,11 +5,13 @@
 #include <string>
 
 #include "qv/core/String.h"
+#include "qv/files/File.h"
 #include "qv/files/IFile.h"
 #include "qv/files/OpenFlags.h"
 #include "qv/filesystems/AtomicSave.h"
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/tables/PODFields.h"
+#include "qv/platform/FileLock.h"
 #include "qv/tables/PODLineIndex.h"
 
 namespace qv {
@@ -24,6 +26,10 @@ constexpr uint32_t kCellEmpty = 0, kCellSource = 1, kCellRowCache = 2, kCellDiff
                    kCellRemoved = 5;
 constexpr uint32_t kChanged = 1;
 constexpr size_t kFlushAt = 1 << 16;
+constexpr uint32_t kFirstLineSize = 2048; // of a plain text file, whose fields give the column count
+constexpr char16_t kDamaged[] = u"An edit failed half-way for a failed temporary file; the table cannot be saved.";
+constexpr char16_t kNotReopened[] = u"The table was saved, but reading it back failed.";
+constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while it was open.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -86,7 +92,8 @@ CString Decimal(uint32_t v) {
 
 } // namespace
 
-CPODFile::CPODFile() : line(new (std::nothrow) char[kLineSize]) {}
+CPODFile::CPODFile(uint32_t windowBudget)
+    : index(RowEntrySize(0), windowBudget), line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
 
 CPODFile::~CPODFile() { Destroy(); }
 
@@ -97,7 +104,7 @@ CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
 }
 
 bool CPODFile::StartDiffFile() {
-    diffFile.reset(new (std::nothrow) CPersistedArray(sizeof(DiffEntry)));
+    diffFile.reset(new (std::nothrow) CPersistedArray(sizeof(DiffEntry), windowBudget));
     return diffFile && diffFile->IsReady();
 }
 
@@ -115,20 +122,60 @@ void CPODFile::Destroy() {
     header.Destroy();
     fields.clear();
     sourceFields = liveColumns = rowCursor = diffCursor = 0;
-    isOpen = isModified = false;
+    isOpen = isModified = damaged = false;
+}
+
+bool CPODFile::StartHeader() {
+    if (!header.New(false) || !SetTag(header, u"KeyWrd", u"POD") || !SetTag(header, u"NumDPs", u"auto")) return false;
+    for (int i = 0; i < 3; ++i) if (!SetTag(header, kSizeTags[i], u"20")) return false;
+    return true;
 }
 
 bool CPODFile::New() {
     Destroy();
-    if (!header.New(false) || !SetTag(header, u"KeyWrd", u"POD") || !SetTag(header, u"NumDPs", u"auto")) return false;
-    for (int i = 0; i < 3; ++i) if (!SetTag(header, kSizeTags[i], u"20")) return false;
-    if (!line || !index.SetItemSize(RowEntrySize(0)) || !StartDiffFile()) return false;
+    if (!StartHeader() || !line || !index.SetItemSize(RowEntrySize(0)) || !StartDiffFile()) return false;
     isOpen = isModified = true;
     return true;
 }
 
+CPODFile::SourceStamp CPODFile::TakeSourceStamp() {
+    SourceStamp stamp;
+    SFileIdentity identity;
+    if (auto *disk = dynamic_cast<CFile *>(source); disk && GetFileIdentity(disk->GetHandle(), identity)) {
+        stamp = {identity.device, identity.inode, identity.size, identity.modified};
+    } else {
+        stamp.size = static_cast<unsigned long long>(source->GetSize());
+    }
+    return stamp;
+}
+
+// Cells are read from the source file long after it was opened: a file that
+// changed meanwhile would give cells of other rows, so it gives none.
+bool CPODFile::SourceUnchanged() {
+    if (TakeSourceStamp() == sourceStamp) return true;
+    SetError(kSourceChanged);
+    return false;
+}
+
+// A file replaced under its name (a rename over it) still reads as the old
+// one through the open handle, so the cells stay right; but saving over that
+// name would drop the other writer's file, so such a save is refused.
+bool CPODFile::SourceStillNamed(IFileSystem &fs, char16_t const *name) {
+    auto *disk = dynamic_cast<CFile *>(source);
+    if (!disk || &fs != &disk->GetFileSystem()) return true;
+    char16_t opened[512], target[512];
+    disk->GetFilename(opened, 512);
+    if (!fs.GetFullPath(target, name, 512) || CString::Compare(opened, target) != 0) return true;
+    SFileIdentity now;
+    if (GetFileIdentity(opened, now) && now.device == sourceStamp.device && now.inode == sourceStamp.inode) return true;
+    SetError(kSourceChanged);
+    return false;
+}
+
 bool CPODFile::ReadSourceLine(int64_t position, uint32_t length) {
-    if (!line || length >= kLineSize || source->Seek(position, kSeekStart) != position) return false;
+    if (!line || !source || length >= kLineSize || !SourceUnchanged() ||
+        source->Seek(position, kSeekStart) != position)
+        return false;
     if (source->Read(line.get(), length) != length) return false;
     SplitPODLine(line.get(), length, fields.data(), sourceFields);
     return true;
@@ -139,6 +186,7 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
         if (!SizeTagSet(header, kSizeTags[kind])) continue;
         if (source->Seek(position, kSeekStart) != position) return false;
         uint32_t got = source->Read(line.get(), kLineSize - 1);
+        if (got == 0 && position < source->GetSize()) return false; // a failed read, not the end
         char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
         if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
         uint32_t length = lf ? uint32_t(lf - line.get() + 1) : got;
@@ -153,29 +201,44 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
     return true;
 }
 
+// A plain text file has no NParam: the fields of its first line count the columns.
+bool CPODFile::CountPlainColumns() {
+    if (source->Seek(0, kSeekStart) != 0) return false;
+    uint32_t got = source->Read(line.get(), kFirstLineSize);
+    char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
+    uint32_t length = lf ? uint32_t(lf - line.get()) : got;
+    std::vector<char const *> all(kMaxColumns);
+    return SetTag(header, u"NParam", Decimal(SplitPODLine(line.get(), length, all.data(), kMaxColumns)));
+}
+
 bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
-    (void)mustExist; // a plain text file without a header is not read yet
     Destroy();
-    if (!fs || !line || !header.Load(fs, name)) return false;
+    if (!fs || !line) return false;
+    bool plain = false;
+    if (!header.Load(fs, name)) {
+        if (mustExist) return Destroy(), false;
+        if (!fs->FileExists(name)) return New(); // nothing there yet: an empty table
+        if (!StartHeader()) return Destroy(), false;
+        plain = true;
+    }
     char16_t const *keyword = header.GetTagValue(u"KeyWrd");
     uint32_t count = 0;
     if (!keyword || CString::CompareNoCase(keyword, u"POD") != 0) return Destroy(), false;
-    if (!header.GetTagValue(u"NumDPs") || !ParseCount(header.GetTagValue(u"NParam"), count) || count > kMaxColumns)
-        return Destroy(), false;
     source = fs->CreateFileW(name, kOpenExisting | kOpenRead | kOpenShareRead);
     if (!source) return Destroy(), false;
+    sourceStamp = TakeSourceStamp();
+    if (plain && !CountPlainColumns()) return Destroy(), false;
+    if (!header.GetTagValue(u"NumDPs") || !ParseCount(header.GetTagValue(u"NParam"), count) || count > kMaxColumns)
+        return Destroy(), false;
     sourceFields = count;
     fields.assign(count, nullptr);
     columns.assign(count, Column{{}, {}, {}, {}, 1});
-    int64_t position = header.GetDataPosition();
+    int64_t position = plain ? 0 : header.GetDataPosition();
+    CellEntry const fromSource{kCellSource, kNoSlot, kNoSlot, kPODNone};
+    std::vector<CellEntry> tail(count, fromSource);
     if (!ReadHeaderLines(position) || !index.SetItemSize(RowEntrySize(count)) ||
-        !IndexPODLines(*source, position, index))
+        !IndexPODLines(*source, position, index, tail.data(), count * sizeof(CellEntry)) || !SourceUnchanged())
         return Destroy(), false;
-    for (uint32_t row = 0; row < index.GetCount(); ++row) {
-        CellEntry *cells = Cells(row);
-        if (!cells) return Destroy(), false;
-        for (uint32_t col = 0; col < count; ++col) cells[col] = {kCellSource, kNoSlot, kNoSlot, kPODNone};
-    }
     if (!StartDiffFile()) return Destroy(), false;
     liveColumns = count;
     isOpen = true;
@@ -193,7 +256,7 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         slot = uint32_t(rowCache.size() - 1);
     } else {
         slot = rowCursor;
-        MoveRowToDiffCache(slot);
+        if (!MoveRowToDiffCache(slot)) return -1; // the row stays; nothing is lost
         rowCursor = (rowCursor + 1) % kRowCacheSize;
     }
     uint8_t const *item = index.GetItem(row);
@@ -204,9 +267,11 @@ int CPODFile::MoveRowToCache(uint32_t row) {
     bool fromSource = false;
     for (uint32_t col = 0; col < n; ++col) fromSource |= cells[col].state == kCellSource;
     if (fromSource && !ReadSourceLine(span.position, span.length)) return -1;
+    // Values first, states after: a failed diff-file read leaves the row
+    // where its values are, and the slot empty.
     CachedRow &cached = rowCache[slot];
     for (uint32_t col = 0; col < n; ++col) {
-        CellEntry &cell = cells[col];
+        CellEntry const &cell = cells[col];
         CachedCell &out = cached.cells[col];
         out.flags = 0;
         out.value[0] = 0;
@@ -220,10 +285,13 @@ int CPODFile::MoveRowToCache(uint32_t row) {
             out.flags = kChanged;
         } else if (cell.state == kCellDiffFile) {
             uint8_t const *record = diffFile->ReadItem(cell.record);
-            if (record) std::memcpy(out.value, reinterpret_cast<DiffEntry const *>(record)->value, sizeof out.value);
+            if (!record) return -1;
+            std::memcpy(out.value, reinterpret_cast<DiffEntry const *>(record)->value, sizeof out.value);
         }
-        cell.state = kCellRowCache;
-        cell.rowSlot = uint8_t(slot);
+    }
+    for (uint32_t col = 0; col < n; ++col) {
+        cells[col].state = kCellRowCache;
+        cells[col].rowSlot = uint8_t(slot);
     }
     cached.row = row;
     return int(slot);
@@ -235,22 +303,25 @@ uint8_t CPODFile::TakeDiffSlot() {
         return uint8_t(diffCache.size() - 1);
     }
     uint8_t slot = uint8_t(diffCursor);
-    MoveItemToDiffFile(slot);
+    if (!MoveItemToDiffFile(slot)) return kNoSlot; // its value is still the only copy
     diffCursor = (diffCursor + 1) % kDiffCacheSize;
     return slot;
 }
 
-void CPODFile::MoveRowToDiffCache(uint32_t slot) {
-    if (slot >= rowCache.size() || rowCache[slot].row == kPODNone) return;
+// Cell by cell, each one finished before the next: after a failure the row
+// is still resident with every cell not yet moved, and a retry moves those.
+bool CPODFile::MoveRowToDiffCache(uint32_t slot) {
+    if (slot >= rowCache.size() || rowCache[slot].row == kPODNone) return true;
     uint32_t const row = rowCache[slot].row;
-    rowCache[slot].row = kPODNone;
     SPODRowSpan span{};
-    if (uint8_t *item = index.GetItem(row)) std::memcpy(&span, item, sizeof span);
+    uint8_t const *item = index.ReadItem(row);
+    if (!item) return false;
+    std::memcpy(&span, item, sizeof span);
     for (uint32_t col = 0; col < ColumnCount(); ++col) {
         CellEntry *cells = Cells(row);
-        if (!cells) return;
+        if (!cells) return false;
         CellEntry cell = cells[col];
-        if (cell.state != kCellRowCache) continue;
+        if (cell.state != kCellRowCache || cell.rowSlot != slot) continue;
         CachedCell const &cached = rowCache[slot].cells[col];
         if (!(cached.flags & kChanged)) {
             cell.state = cell.diffSlot != kNoSlot          ? kCellDiffCache
@@ -259,7 +330,10 @@ void CPODFile::MoveRowToDiffCache(uint32_t slot) {
                          : col < sourceFields && span.length ? kCellSource
                                                            : kCellEmpty;
         } else {
-            if (cell.diffSlot == kNoSlot) cell.diffSlot = TakeDiffSlot(); // may touch other rows
+            if (cell.diffSlot == kNoSlot) {
+                cell.diffSlot = TakeDiffSlot(); // may touch other rows
+                if (cell.diffSlot == kNoSlot) return false;
+            }
             DiffEntry &entry = diffCache[cell.diffSlot];
             entry.row = row;
             entry.col = col;
@@ -267,27 +341,40 @@ void CPODFile::MoveRowToDiffCache(uint32_t slot) {
             cell.state = kCellDiffCache;
         }
         cell.rowSlot = kNoSlot;
-        Cells(row)[col] = cell;
+        cells = Cells(row);
+        if (!cells) return false;
+        cells[col] = cell;
     }
+    rowCache[slot].row = kPODNone;
+    return true;
 }
 
-void CPODFile::MoveItemToDiffFile(uint32_t slot) {
-    if (slot >= diffCache.size()) return;
+bool CPODFile::MoveItemToDiffFile(uint32_t slot) {
+    if (slot >= diffCache.size()) return true;
     DiffEntry &entry = diffCache[slot];
+    if (entry.row == kPODNone) return true;
     CellEntry *cells = entry.col < ColumnCount() ? Cells(entry.row) : nullptr;
-    if (!cells || cells[entry.col].diffSlot != slot) { // a freed entry
+    if (!cells && entry.row < nDPs()) return false; // a failed read: the value has no other copy
+    if (!cells) {                                    // its row is gone: the entry is free
         entry.row = kPODNone;
-        return;
+        return true;
+    }
+    if (cells[entry.col].diffSlot != slot) { // a freed entry
+        entry.row = kPODNone;
+        return true;
     }
     CellEntry cell = cells[entry.col];
     if (cell.record == kPODNone) cell.record = diffFile->GetCount();
     uint8_t *record = diffFile->GetItem(cell.record);
-    if (!record) return; // the cell keeps its slot; the caller's overwrite is refused below
+    if (!record) return false;
     std::memcpy(record, &entry, sizeof entry);
     if (cell.state == kCellDiffCache) cell.state = kCellDiffFile;
     cell.diffSlot = kNoSlot;
-    Cells(entry.row)[entry.col] = cell;
+    cells = Cells(entry.row);
+    if (!cells) return false;
+    cells[entry.col] = cell;
     entry.row = kPODNone;
+    return true;
 }
 
 char16_t const *CPODFile::GetValue(uint32_t col, uint32_t row) {
@@ -297,9 +384,15 @@ char16_t const *CPODFile::GetValue(uint32_t col, uint32_t row) {
 }
 
 bool CPODFile::PutValue(uint32_t col, uint32_t row, char16_t const *value) {
-    if (!value || !GetValue(col, row)) return false;
-    CachedCell &cell = rowCache[Cells(row)[0].rowSlot].cells[col];
-    if (!CopyText(cell.value, kValueSize, value)) return false; // over 255 characters: refused
+    // A copy first: value may point into the row cache, which the fetch of
+    // this row can overwrite.
+    char16_t text[kValueSize];
+    if (!value || !CopyText(text, kValueSize, value)) return false; // over 255 characters: refused
+    if (col >= ColumnCount() || !columns[col].live) return false;
+    int slot = MoveRowToCache(row);
+    if (slot < 0) return false;
+    CachedCell &cell = rowCache[size_t(slot)].cells[col];
+    std::memcpy(cell.value, text, sizeof text);
     cell.flags |= kChanged;
     isModified = true;
     return true;
@@ -315,13 +408,16 @@ uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t
     columns.push_back(column);
     for (uint32_t row = 0; row < nDPs(); ++row) {
         CellEntry *cells = Cells(row);
-        if (!cells) return kPODNone;
+        if (!cells) return Damaged(), kPODNone;
         cells[col] = {kCellEmpty, kNoSlot, kNoSlot, kPODNone};
     }
     for (uint32_t slot = 0; slot < rowCache.size(); ++slot) {
         rowCache[slot].cells.push_back(CachedCell{0, {}});
         // A resident row's new cell is resident too, or an edit to it would be skipped on eviction.
-        if (rowCache[slot].row != kPODNone) Cells(rowCache[slot].row)[col] = {kCellRowCache, uint8_t(slot), kNoSlot, kPODNone};
+        if (rowCache[slot].row == kPODNone) continue;
+        CellEntry *cells = Cells(rowCache[slot].row);
+        if (!cells) return Damaged(), kPODNone;
+        cells[col] = {kCellRowCache, uint8_t(slot), kNoSlot, kPODNone};
     }
     ++liveColumns;
     isModified = true;
@@ -363,15 +459,19 @@ void CPODFile::RemoveRow(uint32_t row) {
     }
     for (uint32_t later = row + 1; later < nDPs(); ++later) {
         cells = Cells(later);
-        if (!cells) return;
+        if (!cells) return Damaged();
         if (n && cells[0].rowSlot != kNoSlot) --rowCache[cells[0].rowSlot].row; // once per row
         for (uint32_t col = 0; col < n; ++col) {
             if (cells[col].diffSlot != kNoSlot) --diffCache[cells[col].diffSlot].row;
             if (cells[col].record == kPODNone) continue;
-            if (uint8_t *record = diffFile->GetItem(cells[col].record)) --reinterpret_cast<DiffEntry *>(record)->row;
+            uint8_t *record = diffFile->GetItem(cells[col].record);
+            if (!record) return Damaged();
+            --reinterpret_cast<DiffEntry *>(record)->row;
+            cells = Cells(later); // the diff file and the index are apart, but stay safe
+            if (!cells) return Damaged();
         }
     }
-    index.Remove(row);
+    if (!index.Remove(row)) return Damaged();
     isModified = true;
 }
 
@@ -440,8 +540,15 @@ bool CPODFile::WriteTable(IFile &out) {
     return flush();
 }
 
+void CPODFile::Damaged() {
+    damaged = true;
+    SetError(kDamaged);
+}
+
 bool CPODFile::Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, bool saveFlag) {
     if (!isOpen || !fs) return false;
+    if (damaged) return SetError(kDamaged), false;
+    if (source && (!SourceUnchanged() || !SourceStillNamed(*fs, name))) return false;
     CSAFFile out = header;
     if (mergeHeader && !out.Load(fs, name)) return false;
     char16_t const *rows = out.GetTagValue(u"NumDPs");
@@ -451,8 +558,9 @@ bool CPODFile::Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, boo
     out.DropData();
     CSAFFile kept = header;
     header = out; // the size tags of the header written decide the column lines
+    uint32_t dataPosition = 0;
+    uint32_t const rowsWritten = nDPs(), columnsWritten = liveColumns;
     bool written = SaveAtomically(fs, name, [&](IFile &f) {
-        uint32_t dataPosition = 0;
         return out.SaveTo(&f, dataPosition, saveFlag) && f.Seek(dataPosition, kSeekStart) == dataPosition &&
                WriteTable(f);
     });
@@ -460,7 +568,14 @@ bool CPODFile::Save(IFileSystem *fs, char16_t const *name, bool mergeHeader, boo
         header = kept; // the table and its edits stay as they were
         return false;
     }
-    return Load(fs, name, true);
+    // The table is reopened from what was written. A header read that fails
+    // can pass for the header's end, so the reopened table must match what
+    // went out, or it would show other cells than the file holds.
+    if (!Load(fs, name, true)) return false;
+    if (header.GetDataPosition() == dataPosition && nDPs() == rowsWritten && liveColumns == columnsWritten) return true;
+    Destroy();
+    SetError(kNotReopened);
+    return false;
 }
 
 } // namespace qv

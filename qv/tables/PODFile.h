@@ -22,13 +22,16 @@ namespace qv {
 
 class IFile;
 
+/// @copydoc PODFile.h
 class QV_API CPODFile : public IPODFile {
 public:
-    static constexpr uint32_t kDiffCacheSize = 32;
-    static constexpr uint32_t kRowCacheSize = 64;
+    static constexpr uint32_t kDiffCacheSize = 32; ///< edited cells held in memory before the diff file
+    static constexpr uint32_t kRowCacheSize = 64;  ///< parsed rows held in memory
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
 
-    CPODFile();
+    /// A closed table. windowBudget: bytes of the row index and of the diff
+    /// file held in memory each (512 KiB by default; less trades speed for memory).
+    explicit CPODFile(uint32_t windowBudget = CPersistedArray::kWindowBudget);
     ~CPODFile() override;
     CPODFile(CPODFile const &) = delete;
     CPODFile &operator=(CPODFile const &) = delete;
@@ -55,30 +58,46 @@ public:
                       char16_t const *type) override;
     bool GetColumnInfo(uint32_t col, char16_t const **name, char16_t const **cls, char16_t const **unit,
                        char16_t const **type) override;
+    /// The number forms of the contract beside the cell forms.
+    ///@{
     using IPODFile::GetValue;
     using IPODFile::PutValue;
+    ///@}
 
-    bool IsOpen() const { return isOpen; }
-    bool IsModified() const { return isModified; }
+    bool IsOpen() const { return isOpen; }         ///< New or Load succeeded, no Destroy since
+    bool IsModified() const { return isModified; } ///< changed since New, Load or Save
     int MoveRowToCache(uint32_t row); ///< the row-cache slot, -1 on failure
-    void MoveRowToDiffCache(uint32_t slot);
-    void MoveItemToDiffFile(uint32_t slot);
+    /// Takes the row out of row-cache slot slot, its edited cells into the
+    /// diff cache; false (the row still resident) when a temporary file fails.
+    bool MoveRowToDiffCache(uint32_t slot);
+    /// Writes diff-cache slot slot to the diff file; false (the slot kept)
+    /// when the diff file fails.
+    bool MoveItemToDiffFile(uint32_t slot);
 
+    /// A column's four texts and whether it is live.
     struct Column {
+        /// Name, class, unit and type, each with its terminator.
+        ///@{
         char16_t name[128], cls[128], unit[64], type[64];
-        uint32_t live;
+        ///@}
+        uint32_t live; ///< 1 live, 0 removed
     };
 #pragma pack(push, 1)
+    /// Where one cell's value lives, as stored in the row index (10 bytes).
     struct CellEntry {
-        uint32_t state;
-        uint8_t rowSlot;
-        uint8_t diffSlot;
-        uint32_t record;
+        uint32_t state;   ///< 0 empty, 1 source file, 2 row cache, 3 diff cache, 4 diff file, 5 column removed
+        uint8_t rowSlot;  ///< row-cache slot, 0xFF for none
+        uint8_t diffSlot; ///< diff-cache slot, 0xFF for none
+        uint32_t record;  ///< diff-file record, kPODNone for none
     };
 #pragma pack(pop)
+    /// An edited cell in the diff cache, and a record of the diff file (520 bytes).
     struct DiffEntry {
+        /// The cell's row and column.
+        ///@{
         uint32_t row, col;
-        char16_t value[kValueSize];
+        ///@}
+        char16_t value[kValueSize]; ///< the edited text
     };
 
 private:
@@ -93,6 +112,17 @@ private:
 
     uint32_t ColumnCount() const { return uint32_t(columns.size()); }
     CellEntry *Cells(uint32_t row);
+    struct SourceStamp {
+        unsigned long long device = 0, inode = 0, size = 0, modified = 0;
+        bool operator==(SourceStamp const &) const = default;
+    };
+
+    bool StartHeader();
+    bool CountPlainColumns();
+    SourceStamp TakeSourceStamp();
+    bool SourceUnchanged();
+    bool SourceStillNamed(IFileSystem &fs, char16_t const *name);
+    void Damaged();
     bool ReadSourceLine(int64_t position, uint32_t length);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
@@ -110,11 +140,14 @@ private:
     uint32_t rowCursor = 0;
     std::unique_ptr<char[]> line;
     uint32_t diffCursor = 0;
+    uint32_t windowBudget;
     uint32_t liveColumns = 0;
     CSAFFile header;
     IFile *source = nullptr;
+    SourceStamp sourceStamp;
     bool isOpen = false;
     bool isModified = false;
+    bool damaged = false; ///< an edit failed half-way: Save refuses
 };
 
 } // namespace qv

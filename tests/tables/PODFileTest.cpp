@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <string>
 
@@ -207,6 +208,128 @@ TEST_F(PODFileTest, FailedSaveLeavesTheOldFileWholeAndKeepsTheEdits) {
     EXPECT_NE(after.find("edited"), std::string::npos);
 }
 
+TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) {
+    auto path = Path("plain.txt");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+        << "Time Az \"Long name\"\r\ns deg m\r\nA B C\r\n1 2 3\r\n4,5,\"six 6\"\r\n";
+    CPODFile pod;
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    EXPECT_EQ(Narrow(pod.GetHeader().GetTagValue(u"KeyWrd")), "POD");
+    ASSERT_EQ(pod.nParams(), 3u);
+    ASSERT_EQ(pod.nDPs(), 2u);
+    char16_t const *name = nullptr, *unit = nullptr, *cls = nullptr;
+    ASSERT_TRUE(pod.GetColumnInfo(2, &name, &cls, &unit, nullptr));
+    EXPECT_EQ(Narrow(name), "Long name");
+    EXPECT_EQ(Narrow(unit), "m");
+    EXPECT_EQ(Narrow(cls), "C");
+    EXPECT_EQ(Narrow(pod.GetValue(2, 1)), "six 6");
+    auto saved = Path("plain.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), saved.c_str(), false, false));
+    CPODFile again;
+    ASSERT_TRUE(again.Load(&qv::GetFileSystem(), saved.c_str(), true));
+    EXPECT_EQ(Narrow(again.GetValue(0, 1)), "4");
+    EXPECT_EQ(Bytes(saved).substr(0, 6), "HdSize");
+
+    auto missing = Path("missing.pod");
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), missing.c_str(), true));
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), missing.c_str(), false));
+    EXPECT_TRUE(pod.IsOpen());
+    EXPECT_EQ(pod.nDPs(), 0u);
+    EXPECT_EQ(pod.nParams(), 0u);
+}
+
+TEST_F(PODFileTest, ASourceChangedWhileOpenGivesNoCellsButAnErrorText) {
+    CPODFile pod;
+    auto path = Path("moving.pod");
+    MakeTable(pod, 100, path);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 1)), "r1c0");
+    std::string bytes = Bytes(path);
+    std::string changed = bytes;
+    changed.replace(changed.find("r50c0"), 5, "XXXXX");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary | std::ios::in) << changed << "tail\r\n";
+    EXPECT_EQ(pod.GetValue(0, 50), nullptr);
+    EXPECT_EQ(Narrow(pod.GetError()), "The table's file changed on disk while it was open.");
+    ASSERT_TRUE(pod.PutValue(1, 1, u"edit")); // a resident row needs no source
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), changed + "tail\r\n"); // the other writer's bytes stay
+}
+
+TEST_F(PODFileTest, AFileReplacedUnderItsNameStillReadsButIsNotSavedOver) {
+    CPODFile pod;
+    auto path = Path("replaced.pod");
+    MakeTable(pod, 100, path);
+    auto other = Path("other.pod");
+    std::ofstream(std::string(other.begin(), other.end()), std::ios::binary) << "another writer's file\r\n";
+    ASSERT_EQ(std::rename(std::string(other.begin(), other.end()).c_str(), std::string(path.begin(), path.end()).c_str()), 0);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 80)), "r80c0"); // the open handle reads the old file
+    ASSERT_TRUE(pod.PutValue(1, 80, u"edit"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetError()), "The table's file changed on disk while it was open.");
+    EXPECT_EQ(Bytes(path), "another writer's file\r\n");
+    auto elsewhere = Path("elsewhere.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), elsewhere.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetValue(1, 80)), "edit");
+}
+
+// A table made in memory with 16 KiB windows: its row index moves its window
+// every 77 rows and its edits spill through the diff file's 31-record window,
+// so the edits and Save read both temporary files back. Every failed read, write or seek there, in the
+// edits or in Save, reaches the caller, and the file is then the old one.
+TEST_F(PODFileTest, TemporaryFileFaultsDuringEditsAndSaveAreReported) {
+    constexpr uint32_t kColumns = 20, kRows = 120, kEdits = 100;
+    auto path = Path("wide.pod");
+    std::string const before = "not a table yet\n";
+    std::string after;
+    std::unique_ptr<CPODFile> pod;
+    qv::test::RunUnderFaults(
+        [&] {
+            std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << before;
+            pod = std::make_unique<CPODFile>(16384);
+            ASSERT_TRUE(pod->New());
+            for (uint32_t c = 0; c < kColumns; ++c)
+                ASSERT_NE(pod->AddColumn(Wide("c" + std::to_string(c)).c_str(), u"", u"", u""), qv::kPODNone);
+        },
+        [&] {
+            pod->AllocRows(kRows);
+            if (pod->nDPs() != kRows) return false;
+            for (uint32_t k = 0; k < kEdits; ++k) {
+                uint32_t row = (k * 7) % kRows, col = (k * 13) % kColumns;
+                if (!pod->PutValue(col, row, Wide("v" + std::to_string(k)).c_str())) return false;
+            }
+            return pod->Save(&qv::GetFileSystem(), path.c_str(), false, false);
+        },
+        [&](qv::test::FaultRun const &run) {
+            auto bytes = Bytes(path);
+            if (run.IsClean()) {
+                after = bytes;
+                return;
+            }
+            // Every failed write reaches the caller. A read or seek that fails
+            // where the SAF header reads its lines looks like the header's
+            // end; there the judge is the table itself: a success must have
+            // every edit, in the file and in the table reopened from it.
+            using qv::test::Fault;
+            if (run.fault == Fault::kWrite || run.fault == Fault::kWriteShort) qv::test::ExpectFailureReported(run);
+            if (run.succeeded) {
+                ASSERT_EQ(pod->nDPs(), kRows);
+                ASSERT_EQ(pod->nParams(), kColumns);
+                for (uint32_t k = 0; k < kEdits; k += 7) {
+                    // A later edit of the same cell wins.
+                    uint32_t last = k;
+                    for (uint32_t later = k + 1; later < kEdits; ++later)
+                        if ((later * 7) % kRows == (k * 7) % kRows && (later * 13) % kColumns == (k * 13) % kColumns)
+                            last = later;
+                    EXPECT_EQ(Narrow(pod->GetValue((k * 13) % kColumns, (k * 7) % kRows)), "v" + std::to_string(last));
+                }
+            }
+            auto asBytes = [](std::string const &b) { return qv::test::FaultBytes(b.begin(), b.end()); };
+            qv::test::ExpectBeforeOrAfter(run, asBytes(bytes), asBytes(before), asBytes(after));
+        },
+        {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
+    EXPECT_NE(after.find("v99"), std::string::npos);
+}
+
 std::string RunTool(std::string const &command) {
     std::string out;
     if (FILE *p = popen(command.c_str(), "r")) {
@@ -232,6 +355,11 @@ TEST_F(PODFileTest, ToolReadsSetsShowsAndExportsCells) {
     EXPECT_NE(shown.find("rows 12, columns 2\n"), std::string::npos);
     EXPECT_NE(shown.find("\n3\tr3c0\ta, b\n"), std::string::npos);
     EXPECT_EQ(shown.find("\n4\t"), std::string::npos);
+    EXPECT_EQ(RunTool(qv + " pod show --json " + file + " --rows 3:5"),
+              "{\"file\":\"" + file + "\",\"rows\":12,\"columns\":[{\"name\":\"Time\",\"unit\":\"seconds\","
+              "\"class\":\"Unclassified\",\"type\":\"\"},{\"name\":\"Az\",\"unit\":\"degrees\",\"class\":"
+              "\"Unclassified\",\"type\":\"\"}],\"firstRow\":3,\"cells\":[[\"r3c0\",\"a, b\"],[\"r4c0\",\"r4c1\"]]}\n"
+              "exit 0");
     std::string csv = RunTool(qv + " pod export " + file + " --csv");
     EXPECT_EQ(csv.substr(0, 28), "Time,Az\r\nr0c0,r0c1\r\nr1c0,r1c");
     EXPECT_NE(csv.find("r3c0,\"a, b\"\r\n"), std::string::npos);

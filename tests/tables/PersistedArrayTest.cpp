@@ -5,6 +5,7 @@
 
 #include "qv/core/PersistedArray.h"
 #include "qv/files/MemFile.h"
+#include "support/FaultInjection.h"
 
 namespace {
 
@@ -152,3 +153,42 @@ TEST(PersistedArray, EmptyForgetsEverything) {
 }
 
 } // namespace
+
+// Every failing read, write or seek of the temporary file reaches the caller
+// as a null item; no item ever comes back with other bytes than were put in.
+TEST(PersistedArrayFaults, FailedTransfersAreReportedAndNeverReadAsOtherBytes) {
+    constexpr uint32_t kItem = 8192, kItems = 200; // a window of 64 items: many moves
+    bool wrong = false;
+    auto fill = [](uint8_t *p, uint32_t i) { std::memset(p, int(i * 7 + 1), kItem); };
+    auto same = [&](uint8_t const *p, uint32_t i) {
+        std::vector<uint8_t> want(kItem);
+        fill(want.data(), i);
+        return std::memcmp(p, want.data(), kItem) == 0;
+    };
+    int runs = qv::test::RunUnderFaults(
+        [&] { wrong = false; },
+        [&] {
+            CPersistedArray a(kItem);
+            if (!a.IsReady()) return false;
+            for (uint32_t i = 0; i < kItems; ++i) {
+                uint8_t *p = a.GetItem(i);
+                if (!p) return false;
+                fill(p, i);
+            }
+            for (uint32_t pass = 0; pass < 2; ++pass) {
+                for (uint32_t k = 0; k < kItems; ++k) {
+                    uint32_t i = pass == 0 ? kItems - 1 - k : (k * 37) % kItems;
+                    uint8_t const *p = a.ReadItem(i);
+                    if (!p) return false;
+                    wrong |= !same(p, i);
+                }
+            }
+            return true;
+        },
+        [&](qv::test::FaultRun const &run) {
+            EXPECT_FALSE(wrong) << "an item read back with bytes never put in";
+            if (!run.IsClean()) qv::test::ExpectFailureReported(run);
+        },
+        {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
+    EXPECT_GT(runs, 20);
+}
