@@ -12,19 +12,19 @@
 namespace qv::test {
 namespace {
 
+void CreateOnDisk(std::u16string const &wide, std::vector<Bytes> const &blocks) {
+    CVQRFile vqr;
+    ASSERT_TRUE(vqr.Create(wide.c_str()));
+    for (Bytes const &b : blocks)
+        ASSERT_TRUE(SetBlock(vqr.GetIndexAt(vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF)), b));
+}
+
 TEST(VQRFaults, GrowingAndShrinkingABlockKeepsTheOthers) {
     ScratchDir dir;
     std::string path = dir.Path("c.vqr");
     std::u16string wide = Wide(path);
     Bytes first = Pattern(3000, 1), second = Pattern(2000, 2), third = Pattern(1000, 3);
-    {
-        CVQRFile vqr;
-        ASSERT_TRUE(vqr.Create(wide.c_str()));
-        for (Bytes const *b : {&first, &second, &third}) {
-            uint32_t i = vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF);
-            ASSERT_TRUE(SetBlock(vqr.GetIndexAt(i), *b));
-        }
-    }
+    CreateOnDisk(wide, {first, second, third});
     FaultBytes original = FileBytes(path);
     for (size_t newSize : {size_t(700000), size_t(100)}) {
         SCOPED_TRACE("block 0 resized to " + std::to_string(newSize));
@@ -56,12 +56,6 @@ TEST(VQRFaults, GrowingAndShrinkingABlockKeepsTheOthers) {
     }
 }
 
-} // namespace
-} // namespace qv::test
-
-namespace qv::test {
-namespace {
-
 // The fifth block grows the table, which moves every block and writes the
 // table at once.
 TEST(VQRFaults, AddingABlockThatGrowsTheTableKeepsTheOthers) {
@@ -69,12 +63,7 @@ TEST(VQRFaults, AddingABlockThatGrowsTheTableKeepsTheOthers) {
     std::string path = dir.Path("t.vqr");
     std::u16string wide = Wide(path);
     std::vector<Bytes> blocks = {Pattern(3000, 1), Pattern(2000, 2), Pattern(1000, 3), Pattern(1500, 4)};
-    {
-        CVQRFile vqr;
-        ASSERT_TRUE(vqr.Create(wide.c_str()));
-        for (Bytes const &b : blocks)
-            ASSERT_TRUE(SetBlock(vqr.GetIndexAt(vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF)), b));
-    }
+    CreateOnDisk(wide, blocks);
     FaultBytes original = FileBytes(path);
     Bytes added = Pattern(500, 7);
     int runs = RunUnderFaults(
