@@ -274,8 +274,15 @@ public:
     /// (NUL, position just behind it, true). No LF in a full buffer: the
     /// position goes back and the result is false (line too long). No LF in a
     /// short read: the last line, terminated, true. Nothing read: false.
+    ///
+    /// The outcome form tells the falses apart: End (nothing left), TooLong,
+    /// or Failed, which is a read or seek the file refused, or a short read
+    /// that stopped before the end of the file (its bytes are no line). A
+    /// reader must not take Failed for the end of its text.
     ///@{
+    enum class LineOutcome { Line, End, TooLong, Failed };
     bool GetLine(char *buf, int size);
+    bool GetLine(char *buf, int size, LineOutcome &outcome);
     bool WriteString(char const *s); ///< the bytes, no terminator, no length
     ///@}
     /// Narrow printf family of qv/core/WideFormat.h (locale-free; %s is UTF-8,
@@ -333,6 +340,8 @@ protected:
     static bool ClampedSeekTarget(int64_t offset, uint32_t origin, int64_t position, int64_t size, int64_t &target);
 
 private:
+    /// True when the position is known and at or past the known size.
+    bool AtEnd();
     /// Reads/writes size bytes (at most 8), reversed when m_swap is set.
     ///@{
     bool PutScalar(void const *p, uint32_t size);

@@ -7,22 +7,45 @@
 namespace qv {
 
 bool IFile::GetLine(char *buf, int size) {
+    LineOutcome outcome;
+    return GetLine(buf, size, outcome);
+}
+
+bool IFile::GetLine(char *buf, int size, LineOutcome &outcome) {
+    outcome = LineOutcome::TooLong;
     if (size <= 0) return false;
     uint32_t got = Read(buf, uint32_t(size));
-    if (got == 0) return false;
+    // A short read is the end only if the file has no more bytes; otherwise
+    // the read failed part-way and its bytes are no line.
+    if (got < uint32_t(size) && !AtEnd()) {
+        outcome = LineOutcome::Failed;
+        return false;
+    }
+    if (got == 0) {
+        outcome = LineOutcome::End;
+        return false;
+    }
     for (uint32_t i = 0; i < got; ++i) {
         if (buf[i] == '\r') buf[i] = 0;
         if (buf[i] != '\n') continue;
         buf[i] = 0;
-        if (uint32_t after = got - i - 1) Seek(-int64_t(after), 2);
-        return true;
+        uint32_t after = got - i - 1;
+        outcome = after && Seek(-int64_t(after), 2) < 0 ? LineOutcome::Failed : LineOutcome::Line;
+        return outcome == LineOutcome::Line;
     }
     if (got == uint32_t(size)) { // too long for the buffer
-        Seek(-int64_t(got), 2);
+        if (Seek(-int64_t(got), 2) < 0) outcome = LineOutcome::Failed;
         return false;
     }
     buf[got] = 0; // the last line, without line end
+    outcome = LineOutcome::Line;
     return true;
+}
+
+bool IFile::AtEnd() {
+    int64_t position = GetPosition();
+    int64_t size = GetSize();
+    return position >= 0 && size >= 0 && position >= size;
 }
 
 namespace {

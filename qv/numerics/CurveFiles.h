@@ -5,7 +5,8 @@
 /// transmission, radiance per cm^-1).
 ///
 /// Both read lines of up to 512 bytes with IFile::GetLine; a longer line, like
-/// the end of the file, ends the reading. Numbers are read as C's atof reads
+/// the end of the file, ends the reading. A read that fails (not the end of
+/// the file) makes both readers false, the values read before it kept. Numbers are read as C's atof reads
 /// them in the "C" locale, whatever the process locale is. Any bytes are
 /// accepted: a line that makes no sense ends the reading as described.
 ///
@@ -28,7 +29,8 @@ class IFileSystem;
 /// Clears x and y, then per line: empty lines and lines starting with '#' are
 /// skipped; white space at both ends is cut; the first two tokens separated by
 /// comma, blank or tab are appended to x and y. A line without a second token
-/// ends the reading. True whatever the lines held: the caller tests the count.
+/// ends the reading. True whatever the lines held (the caller tests the count),
+/// unless a read failed.
 ///@{
 QV_API bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFile *file);
 QV_API bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *fileSystem, char16_t const *path);

@@ -30,11 +30,12 @@ bool ParseRow(char *text, SRow &row) {
 // Reads the rows after the heading in file order, already converted; false
 // at a short row, and for a table that the end of the file (or an overlong
 // line) cuts before its "-9999." line: rows of a cut table would pass for
-// the whole table.
+// the whole table. A failed read is false wherever it comes.
 bool ReadRows(IFile &file, TArray<double> &x, TArray<double> &y1, TArray<double> &y2) {
     char line[kCurveLineBytes];
     bool inTable = false;
-    while (file.GetLine(line, kCurveLineBytes)) {
+    IFile::LineOutcome outcome;
+    while (file.GetLine(line, kCurveLineBytes, outcome)) {
         char *text = TrimLine(line);
         if (*text == '\0') continue;
         if (!inTable) {
@@ -49,7 +50,7 @@ bool ReadRows(IFile &file, TArray<double> &x, TArray<double> &y1, TArray<double>
         y1.Add(row.transmission);
         y2.Add(row.radiance * (f * f / 10000.0));
     }
-    return !inTable;
+    return !inTable && outcome != IFile::LineOutcome::Failed;
 }
 
 } // namespace

@@ -14,16 +14,18 @@ bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFile *file) {
     if (!file) return false;
     CBulkGrowth growX(x), growY(y);
     char line[kCurveLineBytes];
-    while (file->GetLine(line, kCurveLineBytes)) {
+    IFile::LineOutcome outcome;
+    while (file->GetLine(line, kCurveLineBytes, outcome)) {
         if (line[0] == '\0' || line[0] == '#') continue;
         char *cursor = TrimLine(line);
         char *first = NextToken(&cursor, ", \t");
         char *second = NextToken(&cursor, ", \t");
-        if (!second) break;
+        if (!second) return true;
         x.Add(c_atof(first));
         y.Add(c_atof(second));
     }
-    return true;
+    // A failed read is no end of the pairs: a part would pass for the whole.
+    return outcome != IFile::LineOutcome::Failed;
 }
 
 bool ReadXYFile(TArray<double> &x, TArray<double> &y, IFileSystem *fs, char16_t const *path) {

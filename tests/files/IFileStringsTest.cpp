@@ -184,6 +184,26 @@ TYPED_TEST(IFileStrings, GetLineSplitsAtLineFeeds) {
     EXPECT_FALSE(f.GetLine(buf, 0));
 }
 
+TYPED_TEST(IFileStrings, GetLineTellsEndFromTooLong) {
+    IFile &f = *this->file;
+    using Outcome = IFile::LineOutcome;
+    SetBytes(f, Text("abcdefgh\nlast"));
+    char buf[16];
+    Outcome outcome = Outcome::End;
+    EXPECT_FALSE(f.GetLine(buf, 4, outcome));
+    EXPECT_EQ(outcome, Outcome::TooLong);
+    EXPECT_EQ(f.GetPosition(), 0);
+    EXPECT_TRUE(f.GetLine(buf, sizeof buf, outcome));
+    EXPECT_EQ(outcome, Outcome::Line);
+    EXPECT_TRUE(f.GetLine(buf, sizeof buf, outcome));
+    EXPECT_EQ(outcome, Outcome::Line);
+    EXPECT_STREQ(buf, "last");
+    EXPECT_FALSE(f.GetLine(buf, sizeof buf, outcome));
+    EXPECT_EQ(outcome, Outcome::End);
+    EXPECT_FALSE(f.GetLine(buf, 0, outcome));
+    EXPECT_EQ(outcome, Outcome::TooLong);
+}
+
 TYPED_TEST(IFileStrings, FixedFieldsAndFormattedText) {
     IFile &f = *this->file;
     EXPECT_TRUE(f.WriteString("ab"));

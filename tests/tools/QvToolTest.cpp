@@ -465,7 +465,7 @@ TEST_F(QvTool, SafRefusesWhatItCannotDo) {
     ExpectRefused({"saf", "show", Path("missing.saf")}, 1,
                   "cannot open " + Path("missing.saf") + ": No such file or directory");
     ExpectRefused({"saf", "show", dir}, 1, "cannot open " + dir + ": Is a directory");
-    ExpectRefused({"saf", "show", Write("junk.saf", "not a header\n")}, 1, "is not a SAF file");
+    ExpectRefused({"saf", "show", Write("junk.saf", "not a header\n")}, 1, "could not be read as a SAF file");
     ExpectRefused({"saf", "show", "-"}, 1, "standard input is not a SAF file", Write("junk.saf", "x\n"));
     if (geteuid() != 0) {
         std::filesystem::permissions(copy, std::filesystem::perms::owner_read);

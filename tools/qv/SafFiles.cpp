@@ -24,7 +24,7 @@ bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &sa
         return false;
     }
     if (!saf.Load(&file)) {
-        Fail("%s is not a SAF file (it must begin with an HdSize line)", path);
+        Fail("%s could not be read as a SAF file: a read failed, or it does not begin with an HdSize line", path);
         return false;
     }
     return true;

@@ -19,12 +19,14 @@ bool IsStructureTag(char const *name) {
     return qv::CString(name).CompareNoCase(u"DATA") == 0 || qv::CString(name).CompareNoCase(u"saf_padding") == 0;
 }
 
-// The value of name as a fresh load of the file reads it.
-std::string ReadBack(qv::CFile &file, qv::CString const &name) {
+// The value of name as a fresh load of the file reads it; false if the load
+// fails, so that no guess is printed as what the file holds.
+bool ReadBack(qv::CFile &file, qv::CString const &name, std::string &value) {
     qv::CSAFFile again;
-    if (!again.Load(&file)) return "";
-    char16_t const *value = again.GetTagValue(name.GetUTF16());
-    return value ? qv::CString(value).GetUTF8() : "";
+    if (!again.Load(&file)) return false;
+    char16_t const *found = again.GetTagValue(name.GetUTF16());
+    value = found ? qv::CString(found).GetUTF8() : "";
+    return true;
 }
 
 } // namespace
@@ -55,7 +57,9 @@ int RunSafSet(char *const *args) {
     uint32_t newOffset = oldOffset;
     if (!saf.Update(&file, newOffset, true)) return Fail("cannot rewrite the header of %s", path);
     file.Flush();
-    std::string stored = Escaped(ReadBack(file, name));
+    std::string readBack;
+    if (!ReadBack(file, name, readBack)) return Fail("cannot read back the header of %s after rewriting it", path);
+    std::string stored = Escaped(readBack);
 
     if (existed)
         std::printf("%s: '%s' -> '%s'\n", Escaped(args[1]).c_str(), Escaped(before).c_str(), stored.c_str());

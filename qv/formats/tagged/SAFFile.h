@@ -130,7 +130,9 @@ public:
     /// file name, file system and data position are cleared too. True.
     bool New(bool keepFile);
     /// Reads the header from the start of f. False if f does not begin with
-    /// "HdSize" (any case) or its first tag is not HdSize.
+    /// "HdSize" (any case) or its first tag is not HdSize. False too if a read
+    /// or seek of f fails before the header's end (IFile::GetLine's Failed):
+    /// a part of a header never loads as the whole.
     bool Load(IFile *f);
     /// Rewrites the header at the start of f. dataPosition is the data
     /// segment's offset in f on entry (0 with an empty f: a new file) and on

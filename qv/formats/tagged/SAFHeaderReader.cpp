@@ -18,11 +18,12 @@ bool HasName(SAF_TAG const &tag, char16_t const *word) {
 }
 
 // One line: the name up to the first blank, then the value without the
-// blanks around it. False at the end of the header (end of file, or a line
-// too long for the buffer).
-bool GetTag(IFile *f, SAF_TAG &tag) {
+// blanks around it. Any outcome but Line ends the header (the end of the
+// file, a line too long for the buffer); Failed fails the load.
+IFile::LineOutcome GetTag(IFile *f, SAF_TAG &tag) {
     char line[saf::kLineBuffer];
-    if (!f->GetLine(line, sizeof(line))) return false;
+    IFile::LineOutcome outcome;
+    if (!f->GetLine(line, sizeof(line), outcome)) return outcome;
     size_t length = std::strlen(line);
     char const *blank = static_cast<char const *>(std::memchr(line, ' ', length));
     size_t nameLength = blank ? size_t(blank - line) : length;
@@ -34,13 +35,12 @@ bool GetTag(IFile *f, SAF_TAG &tag) {
         --valueEnd;
     tag.name.Copy(line, int(nameLength));
     tag.value.Copy(line + valueStart, int(valueEnd - valueStart));
-    return true;
+    return outcome;
 }
 
 bool StartsWithMagic(IFile *f) {
     char magic[6];
-    f->SeekToBegin();
-    return f->ReadBytes(magic, sizeof(magic)) && _strnicmp(magic, "HDSize", sizeof(magic)) == 0;
+    return f->SeekToBegin() == 0 && f->ReadBytes(magic, sizeof(magic)) && _strnicmp(magic, "HDSize", sizeof(magic)) == 0;
 }
 
 } // namespace
@@ -48,21 +48,29 @@ bool StartsWithMagic(IFile *f) {
 bool CSAFFile::Load(IFile *f) {
     ForgetFile();
     tags.Destroy();
-    if (!f || !StartsWithMagic(f)) return false;
-    f->SeekToBegin();
+    if (!f || !StartsWithMagic(f) || f->SeekToBegin() != 0) return false;
     // Long headers would otherwise copy the list every five tags.
     tags.SetGrowthRate(kTagGrowth);
 
     int32_t limit = -1;
     SAF_TAG tag;
-    for (uint32_t lines = 0; lines < saf::kMaxHeaderLines && GetTag(f, tag); ++lines) {
-        uint32_t position = uint32_t(f->GetPosition());
+    IFile::LineOutcome outcome = IFile::LineOutcome::Line;
+    for (uint32_t lines = 0; lines < saf::kMaxHeaderLines; ++lines) {
+        // A failed read is not the end of the header: a part of it would pass
+        // for the whole, and a later save would write the part back.
+        if ((outcome = GetTag(f, tag)) != IFile::LineOutcome::Line) break;
+        int64_t at = f->GetPosition();
+        if (at < 0) return false;
+        uint32_t position = uint32_t(at);
         if (HasName(tag, saf::kPadding)) continue;
         if (HasName(tag, saf::kHdSize) && tag.value.CompareNoCase(u"Auto") != 0) limit = _wtol(tag.value.GetUTF16());
         tags.Add(tag);
         if (HasName(tag, saf::kData) || position == uint32_t(limit)) break;
     }
-    dataPosition = uint32_t(f->GetPosition());
+    if (outcome == IFile::LineOutcome::Failed) return false;
+    int64_t end = f->GetPosition();
+    if (end < 0) return false;
+    dataPosition = uint32_t(end);
     headerEndsAsStated = limit <= 0 || dataPosition == uint32_t(limit);
 
     if (tags.nItems() == 0 || !HasName(tags.GetAt(0), saf::kHdSize)) return false;
