@@ -43,9 +43,9 @@ char16_t *ColumnField(CPODFile::Column &c, int kind, size_t &size) {
     }
 }
 
-uint32_t RowEntrySize(uint32_t columns) {
-    return uint32_t(sizeof(SPODRowSpan) + sizeof(CPODFile::CellEntry) * columns);
-}
+constexpr uint8_t kCellsMade = 1;
+
+uint32_t CellItemSize(uint32_t columns) { return uint32_t(1 + sizeof(CPODFile::CellEntry) * columns); }
 
 bool CopyText(char16_t *out, size_t size, char16_t const *text) {
     size_t n = 0;
@@ -93,14 +93,28 @@ CString Decimal(uint32_t v) {
 } // namespace
 
 CPODFile::CPODFile(uint32_t windowBudget)
-    : index(RowEntrySize(0), windowBudget), line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
+    : index(sizeof(SPODRowSpan), windowBudget), cellIndex(CellItemSize(0), windowBudget),
+      line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
 
 CPODFile::~CPODFile() { Destroy(); }
 
+// A row's records are made on first use: cells of a line read from the
+// source file come from it, those of a row added since start empty.
 CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
     if (row >= index.GetCount()) return nullptr;
-    uint8_t *item = index.GetItem(row);
-    return item ? reinterpret_cast<CellEntry *>(item + sizeof(SPODRowSpan)) : nullptr;
+    uint8_t const *spanItem = index.ReadItem(row);
+    if (!spanItem) return nullptr;
+    SPODRowSpan span;
+    std::memcpy(&span, spanItem, sizeof span);
+    uint8_t *item = cellIndex.GetItem(row);
+    if (!item) return nullptr;
+    auto *cells = reinterpret_cast<CellEntry *>(item + 1);
+    if (item[0] != kCellsMade) {
+        for (uint32_t col = 0; col < ColumnCount(); ++col)
+            cells[col] = {col < sourceFields && span.length ? kCellSource : kCellEmpty, kNoSlot, kNoSlot, kPODNone};
+        item[0] = kCellsMade;
+    }
+    return cells;
 }
 
 bool CPODFile::StartDiffFile() {
@@ -118,6 +132,7 @@ void CPODFile::Destroy() {
     }
     diffFile.reset();
     index.Empty();
+    cellIndex.Empty();
     columns.clear();
     header.Destroy();
     fields.clear();
@@ -133,7 +148,7 @@ bool CPODFile::StartHeader() {
 
 bool CPODFile::New() {
     Destroy();
-    if (!StartHeader() || !line || !index.SetItemSize(RowEntrySize(0)) || !StartDiffFile()) return false;
+    if (!StartHeader() || !line || !cellIndex.SetItemSize(CellItemSize(0)) || !StartDiffFile()) return false;
     isOpen = isModified = true;
     return true;
 }
@@ -234,10 +249,8 @@ bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
     fields.assign(count, nullptr);
     columns.assign(count, Column{{}, {}, {}, {}, 1});
     int64_t position = plain ? 0 : header.GetDataPosition();
-    CellEntry const fromSource{kCellSource, kNoSlot, kNoSlot, kPODNone};
-    std::vector<CellEntry> tail(count, fromSource);
-    if (!ReadHeaderLines(position) || !index.SetItemSize(RowEntrySize(count)) ||
-        !IndexPODLines(*source, position, index, tail.data(), count * sizeof(CellEntry)) || !SourceUnchanged())
+    if (!ReadHeaderLines(position) || !cellIndex.SetItemSize(CellItemSize(count)) ||
+        !IndexPODLines(*source, position, index) || !SourceUnchanged())
         return Destroy(), false;
     if (!StartDiffFile()) return Destroy(), false;
     liveColumns = count;
@@ -264,6 +277,7 @@ int CPODFile::MoveRowToCache(uint32_t row) {
     SPODRowSpan span;
     std::memcpy(&span, item, sizeof span);
     cells = Cells(row);
+    if (!cells) return -1;
     bool fromSource = false;
     for (uint32_t col = 0; col < n; ++col) fromSource |= cells[col].state == kCellSource;
     if (fromSource && !ReadSourceLine(span.position, span.length)) return -1;
@@ -402,7 +416,7 @@ uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t
     Column column{{}, {}, {}, {}, 1};
     if (!isOpen || ColumnCount() >= kMaxColumns || !CopyText(column.name, 128, name ? name : u"") ||
         !CopyText(column.cls, 128, cls ? cls : u"") || !CopyText(column.unit, 64, unit ? unit : u"") ||
-        !CopyText(column.type, 64, type ? type : u"") || !index.SetItemSize(RowEntrySize(ColumnCount() + 1)))
+        !CopyText(column.type, 64, type ? type : u"") || !cellIndex.SetItemSize(CellItemSize(ColumnCount() + 1)))
         return kPODNone;
     uint32_t const col = ColumnCount();
     columns.push_back(column);
@@ -429,9 +443,7 @@ uint32_t CPODFile::AddRow() {
     uint32_t const row = nDPs();
     uint8_t *item = index.GetItem(row);
     if (!item) return kPODNone;
-    std::memset(item, 0, sizeof(SPODRowSpan));
-    CellEntry *cells = reinterpret_cast<CellEntry *>(item + sizeof(SPODRowSpan));
-    for (uint32_t col = 0; col < ColumnCount(); ++col) cells[col] = {kCellEmpty, kNoSlot, kNoSlot, kPODNone};
+    std::memset(item, 0, sizeof(SPODRowSpan)); // no line: its cells start empty (see Cells)
     isModified = true;
     return row;
 }
@@ -471,7 +483,7 @@ void CPODFile::RemoveRow(uint32_t row) {
             if (!cells) return Damaged();
         }
     }
-    if (!index.Remove(row)) return Damaged();
+    if (!cellIndex.Remove(row) || !index.Remove(row)) return Damaged();
     isModified = true;
 }
 

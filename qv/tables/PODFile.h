@@ -2,8 +2,10 @@
 
 /// @file
 /// CPODFile: a POD table of any length at a fixed memory cost. The source text
-/// stays on disk and is read a line at a time; the row index lives in a
-/// temporary file behind a 512 KiB window; 64 parsed rows sit in a row cache;
+/// stays on disk and is read a line at a time; the row index (each row's line
+/// position) lives in a temporary file behind a 512 KiB window, and the rows'
+/// cell records in another, made for a row only when it is first read or
+/// edited; 64 parsed rows sit in a row cache;
 /// edited cells fall through a 32-cell diff cache into a temporary diff file.
 /// Nothing reaches the real file until Save writes it out whole, through a
 /// temporary file and a rename, so a failed Save leaves the old file whole.
@@ -83,7 +85,7 @@ public:
         uint32_t live; ///< 1 live, 0 removed
     };
 #pragma pack(push, 1)
-    /// Where one cell's value lives, as stored in the row index (10 bytes).
+    /// Where one cell's value lives, as stored in the cell records (10 bytes).
     struct CellEntry {
         uint32_t state;   ///< 0 empty, 1 source file, 2 row cache, 3 diff cache, 4 diff file, 5 column removed
         uint8_t rowSlot;  ///< row-cache slot, 0xFF for none
@@ -133,7 +135,11 @@ private:
     std::vector<Column> columns;
     std::vector<DiffEntry> diffCache;
     std::vector<CachedRow> rowCache;
-    CPersistedArray index;
+    CPersistedArray index; ///< an SPODRowSpan per row
+    /// Per row a made flag byte, then a CellEntry per column. Rows at or past
+    /// its count, or with the flag 0, hold their first records implicitly:
+    /// opening a table then writes only the line positions.
+    CPersistedArray cellIndex;
     std::unique_ptr<CPersistedArray> diffFile;
     std::vector<char const *> fields;
     uint32_t sourceFields = 0;

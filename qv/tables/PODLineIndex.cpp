@@ -12,25 +12,25 @@ namespace qv {
 namespace {
 
 constexpr uint32_t kBlock = 0x80000;
+// Items go out in 64 KiB writes: large enough that the calls cost nothing,
+// small enough that the batch stays in cache.
+constexpr uint32_t kBatch = 0x10000;
 constexpr uint32_t kSeekStart = 1;
 
-// Items made a block at a time from one template: the caller's tail behind
-// the span, zeros after it.
+// Items made a block at a time; bytes behind the span stay zero.
 class CRowBatch {
 public:
-    CRowBatch(CPersistedArray &index, void const *tail, uint32_t tailSize)
-        : index(index), itemSize(index.GetItemSize()), capacity(kBlock / itemSize ? kBlock / itemSize : 1),
-          items(new (std::nothrow) uint8_t[size_t(capacity) * itemSize]), tail(tail), tailSize(tailSize) {}
+    explicit CRowBatch(CPersistedArray &index)
+        : index(index), itemSize(index.GetItemSize()), capacity(kBatch / itemSize ? kBatch / itemSize : 1),
+          items(new (std::nothrow) uint8_t[size_t(capacity) * itemSize]()) {}
 
     bool IsReady() const { return items != nullptr; }
 
     bool Add(int64_t position, int64_t end) {
         if (end - position > UINT32_MAX) return false;
         if (count == capacity && !Flush()) return false;
-        uint8_t *item = items.get() + size_t(count++) * itemSize;
         SPODRowSpan const span{position, uint32_t(end - position)};
-        std::memcpy(item, &span, sizeof span);
-        if (!prepared) Prepare();
+        std::memcpy(items.get() + size_t(count++) * itemSize, &span, sizeof span);
         return true;
     }
 
@@ -41,35 +41,20 @@ public:
     }
 
 private:
-    // The part behind the span is the same in every item: written once into
-    // each place of the batch, never again.
-    void Prepare() {
-        for (uint32_t i = 0; i < capacity; ++i) {
-            uint8_t *item = items.get() + size_t(i) * itemSize;
-            std::memset(item + sizeof(SPODRowSpan), 0, itemSize - sizeof(SPODRowSpan));
-            if (tail) std::memcpy(item + sizeof(SPODRowSpan), tail, tailSize);
-        }
-        prepared = true;
-    }
-
     CPersistedArray &index;
     uint32_t const itemSize;
     uint32_t const capacity;
     std::unique_ptr<uint8_t[]> items;
-    void const *tail;
-    uint32_t tailSize;
     uint32_t count = 0;
-    bool prepared = false;
 };
 
 } // namespace
 
-bool IndexPODLines(IFile &file, int64_t start, CPersistedArray &index, void const *tail, uint32_t tailSize) {
-    if (index.GetItemSize() < sizeof(SPODRowSpan) + uint64_t(tail ? tailSize : 0) ||
-        file.Seek(start, kSeekStart) != start)
+bool IndexPODLines(IFile &file, int64_t start, CPersistedArray &index) {
+    if (index.GetItemSize() < sizeof(SPODRowSpan) || file.Seek(start, kSeekStart) != start)
         return false;
     std::unique_ptr<uint8_t[]> block(new (std::nothrow) uint8_t[kBlock]);
-    CRowBatch rows(index, tail, tailSize);
+    CRowBatch rows(index);
     if (!block || !rows.IsReady()) return false;
     int64_t lineStart = start;
     int64_t blockPosition = start;
