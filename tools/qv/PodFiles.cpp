@@ -26,6 +26,12 @@ bool PodIndex(char const *text, uint32_t limit, char const *what, uint32_t &out)
     return true;
 }
 
+bool PodCell(qv::CPODFile &pod, char const *rowText, char const *columnText, uint32_t &row, uint32_t &col) {
+    if (!PodIndex(rowText, pod.nDPs(), "row", row)) return false;
+    return pod.FindColumn(qv::CString(columnText).GetUTF16(), col) ||
+           PodIndex(columnText, pod.nParams(), "column", col);
+}
+
 std::string PodText(char16_t const *value) { return value ? qv::CString(value).GetUTF8() : ""; }
 
 } // namespace qvtool

@@ -11,6 +11,9 @@ namespace qvtool {
 bool OpenPod(char const *path, qv::CPODFile &pod);
 // A row or column number below limit, or false after printing a sentence.
 bool PodIndex(char const *text, uint32_t limit, char const *what, uint32_t &out);
+// The cell that rowText and columnText (a number or a column's name) name, or
+// false after printing a sentence.
+bool PodCell(qv::CPODFile &pod, char const *rowText, char const *columnText, uint32_t &row, uint32_t &col);
 std::string PodText(char16_t const *value);
 
 } // namespace qvtool

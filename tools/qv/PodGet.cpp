@@ -12,9 +12,7 @@ int RunPodGet(char *const *args) {
     qv::CPODFile pod;
     if (!OpenPod(args[0], pod)) return kExitFailed;
     uint32_t row = 0, col = 0;
-    if (!PodIndex(args[1], pod.nDPs(), "row", row)) return kExitFailed;
-    if (!pod.FindColumn(qv::CString(args[2]).GetUTF16(), col) && !PodIndex(args[2], pod.nParams(), "column", col))
-        return kExitFailed;
+    if (!PodCell(pod, args[1], args[2], row, col)) return kExitFailed;
     char16_t const *value = pod.GetValue(col, row);
     if (!value) return Fail("cannot read row %u column %u of %s", row, col, args[0]);
     std::printf("%s\n", PodText(value).c_str());

@@ -12,9 +12,7 @@ int RunPodSet(char *const *args) {
     qv::CPODFile pod;
     if (!OpenPod(args[0], pod)) return kExitFailed;
     uint32_t row = 0, col = 0;
-    if (!PodIndex(args[1], pod.nDPs(), "row", row)) return kExitFailed;
-    if (!pod.FindColumn(qv::CString(args[2]).GetUTF16(), col) && !PodIndex(args[2], pod.nParams(), "column", col))
-        return kExitFailed;
+    if (!PodCell(pod, args[1], args[2], row, col)) return kExitFailed;
     if (!pod.PutValue(col, row, qv::CString(args[3]).GetUTF16()))
         return Fail("cannot store the value: a cell holds at most 255 characters");
     if (!pod.Save(&qv::GetFileSystem(), qv::CString(args[0]).GetUTF16(), false, false))
