@@ -14,8 +14,6 @@ using namespace indexed;
 namespace {
 
 constexpr uint32_t kSlotsPerGrowth = 4;
-constexpr uint32_t kOpenForRead = kOpenExisting | kOpenRead;               // 0x12
-constexpr uint32_t kOpenForWrite = kOpenExisting | kOpenRead | kOpenWrite; // 0x32
 
 } // namespace
 

@@ -34,6 +34,7 @@
 #include "qv/core/Export.h"
 #include "qv/core/String.h"
 #include "qv/files/IFile.h"
+#include "qv/files/OpenFlags.h"
 
 namespace qv {
 
@@ -132,6 +133,13 @@ public:
 protected:
     static constexpr uint32_t kHeaderSize = 64; ///< bytes of the header at offset 0
     static constexpr uint32_t kSlotSize = 32;   ///< bytes of one index record
+    /// How a host is opened by path: an existing one to read or to write, or
+    /// a new one.
+    ///@{
+    static constexpr uint32_t kOpenForRead = kOpenExisting | kOpenRead;               // 0x12
+    static constexpr uint32_t kOpenForWrite = kOpenExisting | kOpenRead | kOpenWrite; // 0x32
+    static constexpr uint32_t kOpenNew = kOpenCreateAlways | kOpenRead | kOpenWrite;  // 0x38
+    ///@}
 
     CIndexedContainer() = default;
     ~CIndexedContainer(); ///< derived classes Close first: Save needs their header

@@ -11,14 +11,6 @@ namespace qv {
 
 using namespace indexed;
 
-namespace {
-
-constexpr uint32_t kOpenForRead = kOpenExisting | kOpenRead;               // 0x12
-constexpr uint32_t kOpenForWrite = kOpenExisting | kOpenRead | kOpenWrite; // 0x32
-constexpr uint32_t kOpenNew = kOpenCreateAlways | kOpenRead | kOpenWrite;  // 0x38
-
-} // namespace
-
 CVQRFile::~CVQRFile() {
     Close();
 }

@@ -13,10 +13,7 @@ using namespace indexed;
 
 namespace {
 
-constexpr uint32_t kOpenForRead = kOpenExisting | kOpenRead;               // 0x12
-constexpr uint32_t kOpenForWrite = kOpenExisting | kOpenRead | kOpenWrite; // 0x32
-constexpr uint32_t kOpenNew = kOpenCreateAlways | kOpenRead | kOpenWrite;  // 0x38
-constexpr int64_t kLargestBlock = 0xFFFFFFFF;                              // sizes are stored in 32 bits
+constexpr int64_t kLargestBlock = 0xFFFFFFFF; // sizes are stored in 32 bits
 
 } // namespace
 
