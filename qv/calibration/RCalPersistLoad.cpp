@@ -7,7 +7,6 @@
 #include "qv/calibration/RCalStream.h"
 #include "qv/filesystems/FileSystem.h"
 
-#include <cmath>
 #include <cstring>
 
 namespace qv {
@@ -222,16 +221,17 @@ void ReadRangesSection(CRCalReader &r, CRCalFile &cal) {
 }
 
 // Bytes 0 to 3 are not compared: files exist with other bytes there.
-bool ReadHeader(CRCalReader &r, IFile &file) {
-    char magic[8] = {};
-    if (file.Read(magic, 8) != 8 || std::memcmp(magic + 4, kRCalMagic + 4, 4) != 0) return false;
+bool ReadHeader(CRCalReader &r) {
+    char magic[8];
+    r.Bytes(magic, 8);
+    if (!r.Ok() || std::memcmp(magic + 4, kRCalMagic + 4, 4) != 0) return false;
     return r.U16() == 0 && r.Ok();
 }
 
 // The base and each later section present; the revision read, or -1.
 int ReadSections(IFile &file, CRCalFile &cal, uint32_t flags) {
     CRCalReader r(file);
-    if (!ReadHeader(r, file)) return -1;
+    if (!ReadHeader(r)) return -1;
     ReadBase(r, cal);
     int revision = kRCalBase;
     for (int section = kRCalReflected; section <= kRCalCurrentRevision && r.More(); ++section) {
@@ -246,13 +246,7 @@ int ReadSections(IFile &file, CRCalFile &cal, uint32_t flags) {
         }
         revision = section;
     }
-    return r.Ok() ? revision : -1;
-}
-
-bool AllFinite(TArray<double> const &values) {
-    for (uint32_t i = 0; i < values.GetSize(); ++i)
-        if (!std::isfinite(values.GetAt(i))) return false;
-    return true;
+    return r.Finish() ? revision : -1;
 }
 
 // Fits recomputed for an older file can come out NaN (a top hat that starts

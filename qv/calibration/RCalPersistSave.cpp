@@ -212,7 +212,7 @@ bool CRCalFile::Save(IFile *file, uint32_t flags) {
     WriteTagsSection(w, *this);
     w.U32(kRCalMarkValue);
     WriteRangesSection(w, *this);
-    return w.Ok();
+    return w.Finish();
 }
 
 bool CRCalFile::Save(IFileSystem *fs, char16_t const *path, uint32_t flags) {

@@ -1,9 +1,10 @@
 #include "qv/calibration/RCalStream.h"
 
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <string>
+
+#include "qv/files/ByteOrder.h"
 
 namespace qv::calibration_detail {
 
@@ -15,20 +16,91 @@ constexpr uint16_t kArchiveMaxWide = 0xFFFD;
 
 } // namespace
 
+// Works on the exponent bits rather than calling isfinite per value, so that
+// the loop has no branch and runs over whole vectors: one more than an
+// all-ones exponent (NaN, infinity) carries into the top bit.
+bool AllFinite(TArray<double> const &values) {
+    constexpr uint64_t kExponent = 0x7FF0000000000000ull, kExponentOne = 0x0010000000000000ull;
+    double const *v = values.GetData();
+    uint64_t carried = 0;
+    for (uint32_t i = 0; i < values.GetSize(); ++i) {
+        uint64_t bits;
+        std::memcpy(&bits, v + i, sizeof bits);
+        carried |= (bits & kExponent) + kExponentOne;
+    }
+    return (carried >> 63) == 0;
+}
+
+// ---- Reader ----
+
+CRCalReader::CRCalReader(IFile &file) : file_(file) {
+    int64_t remaining = file.GetRemaining();
+    unread_ = remaining > 0 ? remaining : 0;
+}
+
 bool CRCalReader::More() {
-    return ok_ && file_.GetRemaining() > 0;
+    return ok_ && unread_ > 0;
+}
+
+bool CRCalReader::Finish() {
+    HandBack();
+    return ok_;
+}
+
+void CRCalReader::HandBack() {
+    if (end_ > at_) file_.Seek(-int64_t(end_ - at_), 2);
+    at_ = end_ = 0;
+}
+
+// A short read fails, as it did field by field: the bytes that remain are
+// known, so the reader never asks the file for more than it has.
+bool CRCalReader::Take(void *data, uint32_t n) {
+    if (!ok_ || int64_t(n) > unread_) {
+        ok_ = false;
+        return false;
+    }
+    auto *out = static_cast<unsigned char *>(data);
+    uint32_t buffered = end_ - at_;
+    uint32_t first = n < buffered ? n : buffered;
+    if (first) std::memcpy(out, ahead_ + at_, first);
+    at_ += first;
+    unread_ -= first;
+    if (first == n) return true;
+    out += first;
+    n -= first;
+    at_ = end_ = 0;
+    if (n >= kAheadBytes) {
+        ok_ = file_.Read(out, n) == n;
+        unread_ -= n;
+        return ok_;
+    }
+    uint32_t ahead = unread_ < kAheadBytes ? uint32_t(unread_) : kAheadBytes;
+    if (file_.Read(ahead_, ahead) != ahead) {
+        ok_ = false;
+        return false;
+    }
+    std::memcpy(out, ahead_, n);
+    at_ = n;
+    end_ = ahead;
+    unread_ -= n;
+    return true;
+}
+
+template <class T> T CRCalReader::Typed() {
+    unsigned char bytes[sizeof(T)];
+    T v{};
+    if (!Take(bytes, sizeof bytes)) return v;
+    if (file_.m_swap) ReverseItems(bytes, 1, sizeof bytes);
+    std::memcpy(&v, bytes, sizeof v);
+    return v;
 }
 
 uint16_t CRCalReader::U16() {
-    uint16_t v = 0;
-    if (ok_ && !file_.GetWORD(v)) ok_ = false;
-    return v;
+    return Typed<uint16_t>();
 }
 
 uint32_t CRCalReader::U32() {
-    uint32_t v = 0;
-    if (ok_ && !file_.GetDWORD(v)) ok_ = false;
-    return v;
+    return Typed<uint32_t>();
 }
 
 int32_t CRCalReader::I32() {
@@ -36,9 +108,7 @@ int32_t CRCalReader::I32() {
 }
 
 bool CRCalReader::Bool() {
-    bool v = false;
-    if (ok_ && !file_.GetBool(v)) ok_ = false;
-    return v;
+    return Typed<uint8_t>() == 1;
 }
 
 bool CRCalReader::BOOL() {
@@ -46,58 +116,57 @@ bool CRCalReader::BOOL() {
 }
 
 double CRCalReader::F64() {
-    double v = 0;
-    if (ok_ && !file_.GetDouble(v)) ok_ = false;
-    return v;
+    return Typed<double>();
+}
+
+void CRCalReader::Bytes(void *data, uint32_t n) {
+    if (!Take(data, n)) std::memset(data, 0, n);
 }
 
 // Read here rather than with IFile::GetArchiveString, which takes a short
 // text as it comes: a cut file must fail.
 CString CRCalReader::ArchiveString() {
-    uint8_t first = 0;
-    if (ok_ && !file_.GetBYTE(first)) ok_ = false;
-    uint32_t n = first;
-    if (first == kArchiveWide) {
+    uint32_t n = Typed<uint8_t>();
+    if (n == kArchiveWide) {
         n = U16();
         if (n == kArchiveLong) n = U32();
     }
-    if (!ok_ || int64_t(n) > file_.GetRemaining()) {
+    if (!ok_ || int64_t(n) > unread_) {
         ok_ = false;
         return CString();
     }
     std::string bytes(n, '\0');
-    if (n && file_.Read(bytes.data(), n) != n) ok_ = false;
-    return ok_ ? CString(bytes.c_str()) : CString();
+    return Take(bytes.data(), n) ? CString(bytes.c_str()) : CString();
 }
 
+// The file's own reading, from the reader's position; what remains is asked
+// again after it, as the string's length is its business.
 CString CRCalReader::String() {
     CString text;
-    if (ok_ && !file_.GetString(text)) ok_ = false;
+    if (!ok_) return text;
+    HandBack();
+    if (!file_.GetString(text)) ok_ = false;
+    int64_t remaining = file_.GetRemaining();
+    unread_ = remaining > 0 ? remaining : 0;
     return text;
 }
 
 uint32_t CRCalReader::Count(uint32_t bytesEach) {
     uint32_t n = U32();
-    if (ok_ && double(n) * bytesEach > double(file_.GetRemaining())) ok_ = false;
+    if (ok_ && double(n) * bytesEach > double(unread_)) ok_ = false;
     return ok_ ? n : 0;
 }
 
 void CRCalReader::Doubles(TArray<double> &values, uint32_t n, bool finite) {
     values.Empty();
     if (!ok_ || n == 0) return;
-    // One Read moves at most 4 GiB; beyond it a count is refused, not wrapped.
-    if (n > UINT32_MAX / 8 || double(n) * 8 > double(file_.GetRemaining()) || !values.SetSize(n) ||
-        file_.Read(values.GetData(), n * 8) != n * 8) {
+    // One read moves at most 4 GiB; beyond it a count is refused, not wrapped.
+    if (n > UINT32_MAX / 8 || double(n) * 8 > double(unread_) || !values.SetSize(n) || !Take(values.GetData(), n * 8)) {
         values.Empty();
         ok_ = false;
         return;
     }
-    if (!finite) return;
-    for (uint32_t i = 0; i < n; ++i)
-        if (!std::isfinite(values.GetAt(i))) {
-            ok_ = false;
-            return;
-        }
+    if (finite && !AllFinite(values)) ok_ = false;
 }
 
 void CRCalReader::CountedDoubles(TArray<double> &values, bool finite) {
@@ -106,23 +175,59 @@ void CRCalReader::CountedDoubles(TArray<double> &values, bool finite) {
 
 void CRCalReader::Skip(int64_t bytes) {
     if (!ok_) return;
-    if (bytes > file_.GetRemaining()) {
+    if (bytes > unread_) {
         ok_ = false;
         return;
     }
-    file_.Seek(bytes, 2);
+    uint32_t buffered = end_ - at_;
+    if (bytes <= int64_t(buffered)) {
+        at_ += uint32_t(bytes);
+    } else {
+        file_.Seek(bytes - buffered, 2);
+        at_ = end_ = 0;
+    }
+    unread_ -= bytes;
+}
+
+// ---- Writer ----
+
+bool CRCalWriter::Finish() {
+    Flush();
+    return ok_;
+}
+
+void CRCalWriter::Flush() {
+    if (ok_ && staged_ && file_.Write(stage_, staged_) != staged_) ok_ = false;
+    staged_ = 0;
 }
 
 void CRCalWriter::Bytes(void const *data, uint32_t n) {
-    if (ok_ && n && file_.Write(data, n) != n) ok_ = false;
+    if (!ok_ || n == 0) return;
+    if (n > kStageBytes - staged_) {
+        Flush();
+        if (n >= kStageBytes) {
+            if (ok_ && file_.Write(data, n) != n) ok_ = false;
+            return;
+        }
+    }
+    if (!ok_) return;
+    std::memcpy(stage_ + staged_, data, n);
+    staged_ += n;
+}
+
+template <class T> void CRCalWriter::Typed(T v) {
+    unsigned char bytes[sizeof(T)];
+    std::memcpy(bytes, &v, sizeof bytes);
+    if (file_.m_swap) ReverseItems(bytes, 1, sizeof bytes);
+    Bytes(bytes, sizeof bytes);
 }
 
 void CRCalWriter::U16(uint16_t v) {
-    if (ok_ && !file_.PutWORD(v)) ok_ = false;
+    Typed(v);
 }
 
 void CRCalWriter::U32(uint32_t v) {
-    if (ok_ && !file_.PutDWORD(v)) ok_ = false;
+    Typed(v);
 }
 
 void CRCalWriter::I32(int32_t v) {
@@ -130,7 +235,7 @@ void CRCalWriter::I32(int32_t v) {
 }
 
 void CRCalWriter::Bool(bool v) {
-    if (ok_ && !file_.PutBool(v)) ok_ = false;
+    Typed(uint8_t(v ? 1 : 0));
 }
 
 void CRCalWriter::BOOL(bool v) {
@@ -138,7 +243,7 @@ void CRCalWriter::BOOL(bool v) {
 }
 
 void CRCalWriter::F64(double v) {
-    if (ok_ && !file_.PutDouble(v)) ok_ = false;
+    Typed(v);
 }
 
 // The layout of IFile::PutArchiveString, written here so that an empty text
@@ -158,7 +263,9 @@ void CRCalWriter::ArchiveString(CString const &text) {
     Bytes(utf8, n);
 }
 
+// The file writes the string itself, behind what is staged.
 void CRCalWriter::String(CString const &text) {
+    Flush();
     if (ok_ && !file_.PutString(text.GetUTF8())) ok_ = false;
 }
 

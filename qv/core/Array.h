@@ -121,6 +121,14 @@ public:
     ///@{
     bool ImplicitAddition(uint32_t n) {
         if (!Dimension(n)) return false;
+        if constexpr (std::is_arithmetic_v<T>) {
+            // A value-initialised number is all zero bytes: one fill, not a loop.
+            if (n > count) {
+                std::memset(static_cast<void *>(data + count), 0, size_t(n - count) * sizeof(T));
+                count = n;
+            }
+            return true;
+        }
         for (; count < n; ++count)
             Construct(data + count);
         return true;
@@ -297,7 +305,16 @@ private:
     bool AddAll(ArrayBase const &other) {
         // One block for all of them when it can be had: item by item at a
         // small growth rate would copy the block once per rate items.
-        if (other.count <= UINT32_MAX - count) Dimension(count + other.count);
+        bool reserved = other.count <= UINT32_MAX - count && Dimension(count + other.count);
+        if constexpr (std::is_trivially_copyable_v<T>) {
+            // Plain items go over as one block; other may be this array.
+            if (reserved) {
+                if (other.count)
+                    std::memcpy(static_cast<void *>(data + count), other.data, size_t(other.count) * sizeof(T));
+                count += other.count;
+                return true;
+            }
+        }
         for (uint32_t i = 0; i < other.count; ++i)
             if (!Add(other.data[i])) return false;
         return true;

@@ -279,6 +279,46 @@ TEST(RCalFile, SaveWritesTheLayoutByteForByte) {
     EXPECT_EQ(SaveBytes(cal), file);
 }
 
+// A byte-reversed file reverses every typed field but leaves the raw arrays
+// (the curves) as they are, and loads back with m_swap set.
+TEST(RCalFile, ByteReversedFilesReverseTheTypedFieldsOnly) {
+    CRCalFile cal;
+    ASSERT_TRUE(LoadBytes(cal, BuildOldRCal(7)));
+    Bytes plain = SaveBytes(cal);
+    CMemFile swapped;
+    swapped.m_swap = true;
+    ASSERT_TRUE(cal.Save(&swapped, 0));
+    Bytes reversed(swapped.GetData(), swapped.GetData() + swapped.GetSize());
+    ASSERT_EQ(reversed.size(), plain.size());
+    EXPECT_EQ(Bytes(reversed.begin() + kPageCount, reversed.begin() + kPageCount + 4), (Bytes{0, 0, 0, 1}));
+    EXPECT_EQ(Bytes(reversed.begin() + kSection3, reversed.begin() + kSection3 + 4), (Bytes{0, 0, 0, 5}));
+    EXPECT_EQ(Bytes(reversed.begin() + kSection3 + 4, reversed.begin() + kSection3 + 84),
+              Bytes(plain.begin() + kSection3 + 4, plain.begin() + kSection3 + 84))
+        << "the response's samples";
+    swapped.SeekToBegin();
+    CRCalFile back;
+    ASSERT_TRUE(back.Load(&swapped, 0));
+    EXPECT_EQ(SaveBytes(back), plain);
+}
+
+// The reader takes the file a block at a time, and curves larger than a block
+// straight into their arrays; bytes behind the last section stay unread.
+TEST(RCalFile, ALoadStopsBehindTheLastSection) {
+    CRCalFile cal;
+    BuildCalibration(cal);
+    cal.SetSpectralResponseTophat(3.0, 5.0, 0.001);
+    Bytes saved = SaveBytes(cal);
+    CMemFile file;
+    file.Write(saved.data(), uint32_t(saved.size()));
+    file.Write("tail", 4);
+    file.SeekToBegin();
+    CRCalFile loaded;
+    ASSERT_TRUE(loaded.Load(&file, 0));
+    EXPECT_EQ(file.GetPosition(), int64_t(saved.size()));
+    EXPECT_GT(loaded.RawResponse.X.GetSize(), 512u) << "more than a block of doubles";
+    EXPECT_EQ(SaveBytes(loaded), saved);
+}
+
 TEST(RCalFile, HostileFilesAreRefused) {
     Bytes good = BuildOldRCal(7);
     Bytes file = good;

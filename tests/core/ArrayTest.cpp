@@ -130,6 +130,28 @@ TEST(Array, InsertRemoveReplace) {
     EXPECT_EQ(self[21], 5);
 }
 
+// Numbers are zero-filled and copied a block at a time; the results are
+// those of item by item.
+TEST(Array, NumbersRegrowAsZerosAndCopyWhole) {
+    auto values = [](TArray<double> const &a) { return std::vector<double>(a.GetData(), a.GetData() + a.GetSize()); };
+    TArray<double> a;
+    for (double v : {1.5, 2.5, 3.5})
+        a.Add(v);
+    a.SetSize(1);
+    a.SetSize(3); // the dropped values do not come back
+    a.GetItem(4) = 7;
+    EXPECT_EQ(values(a), (std::vector<double>{1.5, 0, 0, 0, 7}));
+    TArray<double> copy(a);
+    EXPECT_EQ(values(copy), values(a));
+    EXPECT_EQ(copy.GetCapacity(), 10u); // one block at the default rate
+    TArray<double> b;
+    b.Add(9);
+    b = a;
+    EXPECT_EQ(values(b), values(a));
+    b = TArray<double>();
+    EXPECT_EQ(b.GetSize(), 0u);
+}
+
 TEST(Array, ElementsRelocateAsRawBytes) {
     {
         TArray<Tracked> a;
