@@ -307,7 +307,7 @@ private:
         // small growth rate would copy the block once per rate items.
         bool reserved = other.count <= UINT32_MAX - count && Dimension(count + other.count);
         if constexpr (std::is_trivially_copyable_v<T>) {
-            // Plain items go over as one block; other may be this array.
+            // Plain items go over as one block.
             if (reserved) {
                 if (other.count)
                     std::memcpy(static_cast<void *>(data + count), other.data, size_t(other.count) * sizeof(T));
