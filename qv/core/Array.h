@@ -121,6 +121,13 @@ public:
     ///@{
     bool ImplicitAddition(uint32_t n) {
         if (!Dimension(n)) return false;
+        if constexpr (std::is_arithmetic_v<T>) { // T() is all zero bits: one memset, not an item loop
+            if (n > count) {
+                std::memset(static_cast<void *>(data + count), 0, size_t(n - count) * sizeof(T));
+                count = n;
+            }
+            return true;
+        }
         for (; count < n; ++count)
             Construct(data + count);
         return true;
