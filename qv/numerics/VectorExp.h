@@ -46,13 +46,19 @@ struct SDekkerSquare {
 
 // The same exact value in one fused multiply-subtract, for eight lanes in
 // code built for AVX-512 only. (Written as an instruction: an intrinsic would
-// ask every caller up the inlined chain to be built for AVX-512 too.)
+// ask every caller up the inlined chain to be built for AVX-512 too. clang
+// judges the operand by the enclosing function's instruction set, so its
+// builds keep Dekker's product.)
+#if defined(__clang__)
+using SFusedSquare = SDekkerSquare;
+#else
 struct SFusedSquare {
     [[gnu::always_inline]] static void Error(ExpVector8 const &r, ExpVector8 const &square, ExpVector8 &error) {
         error = square;
         asm("vfmsub231pd %1, %1, %0" : "+v"(error) : "v"(r));
     }
 };
+#endif
 
 // e^x for x in [kExpLowest, kExpHighest]; Real is double or ExpVector, Bits
 // the matching unsigned integers, Square how rHi^2's rounding error is found
