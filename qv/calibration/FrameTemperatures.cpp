@@ -3,6 +3,7 @@
 #include "qv/calibration/FrameTemperatures.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -81,15 +82,63 @@ template <class C> __attribute__((target("avx2"))) void SpanAvx2(void const *in,
     SpanLoop<C>(in, n, low, high);
 }
 
+template <class C>
+__attribute__((target("avx512f,avx512bw,avx512vl"))) void SpanAvx512(void const *in, size_t n, C &low, C &high) {
+    SpanLoop<C>(in, n, low, high);
+}
+
 // The span of n > 0 integer counts.
 template <class C> void Extremes(STypedData counts, uint32_t n, int64_t &low, int64_t &high) {
     C lo, hi;
-    if (cpu::CpuPath() >= cpu::CP_AVX2)
+    cpu::ECpuPath const path = cpu::CpuPath();
+    if (path >= cpu::CP_AVX512)
+        SpanAvx512<C>(counts.Data, n, lo, hi);
+    else if (path >= cpu::CP_AVX2)
         SpanAvx2<C>(counts.Data, n, lo, hi);
     else
         SpanLoop<C>(counts.Data, n, lo, hi);
     low = lo;
     high = hi;
+}
+
+// Four 16-bit counts as their places in a table that starts at count low,
+// one 16-bit place each. Signed counts are first moved to unsigned order (sign
+// bit flipped), so that no lane's difference borrows from the next: every
+// count is at least low, and its place is below 65536.
+template <class C> struct SFourPlaces {
+    static constexpr uint64_t kOrder = std::is_signed_v<C> ? 0x8000800080008000u : 0;
+    static constexpr uint64_t kLanes = 0x0001000100010001u;
+    uint64_t first;
+    explicit SFourPlaces(int64_t low) : first((uint64_t(uint16_t(low)) ^ (kOrder & 0xffff)) * kLanes) {}
+    uint64_t operator()(void const *counts) const {
+        uint64_t four;
+        std::memcpy(&four, counts, sizeof four);
+        return (four ^ kOrder) - first;
+    }
+};
+
+// The table's entries at four packed places, stored together at out (which
+// may be unaligned).
+template <class O> [[gnu::always_inline]] inline void FourEntries(O const *table, uint64_t places, unsigned char *out) {
+    O const four[4] = {table[places & 0xffff], table[(places >> 16) & 0xffff], table[(places >> 32) & 0xffff],
+                       table[places >> 48]};
+    std::memcpy(out, four, sizeof four);
+}
+
+// out[i] = table[in[i] - low] for 16-bit counts, eight at a time: one load
+// gives four places, and the entries leave in vector stores (measured faster
+// here than one load and store per count, and than AVX-512 gathers).
+// Gives the number of counts done, a multiple of 8.
+template <class C, class O>
+size_t LookUpPacked(void const *in, O const *table, int64_t low, unsigned char *out, size_t n) {
+    auto const *counts = static_cast<unsigned char const *>(in);
+    SFourPlaces<C> const places(low);
+    size_t i = 0;
+    for (; n - i >= 8; i += 8) {
+        FourEntries(table, places(counts + i * sizeof(C)), out + i * sizeof(O));
+        FourEntries(table, places(counts + (i + 4) * sizeof(C)), out + (i + 4) * sizeof(O));
+    }
+    return i;
 }
 
 template <class T> T *Offset(STypedData d, size_t i) { return static_cast<T *>(d.Data) + i; }
@@ -182,10 +231,11 @@ struct CFrameTemperatures::SState {
         void const *in = counts.Data;
         auto *bytes = static_cast<unsigned char *>(out.Data);
         int64_t const low = tableLow;
-        // Unrolled: the loop is nothing but loads and stores (gathers are
-        // slower than this on the machines measured).
+        size_t i = 0;
+        if constexpr (sizeof(C) == 2) i = LookUpPacked<C, O>(in, table, low, bytes, n);
+        // The rest, and other widths: nothing but loads and stores, unrolled.
 #pragma GCC unroll 8
-        for (size_t i = 0; i < n; ++i)
+        for (; i < n; ++i)
             StoreElement<O>(bytes, i, table[size_t(int64_t(LoadElement<C>(in, i)) - low)]);
     }
 

@@ -1,10 +1,11 @@
-// Planck's law over a wavelength axis, four wavelengths at a time: the
-// divisions and the exponential run as vectors (AVX2 where the machine has it,
-// qv/core/CpuPath.h), every path with exactly the operations and order of the
-// scalar formula. The exponential is qv's own (VectorExp.h), so accurate
-// that it gives the C library's bits nearly everywhere: an exponential off by
-// up to an ulp was tried once, and stored calibrations' temperature fits
-// amplified that last bit to 1e-10 of their coefficients.
+// Planck's law over a wavelength axis, four or eight wavelengths at a time:
+// the divisions and the exponential run as vectors (AVX2 or AVX-512 where the
+// machine has it, qv/core/CpuPath.h), every path with the results of the
+// scalar formula's operations in its order. The exponential is qv's own
+// (VectorExp.h), so accurate that it gives the C library's bits nearly
+// everywhere: an exponential off by up to an ulp was tried once, and stored
+// calibrations' temperature fits amplified that last bit to 1e-10 of their
+// coefficients.
 #include "qv/numerics/Planck.h"
 
 #include <cstring>
@@ -40,35 +41,62 @@ template <class Real>
     return y;
 }
 
-// Four at a time; the rare wavelengths whose exponential leaves the vector's
-// range (a result of 0 or NaN, far beyond any calibration) are redone one by one.
+// A vector of wavelengths at a time, in three passes over out (exponents,
+// exponentials, radiances): the formula in one pass is a chain too long for
+// the processor to keep many vectors in flight. The rare wavelengths whose
+// exponential leaves the vector's range (a result of 0 or NaN, far beyond any
+// calibration) are redone one by one.
+template <class Vector, class Bits, class Square = numerics_detail::SDekkerSquare>
 [[gnu::always_inline]] inline void PlanckLoop(double const *l, double *out, uint32_t n, double kelvin,
                                               double emissivity) {
-    using numerics_detail::ExpVector;
-    numerics_detail::ExpBits outside{};
-    uint32_t i = 0;
-    for (; n - i >= 4; i += 4) {
-        ExpVector four, ex, y;
-        std::memcpy(&four, l + i, sizeof four);
-        numerics_detail::ExpMarked(kSecondRadiationConstant / (four * kelvin), ex, outside);
-        Radiance(four, ex, emissivity, y);
-        std::memcpy(out + i, &y, sizeof y);
+    constexpr uint32_t kLanes = sizeof(Vector) / sizeof(double);
+    uint32_t const whole = n / kLanes * kLanes;
+    Vector lanes, v;
+    Bits outside{};
+    for (uint32_t i = 0; i < whole; i += kLanes) {
+        std::memcpy(&lanes, l + i, sizeof lanes);
+        v = kSecondRadiationConstant / (lanes * kelvin);
+        numerics_detail::MarkOutside(v, outside);
+        std::memcpy(out + i, &v, sizeof v);
     }
-    for (uint32_t k = i; k < n; ++k)
+    for (uint32_t i = 0; i < whole; i += kLanes) {
+        std::memcpy(&lanes, out + i, sizeof lanes);
+        numerics_detail::ExpInRange<Vector, Bits, Square>(lanes, v); // the marked lanes are redone below
+        std::memcpy(out + i, &v, sizeof v);
+    }
+    for (uint32_t i = 0; i < whole; i += kLanes) {
+        Vector ex;
+        std::memcpy(&lanes, l + i, sizeof lanes);
+        std::memcpy(&ex, out + i, sizeof ex);
+        Radiance(lanes, ex, emissivity, v);
+        std::memcpy(out + i, &v, sizeof v);
+    }
+    for (uint32_t k = whole; k < n; ++k)
         out[k] = PlanckOf(l[k], kelvin, emissivity);
-    if ((outside[0] | outside[1] | outside[2] | outside[3]) == 0) return;
-    for (uint32_t k = 0; k < i; ++k)
+    Bits none{};
+    if (__builtin_memcmp(&outside, &none, sizeof none) == 0) return;
+    for (uint32_t k = 0; k < whole; ++k)
         if (!numerics_detail::ExpInRangeFor(Exponent(l[k], kelvin))) out[k] = PlanckOf(l[k], kelvin, emissivity);
 }
 
+using Kernel = void (*)(double const *, double *, uint32_t, double, double);
+
 void PlanckBaseline(double const *l, double *out, uint32_t n, double kelvin, double emissivity) {
-    PlanckLoop(l, out, n, kelvin, emissivity);
+    PlanckLoop<numerics_detail::ExpVector, numerics_detail::ExpBits>(l, out, n, kelvin, emissivity);
 }
 
 __attribute__((target("avx2"))) void PlanckAvx2(double const *l, double *out, uint32_t n, double kelvin,
                                                 double emissivity) {
-    PlanckLoop(l, out, n, kelvin, emissivity);
+    PlanckLoop<numerics_detail::ExpVector, numerics_detail::ExpBits>(l, out, n, kelvin, emissivity);
 }
+
+__attribute__((target("avx512f,avx512vl"))) void PlanckAvx512(double const *l, double *out, uint32_t n, double kelvin,
+                                                              double emissivity) {
+    using namespace numerics_detail;
+    PlanckLoop<ExpVector8, ExpBits8, SFusedSquare>(l, out, n, kelvin, emissivity);
+}
+
+constexpr Kernel kKernels[cpu::kCpuPaths] = {PlanckBaseline, PlanckBaseline, PlanckAvx2, PlanckAvx512};
 
 } // namespace
 
@@ -76,8 +104,7 @@ void Planck(TArray<double> &x, TArray<double> &y, double temperature, double emi
     double *out = numerics_detail::Fresh(y, x);
     if (!out) return;
     double kelvin = temperature + 273.15;
-    auto const kernel = cpu::CpuPath() >= cpu::CP_AVX2 ? PlanckAvx2 : PlanckBaseline;
-    kernel(x.GetData(), out, y.GetSize(), kelvin, emissivity);
+    kKernels[cpu::CpuPath()](x.GetData(), out, y.GetSize(), kelvin, emissivity);
 }
 
 } // namespace qv

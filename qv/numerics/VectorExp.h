@@ -1,11 +1,12 @@
-// Exp and ExpMarked: e^x of one double or of four at once, with the same
-// operations on every instruction-set path (internal to libqv).
+// Exp and ExpMarked: e^x of one double or of four or eight at once, with the
+// same results on every instruction-set path (internal to libqv).
 //
 // The result is within a few hundredths of an ulp before its final rounding,
 // so it is the correctly rounded value but for rare ties, and agrees with the
 // C library's exp to the last bit nearly everywhere (stored radiances were
-// made with that). No fused multiply-add is used: the portable path has none,
-// and every path must give the same bits. Values whose result would overflow,
+// made with that). A fused multiply-add appears only where it computes an
+// exact value that the portable path also computes exactly (SFusedSquare):
+// every path must give the same bits. Values whose result would overflow,
 // be subnormal or NaN are left to the C library's exp.
 //
 // Method: x = n ln2 + r with |r| <= ln2/2, ln2 in two parts so that r is
@@ -27,16 +28,48 @@ inline constexpr double kExpHighest = 709.0; // e^x and 2^n are normal
 // instruction each, or two SSE2 ones on the portable path, with the same bits.
 using ExpVector = double __attribute__((vector_size(32)));
 using ExpBits = uint64_t __attribute__((vector_size(32)));
+// Eight, for AVX-512 (one instruction each there); again the same bits.
+using ExpVector8 = double __attribute__((vector_size(64)));
+using ExpBits8 = uint64_t __attribute__((vector_size(64)));
+
+// r * r - square, exactly, for square = r * r rounded: Dekker's product,
+// every step of it exact wherever the result can matter.
+struct SDekkerSquare {
+    template <class Real> [[gnu::always_inline]] static void Error(Real const &r, Real const &square, Real &error) {
+        constexpr double kSplit = 134217729.0; // 2^27 + 1
+        Real const c = r * kSplit;
+        Real const rh = c - (c - r);
+        Real const rl = r - rh;
+        error = ((rh * rh - square) + 2 * rh * rl) + rl * rl;
+    }
+};
+
+// The same exact value in one fused multiply-subtract, for eight lanes in
+// code built for AVX-512 only. (Written as an instruction: an intrinsic would
+// ask every caller up the inlined chain to be built for AVX-512 too. clang
+// judges the operand by the enclosing function's instruction set, so its
+// builds keep Dekker's product.)
+#if defined(__clang__)
+using SFusedSquare = SDekkerSquare;
+#else
+struct SFusedSquare {
+    [[gnu::always_inline]] static void Error(ExpVector8 const &r, ExpVector8 const &square, ExpVector8 &error) {
+        error = square;
+        asm("vfmsub231pd %1, %1, %0" : "+v"(error) : "v"(r));
+    }
+};
+#endif
 
 // e^x for x in [kExpLowest, kExpHighest]; Real is double or ExpVector, Bits
-// the matching unsigned integers. (Vectors pass by reference: by value their
-// calling convention would depend on the instruction set.)
-template <class Real, class Bits> [[gnu::always_inline]] inline void ExpInRange(Real const &x, Real &y) {
+// the matching unsigned integers, Square how rHi^2's rounding error is found
+// (the same exact value either way). (Vectors pass by reference: by value
+// their calling convention would depend on the instruction set.)
+template <class Real, class Bits, class Square = SDekkerSquare>
+[[gnu::always_inline]] inline void ExpInRange(Real const &x, Real &y) {
     constexpr double kInvLn2 = 0x1.71547652b82fep0;
     constexpr double kLn2Hi = 0x1.62e42fee00000p-1; // 32 bits: n * kLn2Hi is exact
     constexpr double kLn2Lo = 0x1.a39ef35793c76p-33;
     constexpr double kRoundShift = 0x1.8p52; // adding it rounds to an integer
-    constexpr double kSplit = 134217729.0;   // 2^27 + 1, Dekker's split
 
     Real const shifted = x * kInvLn2 + kRoundShift;
     Real const n = shifted - kRoundShift;
@@ -47,11 +80,9 @@ template <class Real, class Bits> [[gnu::always_inline]] inline void ExpInRange(
     Real const rHi = hi - lo;
     Real const rLo = (hi - rHi) - lo;
     // rHi^2 as sqHi + sqLo, exactly.
-    Real const c = rHi * kSplit;
-    Real const rh = c - (c - rHi);
-    Real const rl = rHi - rh;
     Real const sqHi = rHi * rHi;
-    Real const sqLo = ((rh * rh - sqHi) + 2 * rh * rl) + rl * rl;
+    Real sqLo;
+    Square::Error(rHi, sqHi, sqLo);
     // 1 + rHi + sqHi/2, each sum with its rounding error kept.
     Real const aHi = 1 + rHi;
     Real const aLo = (1 - aHi) + rHi;
@@ -83,14 +114,20 @@ inline bool ExpInRangeFor(double x) {
     return x >= kExpLowest && x <= kExpHighest;
 }
 
-// y = e^x, lane by lane, for the lanes in range; the others (beyond the
-// range, or NaN) get some value and are marked in outside, for the caller to
-// redo with the scalar Exp. Marking them costs less than testing each group.
-[[gnu::always_inline]] inline void ExpMarked(ExpVector const &x, ExpVector &y, ExpBits &outside) {
-    ExpVector clamped = x < kExpLowest ? kExpLowest : x;
-    clamped = clamped > kExpHighest ? kExpHighest : clamped;
-    outside |= (ExpBits)(clamped != x); // NaN too
-    ExpInRange<ExpVector, ExpBits>(clamped, y);
+// Marks in outside the lanes of x beyond [kExpLowest, kExpHighest], or NaN.
+// Vector is ExpVector or ExpVector8, Bits the matching ExpBits.
+template <class Vector, class Bits> [[gnu::always_inline]] inline void MarkOutside(Vector const &x, Bits &outside) {
+    outside |= ~((Bits)(x >= kExpLowest) & (Bits)(x <= kExpHighest));
+}
+
+// y = e^x, lane by lane, for the lanes in range; the others get some value
+// (the same arithmetic, harmless on any double) and are marked in outside,
+// for the caller to redo with the scalar Exp. Marking them costs less than
+// testing each group.
+template <class Vector, class Bits>
+[[gnu::always_inline]] inline void ExpMarked(Vector const &x, Vector &y, Bits &outside) {
+    MarkOutside(x, outside);
+    ExpInRange<Vector, Bits>(x, y);
 }
 
 // y = e^x: the C library's exp beyond the range.

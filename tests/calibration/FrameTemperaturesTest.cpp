@@ -87,6 +87,36 @@ TEST(FrameTemperatures, IntegerCountsAreBitIdenticalOnEveryScale) {
     ExpectBitIdentical<int64_t, double>(p, Spread<int64_t>(int64_t(1) << 60, 1, 500), DT_Int64, TT_Celsius);
 }
 
+// 16-bit counts go four to a load: spans across zero, below it and at the
+// top of the unsigned range, every path, both outputs, with a ragged end.
+TEST(FrameTemperatures, SixteenBitCountsOnEveryPath) {
+    CalibratedPage p;
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        ExpectBitIdentical<int16_t, float>(p, Spread<int16_t>(-150, 1, 301), DT_Int16, TT_Kelvin);
+        ExpectBitIdentical<int16_t, double>(p, Spread<int16_t>(-30000, 1, 1003), DT_Int16, TT_Celsius);
+        ExpectBitIdentical<uint16_t, double>(p, Spread<uint16_t>(65000, 1, 536), DT_UInt16, TT_Rankine);
+        ExpectBitIdentical<uint16_t, float>(p, Spread<uint16_t>(0, 1, 7), DT_UInt16, TT_Celsius);
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
+}
+
+// Buffers at odd addresses give the same values as aligned ones.
+TEST(FrameTemperatures, UnalignedBuffers) {
+    CalibratedPage p;
+    std::vector<uint16_t> counts = Spread<uint16_t>(1500, 3, 1001);
+    std::vector<unsigned char> in(counts.size() * 2 + 1), out(counts.size() * 8 + 1);
+    std::memcpy(in.data() + 1, counts.data(), counts.size() * 2);
+    for (EDataType type : {DT_Float, DT_Double}) {
+        CFrameTemperatures frame;
+        ASSERT_TRUE(frame.SetPage(p.cal, p.page));
+        std::vector<double> aligned(counts.size());
+        ASSERT_TRUE(frame.Convert({counts.data(), DT_UInt16}, {aligned.data(), type}, uint32_t(counts.size())));
+        ASSERT_TRUE(frame.Convert({in.data() + 1, DT_UInt16}, {out.data() + 1, type}, uint32_t(counts.size())));
+        EXPECT_EQ(std::memcmp(out.data() + 1, aligned.data(), counts.size() * DataTypeSize(type)), 0) << type;
+    }
+}
+
 TEST(FrameTemperatures, WideSpansAreEvaluatedCountByCount) {
     CalibratedPage p;
     // Far beyond one table: the same results without one.

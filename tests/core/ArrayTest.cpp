@@ -2,6 +2,7 @@
 // relocation, ownership hand-over and the two MakeDuplicate forms.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -321,4 +322,28 @@ TEST(Array, StackAndQueue) {
     EXPECT_EQ(Text(out), u"second");
     EXPECT_FALSE(queue.Dequeue(out));
     EXPECT_TRUE(queue.IsEmpty());
+}
+
+// Numbers grown into place are zeros, also where old values still lie in the
+// block after Empty or a shrink; the count never shrinks through growth.
+TEST(Array, GrownNumbersAreZero) {
+    TArray<double> a;
+    a.SetSize(6);
+    for (uint32_t i = 0; i < 6; ++i)
+        a[i] = 1.5 + i;
+    a.SetSize(2);
+    a.SetSize(5);
+    EXPECT_EQ(a[1], 2.5);
+    for (uint32_t i = 2; i < 5; ++i)
+        EXPECT_TRUE(a[i] == 0.0 && !std::signbit(a[i])) << i;
+    a.Empty();
+    EXPECT_TRUE(a.ImplicitAddition(3));
+    EXPECT_FALSE(std::signbit(a[0]) || a[0] != 0.0);
+    EXPECT_TRUE(a.ImplicitAddition(1));
+    EXPECT_EQ(a.GetSize(), 3u);
+    TArray<int16_t> s;
+    s.Add(-7);
+    EXPECT_EQ(s[4], 0);
+    EXPECT_EQ(s[0], -7);
+    EXPECT_EQ(s.GetSize(), 5u);
 }

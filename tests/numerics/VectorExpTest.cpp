@@ -1,5 +1,5 @@
 // qv's own exponential (Planck's): within an ulp of the C library's exp and
-// nearly always its bits, four lanes giving the bits of one, the C library's
+// nearly always its bits, four or eight lanes giving the bits of one, the C library's
 // own results where the range ends.
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include <limits>
 #include <random>
 
+#include "qv/core/CpuPath.h"
 #include "qv/numerics/VectorExp.h"
 
 using namespace qv::numerics_detail;
@@ -22,12 +23,13 @@ bool SameBits(double a, double b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// Exp and ExpMarked of four values; lanes ExpMarked marks are the scalar Exp's.
-void CheckFour(ExpVector const &x) {
-    ExpVector y;
-    ExpBits outside{};
+// Exp and ExpMarked of four or eight values; lanes ExpMarked marks are the
+// scalar Exp's.
+template <class Vector, class Bits> void CheckLanes(Vector const &x) {
+    Vector y;
+    Bits outside{};
     ExpMarked(x, y, outside);
-    for (int i = 0; i < 4; ++i) {
+    for (size_t i = 0; i < sizeof x / sizeof x[0]; ++i) {
         double one;
         Exp(x[i], one);
         if (outside[i])
@@ -35,6 +37,15 @@ void CheckFour(ExpVector const &x) {
         else
             EXPECT_TRUE(SameBits(y[i], one)) << x[i];
     }
+}
+
+void CheckFour(ExpVector const &x) {
+    CheckLanes<ExpVector, ExpBits>(x);
+}
+
+// Eight lanes with the square's error from one fused instruction.
+__attribute__((target("avx512f,avx512vl"))) void FusedExp(ExpVector8 const &x, ExpVector8 &y) {
+    ExpInRange<ExpVector8, ExpBits8, SFusedSquare>(x, y);
 }
 
 } // namespace
@@ -78,4 +89,26 @@ TEST(VectorExp, ExactWhereExactAndTheCLibrarysBeyondTheRange) {
     }
     CheckFour(ExpVector{710.0, -1.0, std::nan(""), -746.0});
     CheckFour(ExpVector{kExpLowest, kExpHighest, 0.5, -inf});
+    CheckLanes<ExpVector8, ExpBits8>(ExpVector8{710.0, -1.0, std::nan(""), -746.0, kExpLowest, kExpHighest, 0.5, -inf});
+}
+
+// The fused square error is the same exact value as Dekker's: the bits of
+// the scalar Exp, small arguments (where the square nears underflow) included.
+TEST(VectorExp, FusedSquareGivesTheSameBits) {
+    if (qv::cpu::BestCpuPath() < qv::cpu::CP_AVX512) GTEST_SKIP() << "no AVX-512 here";
+    std::mt19937_64 random(8);
+    std::uniform_real_distribution<double> draw(kExpLowest, kExpHighest);
+    std::uniform_real_distribution<double> power(-320.0, 0.0);
+    for (int i = 0; i < 100000; ++i) {
+        ExpVector8 x;
+        for (int k = 0; k < 8; ++k)
+            x[k] = k < 4 ? draw(random) : std::copysign(std::pow(10.0, power(random)), draw(random));
+        ExpVector8 y;
+        FusedExp(x, y);
+        for (int k = 0; k < 8; ++k) {
+            double one;
+            Exp(x[k], one);
+            ASSERT_TRUE(SameBits(y[k], one)) << x[k];
+        }
+    }
 }
