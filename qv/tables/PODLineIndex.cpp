@@ -1,10 +1,9 @@
 #include "qv/tables/PODLineIndex.h"
 
+#include <algorithm>
 #include <cstring>
-#include <memory>
 #include <new>
 
-#include "qv/core/PersistedArray.h"
 #include "qv/files/IFile.h"
 
 namespace qv {
@@ -12,73 +11,124 @@ namespace qv {
 namespace {
 
 constexpr uint32_t kBlock = 0x80000;
-// Items go out in 64 KiB writes: large enough that the calls cost nothing,
-// small enough that the batch stays in cache.
-constexpr uint32_t kBatch = 0x10000;
 constexpr uint32_t kSeekStart = 1;
+constexpr uint64_t kMaxLines = UINT32_MAX - 1; // the last number means "no row"
+constexpr uint32_t kBatch = 1024;
 
-// Items made a block at a time; bytes behind the span stay zero.
-class CRowBatch {
+// Checkpoints go to the file a batch at a time: one write per 64 Ki lines.
+class CCheckpointBatch {
 public:
-    explicit CRowBatch(CPersistedArray &index)
-        : index(index), itemSize(index.GetItemSize()), capacity(kBatch / itemSize ? kBatch / itemSize : 1),
-          items(new (std::nothrow) uint8_t[size_t(capacity) * itemSize]()) {}
+    explicit CCheckpointBatch(CPersistedArray &checkpoints) : checkpoints(checkpoints) {}
 
-    bool IsReady() const { return items != nullptr; }
-
-    bool Add(int64_t position, int64_t end) {
-        if (end - position > UINT32_MAX) return false;
-        if (count == capacity && !Flush()) return false;
-        SPODRowSpan const span{position, uint32_t(end - position)};
-        std::memcpy(items.get() + size_t(count++) * itemSize, &span, sizeof span);
+    bool Add(int64_t position) {
+        if (count == kBatch && !Flush()) return false;
+        positions[count++] = position;
         return true;
     }
 
     bool Flush() {
-        bool ok = count == 0 || index.Append(items.get(), count);
+        bool ok = count == 0 || checkpoints.Append(reinterpret_cast<uint8_t const *>(positions), count);
         count = 0;
         return ok;
     }
 
 private:
-    CPersistedArray &index;
-    uint32_t const itemSize;
-    uint32_t const capacity;
-    std::unique_ptr<uint8_t[]> items;
+    CPersistedArray &checkpoints;
+    int64_t positions[kBatch];
     uint32_t count = 0;
 };
 
 } // namespace
 
-bool IndexPODLines(IFile &file, int64_t start, CPersistedArray &index) {
-    if (index.GetItemSize() < sizeof(SPODRowSpan) || file.Seek(start, kSeekStart) != start)
-        return false;
-    std::unique_ptr<uint8_t[]> block(new (std::nothrow) uint8_t[kBlock]);
-    CRowBatch rows(index);
-    if (!block || !rows.IsReady()) return false;
-    int64_t lineStart = start;
+CPODLineIndex::CPODLineIndex(uint32_t windowBudget)
+    : m_checkpoints(sizeof(int64_t), windowBudget), m_buffer(new (std::nothrow) char[kBufferSize]) {}
+
+void CPODLineIndex::Empty() {
+    m_checkpoints.Empty();
+    m_bufferPosition = m_end = m_nextPosition = 0;
+    m_bufferLength = m_count = m_nextLine = 0;
+}
+
+// The hot loop of opening a table: per line only a count and, every 64th
+// line, a position into the batch.
+bool CPODLineIndex::Build(IFile &file, int64_t start) {
+    Empty();
+    std::unique_ptr<char[]> block(new (std::nothrow) char[kBlock]);
+    if (!block || !m_buffer || !m_checkpoints.IsReady() || file.Seek(start, kSeekStart) != start) return false;
+    CCheckpointBatch batch(m_checkpoints);
+    if (!batch.Add(start)) return false;
+    uint64_t lines = 0;
     int64_t blockPosition = start;
-    for (;;) {
-        uint32_t got = file.Read(block.get(), kBlock);
-        if (got == 0) break;
-        uint8_t const *p = block.get();
-        uint8_t const *const end = p + got;
-        while (p < end) {
-            auto const *lf = static_cast<uint8_t const *>(std::memchr(p, '\n', size_t(end - p)));
-            if (!lf) break;
-            int64_t next = blockPosition + (lf - block.get()) + 1;
-            if (!rows.Add(lineStart, next)) return false;
-            lineStart = next;
+    bool openLine = false; // bytes after the last LF
+    for (uint32_t got; (got = file.Read(block.get(), kBlock)) != 0; blockPosition += got) {
+        char const *p = block.get();
+        char const *const end = p + got;
+        while (char const *lf = static_cast<char const *>(std::memchr(p, '\n', size_t(end - p)))) {
             p = lf + 1;
+            if (++lines % kLinesPerCheckpoint == 0 &&
+                (lines > kMaxLines || !batch.Add(blockPosition + (p - block.get()))))
+                return Empty(), false;
         }
-        blockPosition += got;
+        openLine = p != end;
     }
-    if (blockPosition < file.GetSize()) { // a read failed short of the end
-        rows.Flush();
-        return false;
+    lines += openLine;
+    // A read that fails short of the end must not pass for the end.
+    if (blockPosition < file.GetSize() || lines > kMaxLines || !batch.Flush()) return Empty(), false;
+    m_end = blockPosition;
+    m_count = uint32_t(lines);
+    m_nextPosition = start;
+    return true;
+}
+
+bool CPODLineIndex::Fill(IFile &file, int64_t position) {
+    m_bufferLength = 0;
+    if (position < 0 || position >= m_end) return false;
+    uint32_t const n = uint32_t(std::min<int64_t>(kBufferSize, m_end - position));
+    if (file.Seek(position, kSeekStart) != position || file.Read(m_buffer.get(), n) != n) return false;
+    m_bufferPosition = position;
+    m_bufferLength = n;
+    return true;
+}
+
+// next: the start of the line behind the one at position (the end of file
+// for the last line). Lines longer than the buffer are crossed a buffer at a time.
+bool CPODLineIndex::FindNextLine(IFile &file, int64_t position, int64_t &next) {
+    if (position < 0 || position >= m_end) return false; // a checkpoint read back wrong
+    for (int64_t at = position; at < m_end;) {
+        if (!Holds(at, at + 1) && !Fill(file, at)) return false;
+        char const *p = m_buffer.get() + (at - m_bufferPosition);
+        size_t const n = size_t(m_bufferPosition + m_bufferLength - at);
+        if (auto const *lf = static_cast<char const *>(std::memchr(p, '\n', n))) {
+            next = at + (lf - p) + 1;
+            return true;
+        }
+        at += int64_t(n);
     }
-    if (blockPosition != lineStart && !rows.Add(lineStart, blockPosition)) return false;
-    return rows.Flush();
+    next = m_end;
+    return true;
+}
+
+char const *CPODLineIndex::Line(IFile &file, uint32_t i, uint32_t &length) {
+    if (i >= m_count || !m_buffer) return nullptr;
+    uint32_t const checkpoint = i / kLinesPerCheckpoint;
+    uint32_t line = m_nextLine;
+    int64_t position = m_nextPosition;
+    if (line > i || line < checkpoint * kLinesPerCheckpoint) {
+        uint8_t const *item = m_checkpoints.ReadItem(checkpoint);
+        if (!item) return nullptr;
+        std::memcpy(&position, item, sizeof position);
+        line = checkpoint * kLinesPerCheckpoint;
+    }
+    int64_t next = 0;
+    for (; FindNextLine(file, position, next); position = next, ++line) {
+        if (line != i) continue;
+        if (next - position > kBufferSize || (!Holds(position, next) && !Fill(file, position))) return nullptr;
+        m_nextLine = i + 1;
+        m_nextPosition = next;
+        length = uint32_t(next - position);
+        return m_buffer.get() + (position - m_bufferPosition);
+    }
+    return nullptr;
 }
 
 } // namespace qv

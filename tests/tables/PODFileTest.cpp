@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "qv/filesystems/FileSystem.h"
 #include "qv/tables/PODFile.h"
@@ -134,6 +135,47 @@ TEST_F(PODFileTest, RemoveRowPurgesItsEntriesAndShiftsLaterRowsOnce) {
     EXPECT_EQ(Narrow(pod.GetValue(0, 11)), "kept12");
     EXPECT_EQ(Narrow(pod.GetValue(1, 12)), "kept13");
     EXPECT_EQ(Bytes(path).find("gone"), std::string::npos);
+}
+
+// A loaded table finds its rows from a position kept every 64 lines; rows
+// removed at, before and after those lines, and rows added behind them, keep
+// every other row and edit in place, with windows far smaller than the table.
+TEST_F(PODFileTest, RowsRemovedAndAddedAroundIndexCheckpointsKeepTheirNeighbours) {
+    constexpr uint32_t kRows = 2000;
+    CPODFile pod(64);
+    auto path = Path("checkpoints.pod");
+    MakeTable(pod, kRows, path);
+    std::vector<std::string> expected;
+    for (uint32_t r = 0; r < kRows; ++r) expected.push_back("r" + std::to_string(r) + "c0");
+    auto edit = [&](uint32_t row, std::string const &value) {
+        ASSERT_TRUE(pod.PutValue(0, row, Wide(value).c_str()));
+        expected[row] = value;
+    };
+    auto remove = [&](uint32_t row) {
+        pod.RemoveRow(row);
+        expected.erase(expected.begin() + row);
+    };
+    edit(64, "e64");
+    edit(1000, "e1000");
+    remove(1999);
+    remove(63);
+    remove(63); // the line that was 64, edited
+    remove(127);
+    remove(0);
+    edit(126, "e126");
+    remove(500);
+    ASSERT_EQ(pod.AddRow(), kRows - 6);
+    expected.push_back("");
+    ASSERT_EQ(pod.nDPs(), expected.size());
+    auto check = [&] {
+        for (uint32_t r = 0; r < expected.size(); ++r) ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
+        for (uint32_t r = uint32_t(expected.size()); r-- > 0;) ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
+    };
+    check();
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    ASSERT_EQ(pod.nDPs(), expected.size());
+    check();
+    EXPECT_EQ(Narrow(pod.GetValue(1, 0)), "r1c1");
 }
 
 TEST_F(PODFileTest, RemovedColumnIsGoneAfterSaveAndLoad) {
