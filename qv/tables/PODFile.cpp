@@ -56,6 +56,22 @@ struct RowHead {
 
 uint32_t CellItemSize(uint32_t columns) { return uint32_t(sizeof(RowHead) + sizeof(CPODFile::CellEntry) * columns); }
 
+// The temporary files are made on first use: a table opened only to be read
+// needs no diff file, and one never read no cell records.
+CPersistedArray *MadeOnFirstUse(std::unique_ptr<CPersistedArray> &array, uint32_t itemSize, uint32_t windowBudget) {
+    if (!array) {
+        array.reset(new (std::nothrow) CPersistedArray(itemSize, windowBudget));
+        if (array && !array->IsReady()) array.reset(); // tried again on the next use
+    }
+    return array.get();
+}
+
+// Emptied first: closing would write back a window nobody reads again.
+void Discard(std::unique_ptr<CPersistedArray> &array) {
+    if (array) array->Empty();
+    array.reset();
+}
+
 uint32_t SourceLine(CPODFile::CellEntry const *cells) {
     RowHead head;
     std::memcpy(&head, reinterpret_cast<uint8_t const *>(cells) - sizeof head, sizeof head);
@@ -108,7 +124,7 @@ CString Decimal(uint32_t v) {
 } // namespace
 
 CPODFile::CPODFile(uint32_t windowBudget)
-    : lines(windowBudget), cellIndex(CellItemSize(0), windowBudget),
+    : lines(windowBudget),
       line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
 
 CPODFile::~CPODFile() { Destroy(); }
@@ -119,7 +135,8 @@ CPODFile::~CPODFile() { Destroy(); }
 // makes the rows behind it first.
 CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
     if (row >= rowCount) return nullptr;
-    uint8_t *item = cellIndex.GetItem(row);
+    CPersistedArray *records = MadeOnFirstUse(cellIndex, CellItemSize(ColumnCount()), windowBudget);
+    uint8_t *item = records ? records->GetItem(row) : nullptr;
     if (!item) return nullptr;
     auto *cells = reinterpret_cast<CellEntry *>(item + sizeof(RowHead));
     if (item[0] != kCellsMade) {
@@ -132,11 +149,6 @@ CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
     return cells;
 }
 
-bool CPODFile::StartDiffFile() {
-    diffFile.reset(new (std::nothrow) CPersistedArray(sizeof(DiffEntry), windowBudget));
-    return diffFile && diffFile->IsReady();
-}
-
 void CPODFile::Destroy() {
     rowCache.clear();
     diffCache.clear();
@@ -145,9 +157,9 @@ void CPODFile::Destroy() {
         delete source;
         source = nullptr;
     }
-    diffFile.reset();
+    Discard(diffFile);
     lines.Empty();
-    cellIndex.Empty();
+    Discard(cellIndex);
     columns.clear();
     header.Destroy();
     fields.clear();
@@ -163,7 +175,7 @@ bool CPODFile::StartHeader() {
 
 bool CPODFile::New() {
     Destroy();
-    if (!StartHeader() || !line || !cellIndex.SetItemSize(CellItemSize(0)) || !StartDiffFile()) return false;
+    if (!StartHeader() || !line) return false;
     isOpen = isModified = true;
     return true;
 }
@@ -264,11 +276,10 @@ bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
     fields.assign(count, nullptr);
     columns.assign(count, Column{{}, {}, {}, {}, 1});
     int64_t position = plain ? 0 : header.GetDataPosition();
-    if (!ReadHeaderLines(position) || !cellIndex.SetItemSize(CellItemSize(count)) ||
+    if (!ReadHeaderLines(position) ||
         !lines.Build(*source, position) || !SourceUnchanged())
         return Destroy(), false;
     rowCount = linedRows = lines.GetCount();
-    if (!StartDiffFile()) return Destroy(), false;
     liveColumns = count;
     isOpen = true;
     return true;
@@ -386,8 +397,10 @@ bool CPODFile::MoveItemToDiffFile(uint32_t slot) {
         return true;
     }
     CellEntry cell = cells[entry.col];
-    if (cell.record == kPODNone) cell.record = diffFile->GetCount();
-    uint8_t *record = diffFile->GetItem(cell.record);
+    CPersistedArray *records = MadeOnFirstUse(diffFile, sizeof(DiffEntry), windowBudget);
+    if (!records) return false;
+    if (cell.record == kPODNone) cell.record = records->GetCount();
+    uint8_t *record = records->GetItem(cell.record);
     if (!record) return false;
     std::memcpy(record, &entry, sizeof entry);
     if (cell.state == kCellDiffCache) cell.state = kCellDiffFile;
@@ -424,7 +437,8 @@ uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t
     Column column{{}, {}, {}, {}, 1};
     if (!isOpen || ColumnCount() >= kMaxColumns || !CopyText(column.name, 128, name ? name : u"") ||
         !CopyText(column.cls, 128, cls ? cls : u"") || !CopyText(column.unit, 64, unit ? unit : u"") ||
-        !CopyText(column.type, 64, type ? type : u"") || !cellIndex.SetItemSize(CellItemSize(ColumnCount() + 1)))
+        !CopyText(column.type, 64, type ? type : u"") ||
+        (cellIndex && !cellIndex->SetItemSize(CellItemSize(ColumnCount() + 1))))
         return kPODNone;
     uint32_t const col = ColumnCount();
     columns.push_back(column);
@@ -487,7 +501,7 @@ void CPODFile::RemoveRow(uint32_t row) {
             if (!cells) return Damaged();
         }
     }
-    if (!cellIndex.Remove(row)) return Damaged();
+    if (!cellIndex->Remove(row)) return Damaged(); // made by Cells(row) above
     --rowCount;
     linedRows = std::min(linedRows, row); // the rows behind were made above
     isModified = true;

@@ -7,6 +7,7 @@
 /// window, and the rows' cell records in another, made for a row only when it
 /// is first read or edited; 64 parsed rows sit in a row cache;
 /// edited cells fall through a 32-cell diff cache into a temporary diff file.
+/// Those two temporary files are made when first needed.
 /// Nothing reaches the real file until Save writes it out whole, through a
 /// temporary file and a rename, so a failed Save leaves the old file whole.
 ///
@@ -129,9 +130,7 @@ private:
     bool ReadSourceLine(uint32_t number);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
-    bool StartDiffFile();
     uint8_t TakeDiffSlot();
-    void ForgetDiffEntry(CellEntry &cell);
 
     std::vector<Column> columns;
     std::vector<DiffEntry> diffCache;
@@ -140,7 +139,7 @@ private:
     /// Per row a made flag byte and its source line, then a CellEntry per
     /// column. Rows at or past its count, or with the flag 0, hold their first
     /// records implicitly: opening a table writes no per-row record.
-    CPersistedArray cellIndex;
+    std::unique_ptr<CPersistedArray> cellIndex;
     uint32_t rowCount = 0;
     uint32_t linedRows = 0; ///< rows below it not made yet are still their own source line
     std::unique_ptr<CPersistedArray> diffFile;

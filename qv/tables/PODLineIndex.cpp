@@ -44,7 +44,7 @@ CPODLineIndex::CPODLineIndex(uint32_t windowBudget)
     : m_checkpoints(sizeof(int64_t), windowBudget), m_buffer(new (std::nothrow) char[kBufferSize]) {}
 
 void CPODLineIndex::Empty() {
-    m_checkpoints.Empty();
+    if (m_checkpoints.GetCount() != 0) m_checkpoints.Empty(); // cutting a file costs even when it is empty
     m_bufferPosition = m_end = m_nextPosition = 0;
     m_bufferLength = m_count = m_nextLine = 0;
 }
