@@ -66,12 +66,6 @@ CPersistedArray *MadeOnFirstUse(std::unique_ptr<CPersistedArray> &array, uint32_
     return array.get();
 }
 
-// Emptied first: closing would write back a window nobody reads again.
-void Discard(std::unique_ptr<CPersistedArray> &array) {
-    if (array) array->Empty();
-    array.reset();
-}
-
 uint32_t SourceLine(CPODFile::CellEntry const *cells) {
     RowHead head;
     std::memcpy(&head, reinterpret_cast<uint8_t const *>(cells) - sizeof head, sizeof head);
@@ -157,9 +151,9 @@ void CPODFile::Destroy() {
         delete source;
         source = nullptr;
     }
-    Discard(diffFile);
+    diffFile.reset();
     lines.Empty();
-    Discard(cellIndex);
+    cellIndex.reset();
     columns.clear();
     header.Destroy();
     fields.clear();

@@ -13,30 +13,6 @@ namespace {
 constexpr uint32_t kBlock = 0x80000;
 constexpr uint32_t kSeekStart = 1;
 constexpr uint64_t kMaxLines = UINT32_MAX - 1; // the last number means "no row"
-constexpr uint32_t kBatch = 1024;
-
-// Checkpoints go to the file a batch at a time: one write per 64 Ki lines.
-class CCheckpointBatch {
-public:
-    explicit CCheckpointBatch(CPersistedArray &checkpoints) : checkpoints(checkpoints) {}
-
-    bool Add(int64_t position) {
-        if (count == kBatch && !Flush()) return false;
-        positions[count++] = position;
-        return true;
-    }
-
-    bool Flush() {
-        bool ok = count == 0 || checkpoints.Append(reinterpret_cast<uint8_t const *>(positions), count);
-        count = 0;
-        return ok;
-    }
-
-private:
-    CPersistedArray &checkpoints;
-    int64_t positions[kBatch];
-    uint32_t count = 0;
-};
 
 } // namespace
 
@@ -49,14 +25,22 @@ void CPODLineIndex::Empty() {
     m_bufferLength = m_count = m_nextLine = 0;
 }
 
+// Checkpoints go through the window, so the file sees them a window at a
+// time, and a table of up to 4 Mi lines (in the default window) none at all.
+bool CPODLineIndex::AddCheckpoint(uint32_t i, int64_t position) {
+    uint8_t *item = m_checkpoints.GetItem(i);
+    if (!item) return false;
+    std::memcpy(item, &position, sizeof position);
+    return true;
+}
+
 // The hot loop of opening a table: per line only a count and, every 64th
-// line, a position into the batch.
+// line, a checkpoint.
 bool CPODLineIndex::Build(IFile &file, int64_t start) {
     Empty();
     std::unique_ptr<char[]> block(new (std::nothrow) char[kBlock]);
     if (!block || !m_buffer || !m_checkpoints.IsReady() || file.Seek(start, kSeekStart) != start) return false;
-    CCheckpointBatch batch(m_checkpoints);
-    if (!batch.Add(start)) return false;
+    if (!AddCheckpoint(0, start)) return Empty(), false;
     uint64_t lines = 0;
     int64_t blockPosition = start;
     bool openLine = false; // bytes after the last LF
@@ -66,14 +50,15 @@ bool CPODLineIndex::Build(IFile &file, int64_t start) {
         while (char const *lf = static_cast<char const *>(std::memchr(p, '\n', size_t(end - p)))) {
             p = lf + 1;
             if (++lines % kLinesPerCheckpoint == 0 &&
-                (lines > kMaxLines || !batch.Add(blockPosition + (p - block.get()))))
+                (lines > kMaxLines ||
+                 !AddCheckpoint(uint32_t(lines / kLinesPerCheckpoint), blockPosition + (p - block.get()))))
                 return Empty(), false;
         }
         openLine = p != end;
     }
     lines += openLine;
     // A read that fails short of the end must not pass for the end.
-    if (blockPosition < file.GetSize() || lines > kMaxLines || !batch.Flush()) return Empty(), false;
+    if (blockPosition < file.GetSize() || lines > kMaxLines) return Empty(), false;
     m_end = blockPosition;
     m_count = uint32_t(lines);
     m_nextPosition = start;

@@ -3,7 +3,8 @@
 /// a position per line. Build reads the file once in 512 KiB blocks, looking
 /// only for LF bytes (memchr; nothing is parsed), and keeps the start of every
 /// kLinesPerCheckpoint-th line (a checkpoint) in a CPersistedArray, so opening
-/// a table writes a few bytes per 64 lines. Line(i) reads forward from the
+/// a table keeps 8 bytes per 64 lines, on disk only past the array's window
+/// (4 Mi lines in the default one). Line(i) reads forward from the
 /// checkpoint at or before i, or from the end of the line found last when
 /// that is nearer, so reading lines in order reads each byte once. A final
 /// line without LF is a line; a final LF makes no empty line. Positions are
@@ -50,6 +51,7 @@ public:
     char const *Line(IFile &file, uint32_t i, uint32_t &length);
 
 private:
+    bool AddCheckpoint(uint32_t i, int64_t position);
     bool Fill(IFile &file, int64_t position);
     bool FindNextLine(IFile &file, int64_t position, int64_t &next);
     bool Holds(int64_t from, int64_t to) const {
