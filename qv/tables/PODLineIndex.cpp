@@ -12,6 +12,9 @@ namespace {
 
 constexpr uint32_t kBlock = 0x80000;
 constexpr uint32_t kSeekStart = 1;
+// Reads for Line: a checkpoint's 64 lines of typical length, without making a
+// random row cost a read of the whole buffer.
+constexpr uint32_t kReadAhead = 0x4000;
 constexpr uint64_t kMaxLines = UINT32_MAX - 1; // the last number means "no row"
 
 } // namespace
@@ -65,10 +68,10 @@ bool CPODLineIndex::Build(IFile &file, int64_t start) {
     return true;
 }
 
-bool CPODLineIndex::Fill(IFile &file, int64_t position) {
+bool CPODLineIndex::Fill(IFile &file, int64_t position, uint32_t atLeast) {
     m_bufferLength = 0;
     if (position < 0 || position >= m_end) return false;
-    uint32_t const n = uint32_t(std::min<int64_t>(kBufferSize, m_end - position));
+    uint32_t const n = uint32_t(std::min<int64_t>(std::max(kReadAhead, atLeast), m_end - position));
     if (file.Seek(position, kSeekStart) != position || file.Read(m_buffer.get(), n) != n) return false;
     m_bufferPosition = position;
     m_bufferLength = n;
@@ -80,7 +83,7 @@ bool CPODLineIndex::Fill(IFile &file, int64_t position) {
 bool CPODLineIndex::FindNextLine(IFile &file, int64_t position, int64_t &next) {
     if (position < 0 || position >= m_end) return false; // a checkpoint read back wrong
     for (int64_t at = position; at < m_end;) {
-        if (!Holds(at, at + 1) && !Fill(file, at)) return false;
+        if (!Holds(at, at + 1) && !Fill(file, at, 0)) return false;
         char const *p = m_buffer.get() + (at - m_bufferPosition);
         size_t const n = size_t(m_bufferPosition + m_bufferLength - at);
         if (auto const *lf = static_cast<char const *>(std::memchr(p, '\n', n))) {
@@ -107,7 +110,9 @@ char const *CPODLineIndex::Line(IFile &file, uint32_t i, uint32_t &length) {
     int64_t next = 0;
     for (; FindNextLine(file, position, next); position = next, ++line) {
         if (line != i) continue;
-        if (next - position > kBufferSize || (!Holds(position, next) && !Fill(file, position))) return nullptr;
+        if (next - position > kBufferSize ||
+            (!Holds(position, next) && !Fill(file, position, uint32_t(next - position))))
+            return nullptr;
         m_nextLine = i + 1;
         m_nextPosition = next;
         length = uint32_t(next - position);

@@ -52,7 +52,7 @@ public:
 
 private:
     bool AddCheckpoint(uint32_t i, int64_t position);
-    bool Fill(IFile &file, int64_t position);
+    bool Fill(IFile &file, int64_t position, uint32_t atLeast);
     bool FindNextLine(IFile &file, int64_t position, int64_t &next);
     bool Holds(int64_t from, int64_t to) const {
         return from >= m_bufferPosition && to <= m_bufferPosition + m_bufferLength;
