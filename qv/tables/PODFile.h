@@ -3,9 +3,9 @@
 /// @file
 /// CPODFile: a POD table of any length at a fixed memory cost. The source text
 /// stays on disk and is read a line at a time; the row index (the position of
-/// every 64th line, CPODLineIndex) lives in a temporary file behind a 512 KiB
-/// window, and the rows' cell records in another, made for a row only when it
-/// is first read or edited; 64 parsed rows sit in a row cache;
+/// every 64th line, CPODLineIndex) lives behind a 32 KiB window, in a
+/// temporary file past it, and the rows' cell records in another behind a
+/// 512 KiB window, made for a row only when it is first read or edited; 64 parsed rows sit in a row cache;
 /// edited cells fall through a 32-cell diff cache into a temporary diff file.
 /// Those two temporary files are made when first needed.
 /// Nothing reaches the real file until Save writes it out whole, through a
@@ -33,8 +33,9 @@ public:
     static constexpr uint32_t kRowCacheSize = 64;  ///< parsed rows held in memory
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
 
-    /// A closed table. windowBudget: bytes of the row index and of the diff
-    /// file held in memory each (512 KiB by default; less trades speed for memory).
+    /// A closed table. windowBudget: bytes of the cell records and of the
+    /// diff file held in memory each, and of the row index up to its own
+    /// smaller bound (512 KiB by default; less trades speed for memory).
     explicit CPODFile(uint32_t windowBudget = CPersistedArray::kWindowBudget);
     ~CPODFile() override;
     CPODFile(CPODFile const &) = delete;

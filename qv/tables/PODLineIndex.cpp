@@ -20,7 +20,7 @@ constexpr uint64_t kMaxLines = UINT32_MAX - 1; // the last number means "no row"
 } // namespace
 
 CPODLineIndex::CPODLineIndex(uint32_t windowBudget)
-    : m_checkpoints(sizeof(int64_t), windowBudget), m_buffer(new (std::nothrow) char[kBufferSize]) {}
+    : m_checkpoints(sizeof(int64_t), std::min(windowBudget, kCheckpointWindow)), m_buffer(new (std::nothrow) char[kBufferSize]) {}
 
 void CPODLineIndex::Empty() {
     if (m_checkpoints.GetCount() != 0) m_checkpoints.Empty(); // cutting a file costs even when it is empty
@@ -29,7 +29,7 @@ void CPODLineIndex::Empty() {
 }
 
 // Checkpoints go through the window, so the file sees them a window at a
-// time, and a table of up to 4 Mi lines (in the default window) none at all.
+// time, and a table of up to 256 Ki lines none at all.
 bool CPODLineIndex::AddCheckpoint(uint32_t i, int64_t position) {
     uint8_t *item = m_checkpoints.GetItem(i);
     if (!item) return false;

@@ -3,8 +3,8 @@
 /// a position per line. Build reads the file once in 512 KiB blocks, looking
 /// only for LF bytes (memchr; nothing is parsed), and keeps the start of every
 /// kLinesPerCheckpoint-th line (a checkpoint) in a CPersistedArray, so opening
-/// a table keeps 8 bytes per 64 lines, on disk only past the array's window
-/// (4 Mi lines in the default one). Line(i) reads forward from the
+/// a table keeps 8 bytes per 64 lines, on disk only past a window of at most
+/// kCheckpointWindow bytes (256 Ki lines). Line(i) reads forward from the
 /// checkpoint at or before i, or from the end of the line found last when
 /// that is nearer, so reading lines in order reads each byte once. A final
 /// line without LF is a line; a final LF makes no empty line. Positions are
@@ -33,8 +33,11 @@ class QV_API CPODLineIndex {
 public:
     static constexpr uint32_t kLinesPerCheckpoint = 64; ///< lines from one kept position to the next
     static constexpr uint32_t kBufferSize = 0x10000;    ///< bytes of the file held for Line, the longest line it gives
+    /// The most bytes of checkpoints held in memory: a row far from the last
+    /// one read loads a window, so small windows keep such reads cheap.
+    static constexpr uint32_t kCheckpointWindow = 0x8000;
 
-    /// No lines. windowBudget: bytes of checkpoints held in memory.
+    /// No lines. windowBudget: bytes of checkpoints held in memory, at most kCheckpointWindow.
     explicit CPODLineIndex(uint32_t windowBudget = CPersistedArray::kWindowBudget);
 
     /// Indexes the lines from start to the end of file, replacing any
