@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -370,6 +371,54 @@ TEST_F(PODFileTest, TemporaryFileFaultsDuringEditsAndSaveAreReported) {
         },
         {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
     EXPECT_NE(after.find("v99"), std::string::npos);
+}
+
+// Reads and edits of a loaded table under failing reads, writes and seeks of
+// its file and the temporary ones: each failure reaches the caller, no cell
+// reads as another value, and every edit taken before the fault still reads
+// back once the calls work again.
+TEST_F(PODFileTest, FaultsWhileReadingAndEditingALoadedTableLoseNoEdit) {
+    constexpr uint32_t kRows = 100, kEdits = 40;
+    auto path = Path("faults.pod");
+    {
+        CPODFile maker;
+        MakeTable(maker, kRows, path);
+    }
+    std::unique_ptr<CPODFile> pod;
+    std::map<uint32_t, std::string> edited; // row -> its value in column 1
+    bool wrong = false;
+    auto readsRight = [&](uint32_t col, uint32_t row) { // false when the read fails
+        char16_t const *value = pod->GetValue(col, row);
+        std::string const want = col == 1 && edited.count(row) ? edited[row]
+                                                               : "r" + std::to_string(row) + "c" + std::to_string(col);
+        wrong |= value && Narrow(value) != want;
+        return value != nullptr;
+    };
+    int const runs = qv::test::RunUnderFaults(
+        [&] {
+            pod = std::make_unique<CPODFile>(2048); // windows of a few rows: many moves
+            ASSERT_TRUE(pod->Load(&qv::GetFileSystem(), path.c_str(), true));
+            edited.clear();
+            wrong = false;
+        },
+        [&] {
+            for (uint32_t k = 0; k < kEdits; ++k) {
+                uint32_t const row = (k * 67) % kRows;
+                std::string const value = "e" + std::to_string(k);
+                if (!readsRight(0, row) || !pod->PutValue(1, row, Wide(value).c_str())) return false;
+                edited[row] = value;
+            }
+            for (uint32_t row = 0; row < kRows; ++row)
+                if (!readsRight(0, row) || !readsRight(1, row)) return false;
+            return true;
+        },
+        [&](qv::test::FaultRun const &run) {
+            EXPECT_FALSE(wrong) << "a cell read back with another value";
+            if (!run.IsClean()) qv::test::ExpectFailureReported(run);
+            for (auto const &[row, value] : edited) EXPECT_EQ(Narrow(pod->GetValue(1, row)), value) << row;
+        },
+        {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
+    EXPECT_GT(runs, 20);
 }
 
 std::string RunTool(std::string const &command) {
