@@ -48,7 +48,9 @@ CPersistedArray::~CPersistedArray() {
     if (m_owned) m_owned->Close();
 }
 
-bool CPersistedArray::IsReady() const { return (m_file || m_temporary) && m_window && !m_broken; }
+bool CPersistedArray::IsReady() const {
+    return (m_file || m_temporary) && m_window && !m_broken;
+}
 
 // Opening a file costs more than most small arrays cost in all: the
 // temporary one is made when the first item has to go to it.

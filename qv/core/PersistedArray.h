@@ -53,7 +53,7 @@ public:
     CPersistedArray(CPersistedArray const &) = delete;
     CPersistedArray &operator=(CPersistedArray const &) = delete;
 
-    bool IsReady() const; ///< a window exists, and a file or the means to make one
+    bool IsReady() const;                                ///< a window exists, and a file or the means to make one
     uint32_t GetCount() const { return m_count; }        ///< items in the array
     uint32_t GetItemSize() const { return m_itemSize; }  ///< bytes of one item
     uint32_t GetCapacity() const { return m_capacity; } ///< items in the window

@@ -54,7 +54,9 @@ struct RowHead {
 };
 #pragma pack(pop)
 
-uint32_t CellItemSize(uint32_t columns) { return uint32_t(sizeof(RowHead) + sizeof(CPODFile::CellEntry) * columns); }
+uint32_t CellItemSize(uint32_t columns) {
+    return uint32_t(sizeof(RowHead) + sizeof(CPODFile::CellEntry) * columns);
+}
 
 // The temporary files are made on first use: a table opened only to be read
 // needs no diff file, and one never read no cell records.
@@ -118,8 +120,7 @@ CString Decimal(uint32_t v) {
 } // namespace
 
 CPODFile::CPODFile(uint32_t windowBudget)
-    : lines(windowBudget),
-      line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
+    : lines(windowBudget), line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
 
 CPODFile::~CPODFile() { Destroy(); }
 
@@ -270,9 +271,7 @@ bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
     fields.assign(count, nullptr);
     columns.assign(count, Column{{}, {}, {}, {}, 1});
     int64_t position = plain ? 0 : header.GetDataPosition();
-    if (!ReadHeaderLines(position) ||
-        !lines.Build(*source, position) || !SourceUnchanged())
-        return Destroy(), false;
+    if (!ReadHeaderLines(position) || !lines.Build(*source, position) || !SourceUnchanged()) return Destroy(), false;
     rowCount = linedRows = lines.GetCount();
     liveColumns = count;
     isOpen = true;
@@ -351,11 +350,11 @@ bool CPODFile::MoveRowToDiffCache(uint32_t slot) {
         if (cell.state != kCellRowCache || cell.rowSlot != slot) continue;
         CachedCell const &cached = rowCache[slot].cells[col];
         if (!(cached.flags & kChanged)) {
-            cell.state = cell.diffSlot != kNoSlot          ? kCellDiffCache
-                         : cell.record != kPODNone         ? kCellDiffFile
-                         : !columns[col].live              ? kCellRemoved
+            cell.state = cell.diffSlot != kNoSlot                              ? kCellDiffCache
+                         : cell.record != kPODNone                             ? kCellDiffFile
+                         : !columns[col].live                                  ? kCellRemoved
                          : col < sourceFields && SourceLine(cells) != kPODNone ? kCellSource
-                                                           : kCellEmpty;
+                                                                               : kCellEmpty;
         } else {
             if (cell.diffSlot == kNoSlot) {
                 cell.diffSlot = TakeDiffSlot(); // may touch other rows

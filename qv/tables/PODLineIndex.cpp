@@ -20,7 +20,8 @@ constexpr uint64_t kMaxLines = UINT32_MAX - 1; // the last number means "no row"
 } // namespace
 
 CPODLineIndex::CPODLineIndex(uint32_t windowBudget)
-    : m_checkpoints(sizeof(int64_t), std::min(windowBudget, kCheckpointWindow)), m_buffer(new (std::nothrow) char[kBufferSize]) {}
+    : m_checkpoints(sizeof(int64_t), std::min(windowBudget, kCheckpointWindow)),
+      m_buffer(new (std::nothrow) char[kBufferSize]) {}
 
 void CPODLineIndex::Empty() {
     if (m_checkpoints.GetCount() != 0) m_checkpoints.Empty(); // cutting a file costs even when it is empty

@@ -147,7 +147,8 @@ TEST_F(PODFileTest, RowsRemovedAndAddedAroundIndexCheckpointsKeepTheirNeighbours
     auto path = Path("checkpoints.pod");
     MakeTable(pod, kRows, path);
     std::vector<std::string> expected;
-    for (uint32_t r = 0; r < kRows; ++r) expected.push_back("r" + std::to_string(r) + "c0");
+    for (uint32_t r = 0; r < kRows; ++r)
+        expected.push_back("r" + std::to_string(r) + "c0");
     auto edit = [&](uint32_t row, std::string const &value) {
         ASSERT_TRUE(pod.PutValue(0, row, Wide(value).c_str()));
         expected[row] = value;
@@ -169,8 +170,10 @@ TEST_F(PODFileTest, RowsRemovedAndAddedAroundIndexCheckpointsKeepTheirNeighbours
     expected.push_back("");
     ASSERT_EQ(pod.nDPs(), expected.size());
     auto check = [&] {
-        for (uint32_t r = 0; r < expected.size(); ++r) ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
-        for (uint32_t r = uint32_t(expected.size()); r-- > 0;) ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
+        for (uint32_t r = 0; r < expected.size(); ++r)
+            ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
+        for (uint32_t r = uint32_t(expected.size()); r-- > 0;)
+            ASSERT_EQ(Narrow(pod.GetValue(0, r)), expected[r]) << r;
     };
     check();
     ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
@@ -389,8 +392,8 @@ TEST_F(PODFileTest, FaultsWhileReadingAndEditingALoadedTableLoseNoEdit) {
     bool wrong = false;
     auto readsRight = [&](uint32_t col, uint32_t row) { // false when the read fails
         char16_t const *value = pod->GetValue(col, row);
-        std::string const want = col == 1 && edited.count(row) ? edited[row]
-                                                               : "r" + std::to_string(row) + "c" + std::to_string(col);
+        std::string const want =
+            col == 1 && edited.count(row) ? edited[row] : "r" + std::to_string(row) + "c" + std::to_string(col);
         wrong |= value && Narrow(value) != want;
         return value != nullptr;
     };
@@ -415,7 +418,8 @@ TEST_F(PODFileTest, FaultsWhileReadingAndEditingALoadedTableLoseNoEdit) {
         [&](qv::test::FaultRun const &run) {
             EXPECT_FALSE(wrong) << "a cell read back with another value";
             if (!run.IsClean()) qv::test::ExpectFailureReported(run);
-            for (auto const &[row, value] : edited) EXPECT_EQ(Narrow(pod->GetValue(1, row)), value) << row;
+            for (auto const &[row, value] : edited)
+                EXPECT_EQ(Narrow(pod->GetValue(1, row)), value) << row;
         },
         {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
     EXPECT_GT(runs, 20);

@@ -58,8 +58,10 @@ TEST(PODLineIndex, EveryLineIsFoundFromItsCheckpointOrTheLastLineFound) {
     CPODLineIndex index(16);
     ASSERT_TRUE(index.Build(file, 7));
     ASSERT_EQ(index.GetCount(), 1000u);
-    for (uint32_t i = 0; i < 1000; ++i) ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
-    for (uint32_t i = 1000; i-- > 0;) ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
+    for (uint32_t i = 0; i < 1000; ++i)
+        ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
+    for (uint32_t i = 1000; i-- > 0;)
+        ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
     for (uint32_t i : {63u, 64u, 65u, 0u, 127u, 128u, 129u, 999u, 191u, 192u, 640u, 1u})
         EXPECT_EQ(LineText(index, file, i), lines[i]) << i;
 }
@@ -80,7 +82,8 @@ TEST(PODLineIndex, LinesLongerThanTheBufferAreCrossedButNotGiven) {
 TEST(PODLineIndex, AFileCutAfterTheBuildGivesNoLines) {
     qv::CMemFile file;
     std::string text;
-    for (int i = 0; i < 200; ++i) text += "row " + std::to_string(i) + "\n";
+    for (int i = 0; i < 200; ++i)
+        text += "row " + std::to_string(i) + "\n";
     Fill(file, text);
     CPODLineIndex index;
     ASSERT_TRUE(index.Build(file, 0));
