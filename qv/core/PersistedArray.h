@@ -20,8 +20,9 @@
 /// once: a window move keeps an eighth of the window behind the new item.
 ///
 /// Failures. A null result, or false, when the file is missing or cannot be
-/// made, or a transfer fails (a read that brings fewer bytes than the file holds for the items is
-/// a failure, never items of zeros); a window that could not be written back stays in memory (and dirty),
+/// made, or a transfer fails (a read that brings fewer bytes than the file
+/// holds for the items is a failure, never items of zeros); a window that
+/// could not be written back stays in memory (and dirty),
 /// so no item written through GetItem is lost by a failed move. Item bytes
 /// read from the file are untrusted data: the array never interprets them.
 /// SetItemSize that fails half-way leaves the items unusable and the array

@@ -5,9 +5,9 @@
 /// stays on disk and is read a line at a time; the row index (the position of
 /// every 64th line, CPODLineIndex) lives behind a 32 KiB window, in a
 /// temporary file past it, and the rows' cell records in another behind a
-/// 512 KiB window, made for a row only when it is first read or edited; 64 parsed rows sit in a row cache;
-/// edited cells fall through a 32-cell diff cache into a temporary diff file.
-/// Those two temporary files are made when first needed.
+/// 512 KiB window, made for a row only when it is first read or edited; 64
+/// parsed rows sit in a row cache; edited cells fall through a 32-cell diff
+/// cache into a temporary diff file. Temporary files are made when first needed.
 /// Nothing reaches the real file until Save writes it out whole, through a
 /// temporary file and a rename, so a failed Save leaves the old file whole.
 ///

@@ -6,7 +6,7 @@
 /// a table keeps 8 bytes per 64 lines, on disk only past a window of at most
 /// kCheckpointWindow bytes (256 Ki lines). Line(i) reads forward from the
 /// checkpoint at or before i, or from the end of the line found last when
-/// that is nearer, so reading lines in order reads each byte once. A final
+/// that is nearer, so reading lines in order reads each byte about once. A final
 /// line without LF is a line; a final LF makes no empty line. Positions are
 /// 64-bit, so files above 4 GiB are not cut.
 ///
