@@ -31,9 +31,7 @@ std::unique_ptr<IFile> OpenTempItemFile() {
 } // namespace
 
 CPersistedArray::CPersistedArray(uint32_t itemSize, uint32_t windowBudget)
-    : m_itemSize(std::max<uint32_t>(itemSize, 1)), m_budget(windowBudget) {
-    m_owned = OpenTempItemFile();
-    m_file = m_owned.get();
+    : m_temporary(true), m_itemSize(std::max<uint32_t>(itemSize, 1)), m_budget(windowBudget) {
     AllocateWindow();
 }
 
@@ -46,11 +44,23 @@ CPersistedArray::CPersistedArray(IFile &backing, uint32_t itemSize)
 }
 
 CPersistedArray::~CPersistedArray() {
-    Flush();
+    if (!m_temporary) Flush(); // a temporary file goes on close: writing it back is waste
     if (m_owned) m_owned->Close();
 }
 
-bool CPersistedArray::IsReady() const { return m_file && m_window && !m_broken; }
+bool CPersistedArray::IsReady() const {
+    return (m_file || m_temporary) && m_window && !m_broken;
+}
+
+// Opening a file costs more than most small arrays cost in all: the
+// temporary one is made when the first item has to go to it.
+bool CPersistedArray::HasFile() {
+    if (!m_file && m_temporary) {
+        m_owned = OpenTempItemFile();
+        m_file = m_owned.get();
+    }
+    return m_file != nullptr;
+}
 
 bool CPersistedArray::AllocateWindow() {
     m_capacity = std::max<uint32_t>(m_budget / m_itemSize, 1);
@@ -123,6 +133,7 @@ bool CPersistedArray::LoadWindow(uint32_t first) {
 
 bool CPersistedArray::ReadItems(uint32_t first, uint32_t n, uint8_t *out) {
     std::memset(out, 0, size_t(n) * m_itemSize);
+    if (!m_file) return true; // nothing was ever written back
     int64_t const size = m_file->GetSize();
     if (size < 0) return false;
     // Items past the count, or past the file's end, read as zeros; every byte
@@ -156,6 +167,7 @@ bool CPersistedArray::WriteItems(uint32_t first, uint32_t n, uint8_t const *in) 
 // Items created by reaching far past the end exist only as a count; give
 // them zero bytes in the file so that cutting an item shifts the right ones.
 bool CPersistedArray::MaterialiseUpToCount() {
+    if (!HasFile()) return false;
     int64_t size = m_file->GetSize();
     if (size < 0) return false;
     if (size >= Offset(m_count)) return true;
@@ -184,12 +196,12 @@ bool CPersistedArray::Remove(uint32_t i) {
 }
 
 bool CPersistedArray::Empty() {
-    if (!m_file) return false;
+    if (!m_file && !m_temporary) return false;
     m_dirtyLow = m_dirtyHigh = 0;
     m_loaded = false;
     m_count = 0;
     m_first = 0;
-    return m_file->SetSize(0);
+    return !m_file || m_file->SetSize(0);
 }
 
 bool CPersistedArray::SetItemSize(uint32_t itemSize) {

@@ -5,8 +5,10 @@
 /// length can keep a per-row record.
 ///
 /// Storage. Item i lies at byte i * item size of the file. The default
-/// constructor makes a temporary disk file ("par" prefix, delete-on-close, so
-/// a crashed process leaves nothing behind); the other constructor works over a
+/// constructor works over a temporary disk file ("par" prefix, delete-on-close,
+/// so a crashed process leaves nothing behind) made when items first leave the
+/// window, so an array that fits its window never touches the disk, and whose
+/// window is not written back on destruction; the other constructor works over a
 /// caller's IFile, which it does not own or close, and takes its size ÷ item
 /// size as the count (bytes of a partial last item are ignored).
 ///
@@ -17,9 +19,10 @@
 /// SetItemSize/Empty. Sequential access in either direction reads each item
 /// once: a window move keeps an eighth of the window behind the new item.
 ///
-/// Failures. A null result, or false, when the file is missing or a transfer
-/// fails (a read that brings fewer bytes than the file holds for the items is
-/// a failure, never items of zeros); a window that could not be written back stays in memory (and dirty),
+/// Failures. A null result, or false, when the file is missing or cannot be
+/// made, or a transfer fails (a read that brings fewer bytes than the file
+/// holds for the items is a failure, never items of zeros); a window that
+/// could not be written back stays in memory (and dirty),
 /// so no item written through GetItem is lost by a failed move. Item bytes
 /// read from the file are untrusted data: the array never interprets them.
 /// SetItemSize that fails half-way leaves the items unusable and the array
@@ -42,17 +45,16 @@ class QV_API CPersistedArray {
 public:
     static constexpr uint32_t kWindowBudget = 0x80000; ///< bytes of items held in memory at most, by default
 
-    /// An empty array in a new temporary disk file (IsReady false if none
-    /// could be made), holding windowBudget bytes of items in memory (at
-    /// least one item).
+    /// An empty array over a temporary disk file made when first needed,
+    /// holding windowBudget bytes of items in memory (at least one item).
     explicit CPersistedArray(uint32_t itemSize = 16, uint32_t windowBudget = kWindowBudget);
     /// The items already in backing (not owned, left open), whole items only.
     CPersistedArray(IFile &backing, uint32_t itemSize);
-    ~CPersistedArray(); ///< writes the window back, closes an owned file
+    ~CPersistedArray(); ///< writes the window back to a caller's file, closes an owned one
     CPersistedArray(CPersistedArray const &) = delete;
     CPersistedArray &operator=(CPersistedArray const &) = delete;
 
-    bool IsReady() const; ///< a file and a window exist
+    bool IsReady() const;                                ///< a window exists, and a file or the means to make one
     uint32_t GetCount() const { return m_count; }        ///< items in the array
     uint32_t GetItemSize() const { return m_itemSize; }  ///< bytes of one item
     uint32_t GetCapacity() const { return m_capacity; } ///< items in the window
@@ -78,6 +80,7 @@ public:
     bool Flush();
 
 private:
+    bool HasFile();
     bool Locate(uint32_t i);
     bool LoadWindow(uint32_t first);
     bool ReadItems(uint32_t first, uint32_t n, uint8_t *out);
@@ -89,6 +92,7 @@ private:
 
     std::unique_ptr<IFile> m_owned;
     IFile *m_file = nullptr;
+    bool m_temporary = false; ///< m_owned is made on first need
     std::unique_ptr<uint8_t[]> m_window;
     uint32_t m_count = 0;
     uint32_t m_itemSize = 16;

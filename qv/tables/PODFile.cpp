@@ -1,5 +1,6 @@
 #include "qv/tables/PODFile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -45,7 +46,33 @@ char16_t *ColumnField(CPODFile::Column &c, int kind, size_t &size) {
 
 constexpr uint8_t kCellsMade = 1;
 
-uint32_t CellItemSize(uint32_t columns) { return uint32_t(1 + sizeof(CPODFile::CellEntry) * columns); }
+// A row's item in the cell records: this head, then a CellEntry per column.
+#pragma pack(push, 1)
+struct RowHead {
+    uint8_t made;  ///< kCellsMade once the cells below are set
+    uint32_t line; ///< the row's source line, kPODNone for a row added since the load
+};
+#pragma pack(pop)
+
+uint32_t CellItemSize(uint32_t columns) {
+    return uint32_t(sizeof(RowHead) + sizeof(CPODFile::CellEntry) * columns);
+}
+
+// The temporary files are made on first use: a table opened only to be read
+// needs no diff file, and one never read no cell records.
+CPersistedArray *MadeOnFirstUse(std::unique_ptr<CPersistedArray> &array, uint32_t itemSize, uint32_t windowBudget) {
+    if (!array) {
+        array.reset(new (std::nothrow) CPersistedArray(itemSize, windowBudget));
+        if (array && !array->IsReady()) array.reset(); // tried again on the next use
+    }
+    return array.get();
+}
+
+uint32_t SourceLine(CPODFile::CellEntry const *cells) {
+    RowHead head;
+    std::memcpy(&head, reinterpret_cast<uint8_t const *>(cells) - sizeof head, sizeof head);
+    return head.line;
+}
 
 bool CopyText(char16_t *out, size_t size, char16_t const *text) {
     size_t n = 0;
@@ -93,33 +120,28 @@ CString Decimal(uint32_t v) {
 } // namespace
 
 CPODFile::CPODFile(uint32_t windowBudget)
-    : index(sizeof(SPODRowSpan), windowBudget), cellIndex(CellItemSize(0), windowBudget),
-      line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
+    : lines(windowBudget), line(new (std::nothrow) char[kLineSize]), windowBudget(windowBudget) {}
 
 CPODFile::~CPODFile() { Destroy(); }
 
 // A row's records are made on first use: cells of a line read from the
-// source file come from it, those of a row added since start empty.
+// source file come from it, those of a row added since the load empty. A row
+// not made yet is still line number row when below linedRows: every removal
+// makes the rows behind it first.
 CPODFile::CellEntry *CPODFile::Cells(uint32_t row) {
-    if (row >= index.GetCount()) return nullptr;
-    uint8_t const *spanItem = index.ReadItem(row);
-    if (!spanItem) return nullptr;
-    SPODRowSpan span;
-    std::memcpy(&span, spanItem, sizeof span);
-    uint8_t *item = cellIndex.GetItem(row);
+    if (row >= rowCount) return nullptr;
+    CPersistedArray *records = MadeOnFirstUse(cellIndex, CellItemSize(ColumnCount()), windowBudget);
+    uint8_t *item = records ? records->GetItem(row) : nullptr;
     if (!item) return nullptr;
-    auto *cells = reinterpret_cast<CellEntry *>(item + 1);
+    auto *cells = reinterpret_cast<CellEntry *>(item + sizeof(RowHead));
     if (item[0] != kCellsMade) {
+        RowHead const head{kCellsMade, row < linedRows ? row : kPODNone};
         for (uint32_t col = 0; col < ColumnCount(); ++col)
-            cells[col] = {col < sourceFields && span.length ? kCellSource : kCellEmpty, kNoSlot, kNoSlot, kPODNone};
-        item[0] = kCellsMade;
+            cells[col] = {col < sourceFields && head.line != kPODNone ? kCellSource : kCellEmpty, kNoSlot, kNoSlot,
+                          kPODNone};
+        std::memcpy(item, &head, sizeof head);
     }
     return cells;
-}
-
-bool CPODFile::StartDiffFile() {
-    diffFile.reset(new (std::nothrow) CPersistedArray(sizeof(DiffEntry), windowBudget));
-    return diffFile && diffFile->IsReady();
 }
 
 void CPODFile::Destroy() {
@@ -131,12 +153,12 @@ void CPODFile::Destroy() {
         source = nullptr;
     }
     diffFile.reset();
-    index.Empty();
-    cellIndex.Empty();
+    lines.Empty();
+    cellIndex.reset();
     columns.clear();
     header.Destroy();
     fields.clear();
-    sourceFields = liveColumns = rowCursor = diffCursor = 0;
+    sourceFields = liveColumns = rowCursor = diffCursor = rowCount = linedRows = 0;
     isOpen = isModified = damaged = false;
 }
 
@@ -148,7 +170,7 @@ bool CPODFile::StartHeader() {
 
 bool CPODFile::New() {
     Destroy();
-    if (!StartHeader() || !line || !cellIndex.SetItemSize(CellItemSize(0)) || !StartDiffFile()) return false;
+    if (!StartHeader() || !line) return false;
     isOpen = isModified = true;
     return true;
 }
@@ -187,11 +209,11 @@ bool CPODFile::SourceStillNamed(IFileSystem &fs, char16_t const *name) {
     return false;
 }
 
-bool CPODFile::ReadSourceLine(int64_t position, uint32_t length) {
-    if (!line || !source || length >= kLineSize || !SourceUnchanged() ||
-        source->Seek(position, kSeekStart) != position)
-        return false;
-    if (source->Read(line.get(), length) != length) return false;
+bool CPODFile::ReadSourceLine(uint32_t number) {
+    uint32_t length = 0;
+    char const *text = line && source && SourceUnchanged() ? lines.Line(*source, number, length) : nullptr;
+    if (!text || length >= kLineSize) return false;
+    std::memcpy(line.get(), text, length); // split in a copy: the index reads on from its buffer
     SplitPODLine(line.get(), length, fields.data(), sourceFields);
     return true;
 }
@@ -249,10 +271,8 @@ bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
     fields.assign(count, nullptr);
     columns.assign(count, Column{{}, {}, {}, {}, 1});
     int64_t position = plain ? 0 : header.GetDataPosition();
-    if (!ReadHeaderLines(position) || !cellIndex.SetItemSize(CellItemSize(count)) ||
-        !IndexPODLines(*source, position, index) || !SourceUnchanged())
-        return Destroy(), false;
-    if (!StartDiffFile()) return Destroy(), false;
+    if (!ReadHeaderLines(position) || !lines.Build(*source, position) || !SourceUnchanged()) return Destroy(), false;
+    rowCount = linedRows = lines.GetCount();
     liveColumns = count;
     isOpen = true;
     return true;
@@ -272,15 +292,11 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         if (!MoveRowToDiffCache(slot)) return -1; // the row stays; nothing is lost
         rowCursor = (rowCursor + 1) % kRowCacheSize;
     }
-    uint8_t const *item = index.GetItem(row);
-    if (!item) return -1;
-    SPODRowSpan span;
-    std::memcpy(&span, item, sizeof span);
     cells = Cells(row);
     if (!cells) return -1;
     bool fromSource = false;
     for (uint32_t col = 0; col < n; ++col) fromSource |= cells[col].state == kCellSource;
-    if (fromSource && !ReadSourceLine(span.position, span.length)) return -1;
+    if (fromSource && !ReadSourceLine(SourceLine(cells))) return -1;
     // Values first, states after: a failed diff-file read leaves the row
     // where its values are, and the slot empty.
     CachedRow &cached = rowCache[slot];
@@ -327,10 +343,6 @@ uint8_t CPODFile::TakeDiffSlot() {
 bool CPODFile::MoveRowToDiffCache(uint32_t slot) {
     if (slot >= rowCache.size() || rowCache[slot].row == kPODNone) return true;
     uint32_t const row = rowCache[slot].row;
-    SPODRowSpan span{};
-    uint8_t const *item = index.ReadItem(row);
-    if (!item) return false;
-    std::memcpy(&span, item, sizeof span);
     for (uint32_t col = 0; col < ColumnCount(); ++col) {
         CellEntry *cells = Cells(row);
         if (!cells) return false;
@@ -338,11 +350,11 @@ bool CPODFile::MoveRowToDiffCache(uint32_t slot) {
         if (cell.state != kCellRowCache || cell.rowSlot != slot) continue;
         CachedCell const &cached = rowCache[slot].cells[col];
         if (!(cached.flags & kChanged)) {
-            cell.state = cell.diffSlot != kNoSlot          ? kCellDiffCache
-                         : cell.record != kPODNone         ? kCellDiffFile
-                         : !columns[col].live              ? kCellRemoved
-                         : col < sourceFields && span.length ? kCellSource
-                                                           : kCellEmpty;
+            cell.state = cell.diffSlot != kNoSlot                              ? kCellDiffCache
+                         : cell.record != kPODNone                             ? kCellDiffFile
+                         : !columns[col].live                                  ? kCellRemoved
+                         : col < sourceFields && SourceLine(cells) != kPODNone ? kCellSource
+                                                                               : kCellEmpty;
         } else {
             if (cell.diffSlot == kNoSlot) {
                 cell.diffSlot = TakeDiffSlot(); // may touch other rows
@@ -378,8 +390,10 @@ bool CPODFile::MoveItemToDiffFile(uint32_t slot) {
         return true;
     }
     CellEntry cell = cells[entry.col];
-    if (cell.record == kPODNone) cell.record = diffFile->GetCount();
-    uint8_t *record = diffFile->GetItem(cell.record);
+    CPersistedArray *records = MadeOnFirstUse(diffFile, sizeof(DiffEntry), windowBudget);
+    if (!records) return false;
+    if (cell.record == kPODNone) cell.record = records->GetCount();
+    uint8_t *record = records->GetItem(cell.record);
     if (!record) return false;
     std::memcpy(record, &entry, sizeof entry);
     if (cell.state == kCellDiffCache) cell.state = kCellDiffFile;
@@ -416,7 +430,8 @@ uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t
     Column column{{}, {}, {}, {}, 1};
     if (!isOpen || ColumnCount() >= kMaxColumns || !CopyText(column.name, 128, name ? name : u"") ||
         !CopyText(column.cls, 128, cls ? cls : u"") || !CopyText(column.unit, 64, unit ? unit : u"") ||
-        !CopyText(column.type, 64, type ? type : u"") || !cellIndex.SetItemSize(CellItemSize(ColumnCount() + 1)))
+        !CopyText(column.type, 64, type ? type : u"") ||
+        (cellIndex && !cellIndex->SetItemSize(CellItemSize(ColumnCount() + 1))))
         return kPODNone;
     uint32_t const col = ColumnCount();
     columns.push_back(column);
@@ -439,13 +454,9 @@ uint32_t CPODFile::AddColumn(char16_t const *name, char16_t const *cls, char16_t
 }
 
 uint32_t CPODFile::AddRow() {
-    if (liveColumns == 0) return kPODNone;
-    uint32_t const row = nDPs();
-    uint8_t *item = index.GetItem(row);
-    if (!item) return kPODNone;
-    std::memset(item, 0, sizeof(SPODRowSpan)); // no line: its cells start empty (see Cells)
+    if (liveColumns == 0 || rowCount == kPODNone - 1) return kPODNone;
     isModified = true;
-    return row;
+    return rowCount++; // at or past linedRows: its cells start empty (see Cells)
 }
 
 void CPODFile::AllocRows(uint32_t count) {
@@ -483,7 +494,9 @@ void CPODFile::RemoveRow(uint32_t row) {
             if (!cells) return Damaged();
         }
     }
-    if (!cellIndex.Remove(row) || !index.Remove(row)) return Damaged();
+    if (!cellIndex->Remove(row)) return Damaged(); // made by Cells(row) above
+    --rowCount;
+    linedRows = std::min(linedRows, row); // the rows behind were made above
     isModified = true;
 }
 

@@ -2,11 +2,12 @@
 
 /// @file
 /// CPODFile: a POD table of any length at a fixed memory cost. The source text
-/// stays on disk and is read a line at a time; the row index (each row's line
-/// position) lives in a temporary file behind a 512 KiB window, and the rows'
-/// cell records in another, made for a row only when it is first read or
-/// edited; 64 parsed rows sit in a row cache;
-/// edited cells fall through a 32-cell diff cache into a temporary diff file.
+/// stays on disk and is read a line at a time; the row index (the position of
+/// every 64th line, CPODLineIndex) lives behind a 32 KiB window, in a
+/// temporary file past it, and the rows' cell records in another behind a
+/// 512 KiB window, made for a row only when it is first read or edited; 64
+/// parsed rows sit in a row cache; edited cells fall through a 32-cell diff
+/// cache into a temporary diff file. Temporary files are made when first needed.
 /// Nothing reaches the real file until Save writes it out whole, through a
 /// temporary file and a rename, so a failed Save leaves the old file whole.
 ///
@@ -19,6 +20,7 @@
 #include "qv/core/PersistedArray.h"
 #include "qv/formats/tagged/SAFFile.h"
 #include "qv/tables/IPODFile.h"
+#include "qv/tables/PODLineIndex.h"
 
 namespace qv {
 
@@ -31,8 +33,9 @@ public:
     static constexpr uint32_t kRowCacheSize = 64;  ///< parsed rows held in memory
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
 
-    /// A closed table. windowBudget: bytes of the row index and of the diff
-    /// file held in memory each (512 KiB by default; less trades speed for memory).
+    /// A closed table. windowBudget: bytes of the cell records and of the
+    /// diff file held in memory each, and of the row index up to its own
+    /// smaller bound (512 KiB by default; less trades speed for memory).
     explicit CPODFile(uint32_t windowBudget = CPersistedArray::kWindowBudget);
     ~CPODFile() override;
     CPODFile(CPODFile const &) = delete;
@@ -51,7 +54,7 @@ public:
                        char16_t const *type) override;
     uint32_t AddRow() override;
     void AllocRows(uint32_t count) override;
-    uint32_t nDPs() override { return index.GetCount(); }
+    uint32_t nDPs() override { return rowCount; }
     uint32_t nParams() override { return liveColumns; }
     bool IsValid() override { return isOpen; }
     char16_t const *GetValue(uint32_t col, uint32_t row) override;
@@ -125,21 +128,21 @@ private:
     bool SourceUnchanged();
     bool SourceStillNamed(IFileSystem &fs, char16_t const *name);
     void Damaged();
-    bool ReadSourceLine(int64_t position, uint32_t length);
+    bool ReadSourceLine(uint32_t number);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
-    bool StartDiffFile();
     uint8_t TakeDiffSlot();
-    void ForgetDiffEntry(CellEntry &cell);
 
     std::vector<Column> columns;
     std::vector<DiffEntry> diffCache;
     std::vector<CachedRow> rowCache;
-    CPersistedArray index; ///< an SPODRowSpan per row
-    /// Per row a made flag byte, then a CellEntry per column. Rows at or past
-    /// its count, or with the flag 0, hold their first records implicitly:
-    /// opening a table then writes only the line positions.
-    CPersistedArray cellIndex;
+    CPODLineIndex lines; ///< the source file's rows
+    /// Per row a made flag byte and its source line, then a CellEntry per
+    /// column. Rows at or past its count, or with the flag 0, hold their first
+    /// records implicitly: opening a table writes no per-row record.
+    std::unique_ptr<CPersistedArray> cellIndex;
+    uint32_t rowCount = 0;
+    uint32_t linedRows = 0; ///< rows below it not made yet are still their own source line
     std::unique_ptr<CPersistedArray> diffFile;
     std::vector<char const *> fields;
     uint32_t sourceFields = 0;

@@ -1,66 +1,96 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
+#include <vector>
 
-#include "qv/core/PersistedArray.h"
 #include "qv/files/MemFile.h"
 #include "qv/tables/PODLineIndex.h"
 
 namespace {
 
-qv::SPODRowSpan Row(qv::CPersistedArray &index, uint32_t i) {
-    qv::SPODRowSpan span{};
-    uint8_t const *p = index.ReadItem(i);
-    EXPECT_NE(p, nullptr);
-    if (p) std::memcpy(&span, p, sizeof span);
-    return span;
-}
+using qv::CPODLineIndex;
 
 void Fill(qv::CMemFile &file, std::string const &text) {
     ASSERT_EQ(file.Write(text.data(), uint32_t(text.size())), text.size());
 }
 
-TEST(PODLineIndex, FinalLineEndMakesNoEmptyRow) {
+// Line i as text, or "<none>" when the index gives none.
+std::string LineText(CPODLineIndex &index, qv::IFile &file, uint32_t i) {
+    uint32_t length = 0;
+    char const *text = index.Line(file, i, length);
+    return text ? std::string(text, length) : "<none>";
+}
+
+TEST(PODLineIndex, FinalLineEndMakesNoEmptyLineAndALastLineWithoutOneIsALine) {
     qv::CMemFile file;
     Fill(file, "HDR\na\tb\r\ncc\r\n");
-    qv::CPersistedArray index(16);
-    ASSERT_TRUE(qv::IndexPODLines(file, 4, index));
+    CPODLineIndex index;
+    ASSERT_TRUE(index.Build(file, 4));
     ASSERT_EQ(index.GetCount(), 2u);
-    EXPECT_EQ(Row(index, 0).position, 4);
-    EXPECT_EQ(Row(index, 0).length, 5u);
-    EXPECT_EQ(Row(index, 1).position, 9);
-    EXPECT_EQ(Row(index, 1).length, 4u);
-    EXPECT_EQ(index.ReadItem(1)[15], 0);
-}
+    EXPECT_EQ(LineText(index, file, 0), "a\tb\r\n");
+    EXPECT_EQ(LineText(index, file, 1), "cc\r\n");
+    EXPECT_EQ(LineText(index, file, 2), "<none>");
 
-TEST(PODLineIndex, LastLineWithoutLineEndIsARow) {
-    qv::CMemFile file;
-    Fill(file, "x\ny");
-    qv::CPersistedArray index(12);
-    ASSERT_TRUE(qv::IndexPODLines(file, 0, index));
+    qv::CMemFile open;
+    Fill(open, "x\ny");
+    ASSERT_TRUE(index.Build(open, 0)); // replaces the first index
     ASSERT_EQ(index.GetCount(), 2u);
-    EXPECT_EQ(Row(index, 1).position, 2);
-    EXPECT_EQ(Row(index, 1).length, 1u);
-}
+    EXPECT_EQ(LineText(index, open, 1), "y");
 
-TEST(PODLineIndex, LinesAcrossBlocksAndLongLinesKeepTheirLength) {
-    qv::CMemFile file;
-    std::string longLine(0x90000, 'v'); // longer than a block and than 16 bits
-    Fill(file, "a\n" + longLine + "\nb\n");
-    qv::CPersistedArray index(12);
-    ASSERT_TRUE(qv::IndexPODLines(file, 0, index));
-    ASSERT_EQ(index.GetCount(), 3u);
-    EXPECT_EQ(Row(index, 1).length, 0x90001u);
-    EXPECT_EQ(Row(index, 2).position, 2 + 0x90001);
-}
-
-TEST(PODLineIndex, RefusesAnItemTooSmallForTheSpan) {
-    qv::CMemFile file;
-    Fill(file, "a\n");
-    qv::CPersistedArray index(8);
-    EXPECT_FALSE(qv::IndexPODLines(file, 0, index));
+    qv::CMemFile empty;
+    ASSERT_TRUE(index.Build(empty, 0));
     EXPECT_EQ(index.GetCount(), 0u);
+    EXPECT_EQ(LineText(index, empty, 0), "<none>");
+}
+
+// Lines of many lengths around and across checkpoints, reached in order,
+// backwards and by jumps, with a checkpoint window of two items so that the
+// checkpoints themselves come back from the temporary file.
+TEST(PODLineIndex, EveryLineIsFoundFromItsCheckpointOrTheLastLineFound) {
+    std::vector<std::string> lines;
+    std::string text = "header\n";
+    for (uint32_t i = 0; i < 1000; ++i) {
+        lines.push_back(std::to_string(i) + "\t" + std::string(i % 97, 'x') + (i % 3 ? "\r\n" : "\n"));
+        text += lines.back();
+    }
+    qv::CMemFile file;
+    Fill(file, text);
+    CPODLineIndex index(16);
+    ASSERT_TRUE(index.Build(file, 7));
+    ASSERT_EQ(index.GetCount(), 1000u);
+    for (uint32_t i = 0; i < 1000; ++i)
+        ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
+    for (uint32_t i = 1000; i-- > 0;)
+        ASSERT_EQ(LineText(index, file, i), lines[i]) << i;
+    for (uint32_t i : {63u, 64u, 65u, 0u, 127u, 128u, 129u, 999u, 191u, 192u, 640u, 1u})
+        EXPECT_EQ(LineText(index, file, i), lines[i]) << i;
+}
+
+TEST(PODLineIndex, LinesLongerThanTheBufferAreCrossedButNotGiven) {
+    qv::CMemFile file;
+    std::string const longLine(0x90000, 'v'); // longer than a read block and the buffer
+    Fill(file, "a\n" + longLine + "\nb\n" + std::string(CPODLineIndex::kBufferSize - 1, 'w') + "\n");
+    CPODLineIndex index;
+    ASSERT_TRUE(index.Build(file, 0));
+    ASSERT_EQ(index.GetCount(), 4u);
+    EXPECT_EQ(LineText(index, file, 2), "b\n");
+    EXPECT_EQ(LineText(index, file, 1), "<none>");
+    EXPECT_EQ(LineText(index, file, 3).size(), CPODLineIndex::kBufferSize);
+    EXPECT_EQ(LineText(index, file, 0), "a\n");
+}
+
+TEST(PODLineIndex, AFileCutAfterTheBuildGivesNoLines) {
+    qv::CMemFile file;
+    std::string text;
+    for (int i = 0; i < 200; ++i)
+        text += "row " + std::to_string(i) + "\n";
+    Fill(file, text);
+    CPODLineIndex index;
+    ASSERT_TRUE(index.Build(file, 0));
+    ASSERT_TRUE(file.SetSize(100));
+    EXPECT_EQ(LineText(index, file, 150), "<none>");
+    EXPECT_EQ(LineText(index, file, 199), "<none>");
+    EXPECT_EQ(LineText(index, file, 0), "<none>"); // the buffer's read comes short too
 }
 
 } // namespace
