@@ -9,15 +9,19 @@
 // - Remove moves the tail down a whole block a write, from the bottom up: a
 //   write that stops half-way has put every byte it covered at its new place
 //   first;
-// - Insert by a block or more writes in pieces no longer than the shift;
-// - Insert by less than a block first copies each block of the tail to
-//   scratch room past the new end, then writes it to its new place in one
+// - Insert by a scratch block or more writes in pieces no longer than the
+//   shift;
+// - Insert by less than a scratch block first copies each block of the tail
+//   to scratch room past the new end, then writes it to its new place in one
 //   piece. Pieces as short as the shift would cost a system call per few
 //   bytes (growing a block by 2 KiB before a gigabyte of data); the scratch
-//   costs one more write per block instead, and room for one block more.
+//   costs one more copy per block instead, and room for one block more. A
+//   disk file lends a mapping of that room, so the copy is a memory copy
+//   into pages the cache holds rather than another write.
 // After a failure the moved part goes back the same careful way (Remove's
 // undo through scratch room too, when the file can grow for it); if that
 // fails too, the caller hears that the file is damaged.
+#include <cstring>
 #include <memory>
 #include <new>
 
@@ -34,6 +38,10 @@ uint32_t EditBlockSize(int64_t fileSize) {
     if (fileSize > 0xA00000) return 0x100000;
     return 0x80000;
 }
+
+// Insert by fewer bytes moves through scratch room in blocks this small, so
+// that a block and its scratch copy stay in the processor's cache.
+constexpr uint32_t kScratchBlockSize = 0x40000;
 
 std::unique_ptr<unsigned char[]> EditBlock(uint32_t size) {
     return std::unique_ptr<unsigned char[]>(new (std::nothrow) unsigned char[size]);
@@ -93,17 +101,26 @@ int64_t MoveRange(IFile &f, int64_t from, int64_t to, int64_t length, unsigned c
     return MoveRange(f, from, to, length, block, blockSize, wrote);
 }
 
+// Copies block to the scratch room at scratch: through view, the file's own
+// view of that room, when it lent one, else by a write.
+bool SaveToScratch(IFile &f, int64_t scratch, unsigned char *view, unsigned char const *block, uint32_t n) {
+    if (!view) return WriteAt(f, scratch, block, n);
+    std::memcpy(view, block, n);
+    return true;
+}
+
 // Moves length bytes at from up by distance (less than a block): each block
-// from the top down is read, written to the scratch room at scratch, then to
-// its new place in one write. Returns the bytes moved (the top ones). When
-// the write to the new place fails, the block goes back to its old place from
-// memory; damaged says that this failed too (its bytes are in the scratch).
+// from the top down is read, copied to the scratch room at scratch (view: see
+// SaveToScratch), then written to its new place in one write. Returns the
+// bytes moved (the top ones). When the write to the new place fails, the
+// block goes back to its old place from memory; damaged says that this
+// failed too (its bytes are in the scratch).
 int64_t MoveUpThroughScratch(IFile &f, int64_t from, int64_t distance, int64_t length, int64_t scratch,
-                             unsigned char *block, uint32_t blockSize, bool &damaged) {
+                             unsigned char *view, unsigned char *block, uint32_t blockSize, bool &damaged) {
     for (int64_t moved = 0; moved < length;) {
         uint32_t n = length - moved < blockSize ? uint32_t(length - moved) : blockSize;
         int64_t at = from + length - moved - n;
-        if (!ReadAt(f, at, block, n) || !WriteAt(f, scratch, block, n)) return moved;
+        if (!ReadAt(f, at, block, n) || !SaveToScratch(f, scratch, view, block, n)) return moved;
         if (!WriteAt(f, at + distance, block, n)) {
             damaged = !WriteAt(f, at, block, n);
             return moved;
@@ -123,7 +140,7 @@ bool MoveBackUp(IFile &f, int64_t from, uint32_t distance, int64_t length, int64
     uint32_t scratchSize = length < blockSize ? uint32_t(length) : blockSize;
     if (distance < scratchSize && f.SetSize(size + scratchSize)) {
         bool damaged = false;
-        return MoveUpThroughScratch(f, from, distance, length, size, block, blockSize, damaged) == length &&
+        return MoveUpThroughScratch(f, from, distance, length, size, nullptr, block, blockSize, damaged) == length &&
                f.SetSize(size);
     }
     return MoveRange(f, from, from + distance, length, block, blockSize) == length;
@@ -150,16 +167,22 @@ bool IFile::Insert(int64_t pos, uint32_t n, EditOutcome &outcome) {
         outcome = EditOutcome::Done;
         return true; // an empty tail: nothing moves
     }
-    uint32_t blockSize = EditBlockSize(size);
+    int64_t tail = size - pos;
+    bool scratch = n < kScratchBlockSize && n < tail;
+    uint32_t blockSize = scratch ? kScratchBlockSize : EditBlockSize(size);
     auto block = EditBlock(blockSize);
     if (!block) return false;
-    int64_t tail = size - pos;
     uint32_t scratchSize = tail < blockSize ? uint32_t(tail) : blockSize;
-    bool scratch = n < scratchSize;
     if (!SetSize(size + n + (scratch ? scratchSize : 0))) return false; // the room first, with the scratch
     bool damaged = false;
-    int64_t moved = scratch ? MoveUpThroughScratch(*this, pos, n, tail, size + n, block.get(), blockSize, damaged)
-                            : MoveRange(*this, pos, pos + n, tail, block.get(), blockSize);
+    int64_t moved;
+    if (scratch) {
+        auto view = static_cast<unsigned char *>(EditView(size + n, scratchSize));
+        moved = MoveUpThroughScratch(*this, pos, n, tail, size + n, view, block.get(), blockSize, damaged);
+        if (view) ReleaseEditView(view, scratchSize); // before the room is given back
+    } else {
+        moved = MoveRange(*this, pos, pos + n, tail, block.get(), blockSize);
+    }
     if (moved == tail && (!scratch || SetSize(size + n))) {
         outcome = EditOutcome::Done;
         return true;
