@@ -91,9 +91,10 @@ public:
     ///@}
 
 protected:
-    /// Insert's scratch copies go through a shared mapping of the file: a
-    /// copy into memory the processor's cache still holds, rather than a
-    /// write system call per block. Null when the system refuses a mapping.
+    /// Insert's scratch copies go through a shared mapping of the file: each
+    /// block is read straight into the scratch room and written from there,
+    /// so the copy costs no write of its own. Null when the system refuses a
+    /// mapping.
     ///@{
     void *EditView(int64_t pos, uint32_t n) override;
     void ReleaseEditView(void *view, uint32_t n) override;

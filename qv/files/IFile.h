@@ -342,9 +342,9 @@ protected:
     /// Insert's scratch copies: a file that can lend a writable view of its
     /// own bytes [pos, pos + n), shared with it (what is stored through the
     /// view is in the file as a Write would leave it), returns one, valid
-    /// until ReleaseEditView(view, n); the default lends none (null), and the
-    /// copies go through Write. pos and n lie inside the file, on room its
-    /// SetSize reserved.
+    /// until ReleaseEditView(view, n); Insert then reads its blocks straight
+    /// into it. The default lends none (null), and the copies go through
+    /// Write. pos and n lie inside the file, on room its SetSize reserved.
     ///@{
     virtual void *EditView(int64_t pos, uint32_t n);
     virtual void ReleaseEditView(void *view, uint32_t n);

@@ -16,12 +16,11 @@
 //   piece. Pieces as short as the shift would cost a system call per few
 //   bytes (growing a block by 2 KiB before a gigabyte of data); the scratch
 //   costs one more copy per block instead, and room for one block more. A
-//   disk file lends a mapping of that room, so the copy is a memory copy
-//   into pages the cache holds rather than another write.
+//   disk file lends a mapping of that room: each block is read straight into
+//   it and written from there, so the copy costs no more than the move.
 // After a failure the moved part goes back the same careful way (Remove's
 // undo through scratch room too, when the file can grow for it); if that
 // fails too, the caller hears that the file is damaged.
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -101,28 +100,23 @@ int64_t MoveRange(IFile &f, int64_t from, int64_t to, int64_t length, unsigned c
     return MoveRange(f, from, to, length, block, blockSize, wrote);
 }
 
-// Copies block to the scratch room at scratch: through view, the file's own
-// view of that room, when it lent one, else by a write.
-bool SaveToScratch(IFile &f, int64_t scratch, unsigned char *view, unsigned char const *block, uint32_t n) {
-    if (!view) return WriteAt(f, scratch, block, n);
-    std::memcpy(view, block, n);
-    return true;
-}
-
 // Moves length bytes at from up by distance (less than a block): each block
-// from the top down is read, copied to the scratch room at scratch (view: see
-// SaveToScratch), then written to its new place in one write. Returns the
-// bytes moved (the top ones). When the write to the new place fails, the
-// block goes back to its old place from memory; damaged says that this
-// failed too (its bytes are in the scratch).
+// from the top down is copied to the scratch room at scratch, then written to
+// its new place in one write. With view, the file's own view of that room,
+// the block is read straight into it and written from there; without, it is
+// read into block and written to the scratch room too. Returns the bytes
+// moved (the top ones). When the write to the new place fails, the block goes
+// back to its old place from memory; damaged says that this failed too (its
+// bytes are in the scratch).
 int64_t MoveUpThroughScratch(IFile &f, int64_t from, int64_t distance, int64_t length, int64_t scratch,
                              unsigned char *view, unsigned char *block, uint32_t blockSize, bool &damaged) {
+    unsigned char *copy = view ? view : block;
     for (int64_t moved = 0; moved < length;) {
         uint32_t n = length - moved < blockSize ? uint32_t(length - moved) : blockSize;
         int64_t at = from + length - moved - n;
-        if (!ReadAt(f, at, block, n) || !SaveToScratch(f, scratch, view, block, n)) return moved;
-        if (!WriteAt(f, at + distance, block, n)) {
-            damaged = !WriteAt(f, at, block, n);
+        if (!ReadAt(f, at, copy, n) || (!view && !WriteAt(f, scratch, block, n))) return moved;
+        if (!WriteAt(f, at + distance, copy, n)) {
+            damaged = !WriteAt(f, at, copy, n);
             return moved;
         }
         moved += n;
