@@ -18,7 +18,7 @@ namespace {
 
 constexpr int64_t kFileSize = int64_t(1) << 30;
 constexpr size_t kFillBlock = 1 << 20;
-constexpr size_t kCopyBlock = 0x500000; // the block Insert uses at this size
+constexpr size_t kCopyBlock = 0x40000; // the block Insert moves with at this shift
 
 std::string ScratchPath(char const *name) {
     return std::string("/tmp/qv_bench_file_insert_") + name;

@@ -121,6 +121,14 @@ void CFile::Flush() {
     FlushDiskFile(handle);
 }
 
+void *CFile::EditView(int64_t pos, uint32_t n) {
+    return MapDiskFileRange(handle, pos, n);
+}
+
+void CFile::ReleaseEditView(void *view, uint32_t n) {
+    UnmapDiskFileRange(view, n);
+}
+
 bool CFile::Sync() {
     return FlushDiskFile(handle);
 }

@@ -91,6 +91,16 @@ public:
     ///@}
 
 protected:
+    /// Insert's scratch copies go through a shared mapping of the file: each
+    /// block is read straight into the scratch room and written from there,
+    /// so the copy costs no write of its own. Null when the system refuses a
+    /// mapping. Another opener must not cut the file short meanwhile: a
+    /// mapped page past the end faults the process, as any mapping would.
+    ///@{
+    void *EditView(int64_t pos, uint32_t n) override;
+    void ReleaseEditView(void *view, uint32_t n) override;
+    ///@}
+
     FileHandle handle; ///< kInvalidFileHandle when closed
     CString filename; ///< the full path
 };

@@ -17,6 +17,11 @@ constexpr uint32_t kSwapBlockBytes = 0x10000;
 
 IFile::~IFile() = default;
 
+void *IFile::EditView(int64_t, uint32_t) {
+    return nullptr;
+}
+void IFile::ReleaseEditView(void *, uint32_t) {}
+
 int64_t IFile::SetPosition(int64_t p) {
     return Seek(p, 1);
 }

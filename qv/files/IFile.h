@@ -303,13 +303,16 @@ public:
 
     /// ---- Editing in place ----
     /// Both stream the tail through one block (0x80000 bytes, growing with the
-    /// file size up to 0x500000), with no second file: one Read per block, and
-    /// Writes of pieces no longer than n; except that Insert of fewer bytes
-    /// than a block writes each block whole, after a copy of it to scratch
-    /// room past the new end (given back before it returns; no room for it is
-    /// no room). The bytes inside an inserted gap are left as they were. With an
-    /// empty tail (pos at or past the end) or n of 0 both change nothing and
-    /// are true; Remove of the whole tail is one SetSize(pos).
+    /// file size up to 0x500000), with no second file: one Read per block.
+    /// Remove writes each block whole, from the bottom up. Insert of 0x40000
+    /// bytes or more writes pieces no longer than n. Insert of fewer moves
+    /// blocks of 0x40000 bytes and writes each whole, after a copy of it to
+    /// scratch room past the new end (through EditView where the file lends
+    /// one; the room is given back before it returns; no room for it is no
+    /// room).
+    /// The bytes inside an inserted gap are left as they were. With an empty
+    /// tail (pos at or past the end) or n of 0 both change nothing and are
+    /// true; Remove of the whole tail is one SetSize(pos).
     ///
     /// On failure (false), outcome says what is left:
     ///   Unchanged  the file is byte for byte as before: a negative pos, no
@@ -319,11 +322,13 @@ public:
     ///              failed and was undone;
     ///   Damaged    a transfer failed and undoing it failed too: the file is
     ///              neither the old nor the new layout. Every original byte
-    ///              is still at its old place or its new one (a piece never
-    ///              covers a byte not yet copied), or, for Insert's block in
-    ///              flight, in the scratch room past the new end, from its
-    ///              start; Remove's dropped bytes are kept for the undo only
-    ///              up to one block.
+    ///              is still at its old place or its new one (no write
+    ///              covers a byte before that byte reached its new place),
+    ///              or, for the block in flight of Insert or of Remove's
+    ///              undo (which also takes scratch room past the end when it
+    ///              can), in the scratch room past the end, from its start;
+    ///              Remove's dropped bytes are kept for the undo only up to
+    ///              one block.
     /// On success outcome is Done.
     ///@{
     enum class EditOutcome { Done, Unchanged, Damaged };
@@ -334,6 +339,17 @@ public:
     ///@}
 
 protected:
+    /// Insert's scratch copies: a file that can lend a writable view of its
+    /// own bytes [pos, pos + n), shared with it (what is stored through the
+    /// view is in the file as a Write would leave it), returns one, valid
+    /// until ReleaseEditView(view, n); Insert then reads its blocks straight
+    /// into it. The default lends none (null), and the copies go through
+    /// Write. pos and n lie inside the file, on room its SetSize reserved.
+    ///@{
+    virtual void *EditView(int64_t pos, uint32_t n);
+    virtual void ReleaseEditView(void *view, uint32_t n);
+    ///@}
+
     /// For files that clamp their position to 0..size: the target of a Seek by
     /// origin (1 start, 2 current, 3 end), with extreme offsets saturating.
     /// False for any other origin, which must move nothing.

@@ -37,6 +37,12 @@ int64_t GetDiskFileSize(intptr_t handle); // -1 on failure
 // the file as it was. The position does not move.
 bool SetDiskFileSize(intptr_t handle, int64_t size);
 bool FlushDiskFile(intptr_t handle);
+// A writable view of the bytes [offset, offset + length) of the file, shared
+// with it: what is stored through the view is in the file as a write would
+// leave it. The range must lie inside the file, on reserved blocks. Null if
+// the system refuses. The view lives until UnmapDiskFileRange(view, length).
+void *MapDiskFileRange(intptr_t handle, int64_t offset, uint32_t length);
+void UnmapDiskFileRange(void *view, uint32_t length);
 bool RemoveDiskFile(char const *path);
 // Moves from over to (replacing a file there) after syncing from's data, then
 // syncs to's directory. False if from could not be synced or renamed (then

@@ -24,7 +24,9 @@
 #include <cstring>
 #include <fcntl.h>
 #include <string>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "qv/platform/ShareLocks.h"
 #include "qv/platform/Syscalls.h"
@@ -171,6 +173,27 @@ bool SetDiskFileSize(intptr_t handle, int64_t size) {
 
 bool FlushDiskFile(intptr_t handle) {
     return SysFsync(Descriptor(handle)) == 0;
+}
+
+namespace {
+
+// How far address lies past the start of its page.
+uint64_t PageOffset(uint64_t address) {
+    return address % uint64_t(sysconf(_SC_PAGESIZE));
+}
+
+} // namespace
+
+void *MapDiskFileRange(intptr_t handle, int64_t offset, uint32_t length) {
+    if (offset < 0) return nullptr;
+    uint64_t lead = PageOffset(uint64_t(offset));
+    void *base = SysMapShared(Descriptor(handle), off_t(uint64_t(offset) - lead), size_t(lead + length));
+    return base == MAP_FAILED ? nullptr : static_cast<char *>(base) + lead;
+}
+
+void UnmapDiskFileRange(void *view, uint32_t length) {
+    uint64_t lead = PageOffset(reinterpret_cast<uintptr_t>(view));
+    SysUnmap(static_cast<char *>(view) - lead, size_t(lead + length));
 }
 
 bool RemoveDiskFile(char const *path) {

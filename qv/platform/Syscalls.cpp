@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace qv {
@@ -24,11 +25,14 @@ int DupDefault(int fd) {
 ssize_t CopyFileRangeDefault(int in, int out, size_t n) {
     return ::copy_file_range(in, nullptr, out, nullptr, n, 0);
 }
+void *MapSharedDefault(int fd, off_t offset, size_t length) {
+    return ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, fd, offset);
+}
 
 constexpr SyscallTable kSystem{
     &OpenDefault, &::close,      &::read,  &::write,  &::lseek,    &::ftruncate,          &::fsync,
     &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault, &CopyFileRangeDefault, &::rename,
-    &::fallocate,
+    &::fallocate,    &MapSharedDefault, &::munmap,
 };
 
 SyscallTable table = kSystem;
@@ -97,6 +101,12 @@ int SysRename(char const *from, char const *to) {
 }
 int SysFallocate(int fd, int mode, off_t offset, off_t length) {
     return Retry([&] { return table.fallocate(fd, mode, offset, length); });
+}
+void *SysMapShared(int fd, off_t offset, size_t length) {
+    return table.mapShared(fd, offset, length);
+}
+int SysUnmap(void *view, size_t length) {
+    return table.unmap(view, length);
 }
 
 } // namespace qv

@@ -39,6 +39,9 @@ struct SyscallTable {
     int (*rename)(char const *from, char const *to);
     // Reserves the blocks of [offset, offset + length) (mode 0: the size grows to cover them).
     int (*fallocate)(int fd, int mode, off_t offset, off_t length);
+    // A shared, writable view of [offset, offset + length) of fd (offset page-aligned); MAP_FAILED on failure.
+    void *(*mapShared)(int fd, off_t offset, size_t length);
+    int (*unmap)(void *view, size_t length);
 };
 
 // The live table; tests replace entries and call ResetSyscalls() after.
@@ -62,5 +65,7 @@ int SysDup(int fd);
 ssize_t SysCopyFileRange(int in, int out, size_t n);
 int SysRename(char const *from, char const *to);
 int SysFallocate(int fd, int mode, off_t offset, off_t length);
+void *SysMapShared(int fd, off_t offset, size_t length);
+int SysUnmap(void *view, size_t length);
 
 } // namespace qv

@@ -33,6 +33,7 @@
 //   kFsync           fsync (EIO)
 //   kRename          rename (EIO)
 //   kCopyFileRange   the kernel copy (EIO)
+//   kMapShared       a shared mapping of a file (ENOMEM); writers work on without one
 //   kClose           close (EIO; the descriptor is released all the same, as Linux does)
 // Each kind runs twice per call index: once failing only that call (a
 // transient fault: a roll-back after it succeeds), once "sticky", failing it
@@ -49,6 +50,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <fstream>
@@ -56,6 +58,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 #include <vector>
 
@@ -74,6 +77,7 @@ enum class Fault {
     kFsync,
     kRename,
     kCopyFileRange,
+    kMapShared,
     kClose,
 };
 
@@ -89,14 +93,16 @@ inline char const *FaultName(Fault fault) {
     case Fault::kFsync: return "fsync";
     case Fault::kRename: return "rename";
     case Fault::kCopyFileRange: return "copy_file_range";
+    case Fault::kMapShared: return "mmap";
     case Fault::kClose: return "close";
     }
     return "?";
 }
 
 inline std::vector<Fault> AllFaults() {
-    return {Fault::kWrite,  Fault::kWriteShort, Fault::kRead,   Fault::kLseek,         Fault::kFtruncate,
-            Fault::kFallocate, Fault::kFsync,   Fault::kRename, Fault::kCopyFileRange, Fault::kClose};
+    return {Fault::kWrite,  Fault::kWriteShort, Fault::kRead,          Fault::kLseek,
+            Fault::kFtruncate, Fault::kFallocate, Fault::kFsync,         Fault::kRename,
+            Fault::kCopyFileRange, Fault::kMapShared, Fault::kClose};
 }
 
 // What one run did; handed to check.
@@ -188,6 +194,11 @@ inline int Rename(char const *from, char const *to) {
 inline ssize_t CopyFileRange(int in, int out, size_t n) {
     return Fails(Fault::kCopyFileRange) ? FailWith(EIO) : S().base.copyFileRange(in, out, n);
 }
+inline void *MapShared(int fd, off_t offset, size_t length) {
+    if (!Fails(Fault::kMapShared)) return S().base.mapShared(fd, offset, length);
+    FailWith(ENOMEM);
+    return MAP_FAILED;
+}
 inline int Close(int fd) {
     if (!Fails(Fault::kClose)) return S().base.close(fd);
     S().base.close(fd);
@@ -215,6 +226,7 @@ public:
         t.fsync = &Fsync;
         t.rename = &Rename;
         t.copyFileRange = &CopyFileRange;
+        t.mapShared = &MapShared;
         t.close = &Close;
     }
     ~Injected() { Syscalls() = S().base; }
@@ -285,9 +297,10 @@ inline bool FileExists(std::string const &path) {
     return ::access(path.c_str(), F_OK) == 0;
 }
 
-// A fault that was reached must reach the caller as a failure.
+// A fault that was reached must reach the caller as a failure; except a
+// refused mapping, which writers take as a hint to use plain writes instead.
 inline void ExpectFailureReported(FaultRun const &run) {
-    if (run.fired) {
+    if (run.fired && run.fault != Fault::kMapShared) {
         EXPECT_FALSE(run.succeeded) << "the writer reported success over a failed call";
     }
 }
@@ -308,12 +321,15 @@ inline void ExpectBeforeOrAfter(FaultRun const &run, FaultBytes const &now, Faul
 // -shift bytes before from): every byte before the edit is in place, and
 // every byte from on is at its old place or its new one, so none is lost.
 // The bytes a remove was asked to drop are not judged. scratch, if given, is
-// where an insert's copy of the tail from from on may lie past the new end
-// (a tail of one block).
+// where an insert's copy of its block in flight may lie past the new end:
+// the tail from from on is cut into blocks of block bytes from its end down
+// (the lowest may be shorter), and the copy starts with its block's start.
 inline void ExpectNoByteLost(FaultBytes const &before, FaultBytes const &now, int64_t from, int64_t shift,
-                             int64_t scratch = -1) {
+                             int64_t scratch = -1, int64_t block = INT64_MAX) {
     auto at = [&](int64_t i, uint8_t value) { return i >= 0 && i < int64_t(now.size()) && now[size_t(i)] == value; };
-    auto inScratch = [&](int64_t i, uint8_t value) { return scratch >= 0 && at(scratch + i - from, value); };
+    int64_t end = int64_t(before.size());
+    auto blockStart = [&](int64_t i) { return std::max(from, end - ((end - 1 - i) / block + 1) * block); };
+    auto inScratch = [&](int64_t i, uint8_t value) { return scratch >= 0 && at(scratch + i - blockStart(i), value); };
     int64_t lost = 0, first = -1;
     int64_t edit = shift < 0 ? from + shift : from;
     for (int64_t i = 0; i < int64_t(before.size()); ++i) {
