@@ -19,7 +19,7 @@ namespace qv {
 
 namespace {
 
-constexpr uint32_t kLineSize = 8192;
+constexpr uint32_t kLineSize = CPODFile::kLineSize;
 constexpr uint32_t kMaxColumns = kLineSize / 2; // a field takes at least a byte and a separator
 constexpr uint32_t kSeekStart = 1;
 constexpr uint8_t kNoSlot = 0xFF;
@@ -31,6 +31,7 @@ constexpr uint32_t kFirstLineSize = 2048; // of a plain text file, whose fields 
 constexpr char16_t kDamaged[] = u"An edit failed half-way for a failed temporary file; the table cannot be saved.";
 constexpr char16_t kNotReopened[] = u"The table was saved, but reading it back failed.";
 constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while it was open.";
+constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -272,6 +273,9 @@ bool CPODFile::Load(IFileSystem *fs, char16_t const *name, bool mustExist) {
     columns.assign(count, Column{{}, {}, {}, {}, 1});
     int64_t position = plain ? 0 : header.GetDataPosition();
     if (!ReadHeaderLines(position) || !lines.Build(*source, position) || !SourceUnchanged()) return Destroy(), false;
+    // A row that could never be read would be counted yet unreadable, and a
+    // Save would have to drop it: refuse the table whole.
+    if (lines.GetLongestLine() >= kLineSize) return Destroy(), SetError(kLineTooLong), false;
     rowCount = linedRows = lines.GetCount();
     liveColumns = count;
     isOpen = true;

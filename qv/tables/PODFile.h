@@ -12,7 +12,8 @@
 /// temporary file and a rename, so a failed Save leaves the old file whole.
 ///
 /// Failures are results (false, null, kPODNone). Values longer than 255
-/// characters are refused. One thread at a time; see IPODFile.
+/// characters are refused, and so is a table with a line of kLineSize bytes
+/// or more. One thread at a time; see IPODFile.
 
 #include <memory>
 #include <vector>
@@ -32,6 +33,9 @@ public:
     static constexpr uint32_t kDiffCacheSize = 32; ///< edited cells held in memory before the diff file
     static constexpr uint32_t kRowCacheSize = 64;  ///< parsed rows held in memory
     static constexpr uint32_t kValueSize = 256; ///< with the terminator
+    /// Bytes of the line buffer: Load refuses a table with a line of this
+    /// many bytes or more (its LF included), which could never be read.
+    static constexpr uint32_t kLineSize = 8192;
 
     /// A closed table. windowBudget: bytes of the cell records and of the
     /// diff file held in memory each, and of the row index up to its own

@@ -27,6 +27,7 @@ void CPODLineIndex::Empty() {
     if (m_checkpoints.GetCount() != 0) m_checkpoints.Empty(); // cutting a file costs even when it is empty
     m_bufferPosition = m_end = m_nextPosition = 0;
     m_bufferLength = m_count = m_nextLine = 0;
+    m_longest = 0;
 }
 
 // Checkpoints go through the window, so the file sees them a window at a
@@ -47,24 +48,29 @@ bool CPODLineIndex::Build(IFile &file, int64_t start) {
     if (!AddCheckpoint(0, start)) return Empty(), false;
     uint64_t lines = 0;
     int64_t blockPosition = start;
-    bool openLine = false; // bytes after the last LF
+    uint64_t longest = 0;
+    int64_t carried = 0; // bytes of the line still open at the end of the last block
     for (uint32_t got; (got = file.Read(block.get(), kBlock)) != 0; blockPosition += got) {
         char const *p = block.get();
         char const *const end = p + got;
         while (char const *lf = static_cast<char const *>(std::memchr(p, '\n', size_t(end - p)))) {
+            longest = std::max(longest, uint64_t(lf + 1 - p + carried));
+            carried = 0;
             p = lf + 1;
             if (++lines % kLinesPerCheckpoint == 0 &&
                 (lines > kMaxLines ||
                  !AddCheckpoint(uint32_t(lines / kLinesPerCheckpoint), blockPosition + (p - block.get()))))
                 return Empty(), false;
         }
-        openLine = p != end;
+        carried += end - p;
     }
-    lines += openLine;
+    lines += carried != 0;
+    longest = std::max(longest, uint64_t(carried));
     // A read that fails short of the end must not pass for the end.
     if (blockPosition < file.GetSize() || lines > kMaxLines) return Empty(), false;
     m_end = blockPosition;
     m_count = uint32_t(lines);
+    m_longest = longest;
     m_nextPosition = start;
     return true;
 }

@@ -46,6 +46,7 @@ public:
     /// No lines; the checkpoint file is cut to nothing.
     void Empty();
     uint32_t GetCount() const { return m_count; } ///< lines found by Build
+    uint64_t GetLongestLine() const { return m_longest; } ///< bytes of the longest line found by Build, its LF included
 
     /// Line i's bytes, its line end included, in a buffer of the index that
     /// stays good until the next call; length gets their count. Null when i
@@ -67,6 +68,7 @@ private:
     uint32_t m_bufferLength = 0;
     int64_t m_end = 0; ///< the file's end at Build
     uint32_t m_count = 0;
+    uint64_t m_longest = 0;
     uint32_t m_nextLine = 0; ///< the line behind the one found last, and its start
     int64_t m_nextPosition = 0;
 };

@@ -206,10 +206,19 @@ TEST_F(PODFileTest, HostileFilesAreRefused) {
     noKeyword.replace(noKeyword.find("POD"), 3, "XYZ");
     write(noKeyword);
     EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
-    write(bytes + std::string(9000, 'z')); // a last line longer than the line buffer
+    // A row the line buffer cannot hold would count yet never read: the
+    // table is refused, in the middle or at the end, and says why.
+    auto line = [](uint32_t bytes) { return "1\t" + std::string(bytes - 2, 'z'); };
+    uint32_t const most = CPODFile::kLineSize - 1;
+    write(bytes + line(most - 1) + "\n" + line(most));
     ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
-    EXPECT_EQ(pod.GetValue(0, 3), nullptr);
-    EXPECT_EQ(Narrow(pod.GetValue(0, 2)), "r2c0");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 3)), "1");
+    EXPECT_EQ(Narrow(pod.GetValue(0, 4)), "1");
+    for (std::string const &tooLong : {line(most) + "\n" + "1\t2\n", "1\t2\n" + line(most + 1)}) {
+        write(bytes + tooLong);
+        EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+        EXPECT_EQ(Narrow(pod.GetError()), "A line of the table is longer than the 8,192-byte line buffer.");
+    }
     write(bytes.substr(0, bytes.size() - 3)); // cut in the middle of the last row
     ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
     EXPECT_EQ(pod.nDPs(), 3u);

@@ -73,6 +73,7 @@ TEST(PODLineIndex, LinesLongerThanTheBufferAreCrossedButNotGiven) {
     CPODLineIndex index;
     ASSERT_TRUE(index.Build(file, 0));
     ASSERT_EQ(index.GetCount(), 4u);
+    EXPECT_EQ(index.GetLongestLine(), longLine.size() + 1);
     EXPECT_EQ(LineText(index, file, 2), "b\n");
     EXPECT_EQ(LineText(index, file, 1), "<none>");
     EXPECT_EQ(LineText(index, file, 3).size(), CPODLineIndex::kBufferSize);

@@ -11,7 +11,10 @@ namespace qvtool {
 
 bool OpenPod(char const *path, qv::CPODFile &pod) {
     if (pod.Load(&qv::GetFileSystem(), qv::CString(path).GetUTF16(), true)) return true;
-    Fail("%s is not a POD table qv can read (a SAF header with KeyWrd POD and NParam)", path);
+    if (*pod.GetError())
+        Fail("%s: %s", path, qv::CString(pod.GetError()).GetUTF8());
+    else
+        Fail("%s is not a POD table qv can read (a SAF header with KeyWrd POD and NParam)", path);
     return false;
 }
 
