@@ -88,7 +88,8 @@ void RunPairedPrepared(benchmark::State &state, SPair pair, int64_t itemsPerOp, 
 // The same with nothing to prepare.
 template <class QvOp, class ReferenceOp>
 void RunPaired(benchmark::State &state, SPair pair, int64_t itemsPerOp, QvOp qvOp, ReferenceOp referenceOp) {
-    RunPairedPrepared(state, pair, itemsPerOp, [] {}, qvOp, referenceOp);
+    RunPairedPrepared(
+        state, pair, itemsPerOp, [] {}, qvOp, referenceOp);
 }
 
 } // namespace bench

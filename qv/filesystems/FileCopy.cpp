@@ -46,9 +46,9 @@ bool CopyIntoPath(IFile *src, IFileSystem *fs, char16_t const *path, int64_t cou
                   CopyProgressRoutine progress, void *context) {
     IFile *dst = fs->CreateFileW(path, kOpenNew);
     if (!dst)
-        return overwrite && MayReplace(fs, path) &&
-               SaveAtomically(
-            fs, path, [&](IFile &file) { return IFileSystem::CopyFileW(src, &file, count, progress, context); });
+        return overwrite && MayReplace(fs, path) && SaveAtomically(fs, path, [&](IFile &file) {
+                   return IFileSystem::CopyFileW(src, &file, count, progress, context);
+               });
     bool copied = IFileSystem::CopyFileW(src, dst, count, progress, context);
     delete dst;
     if (!copied) fs->DeleteFileW(path);
