@@ -6,9 +6,11 @@
 // every pending sender hold it too, so a late Post or Forget never reaches
 // freed memory.
 //
-// Locks: one mutex per queue guards everything in it. A queue never holds its
-// mutex while it runs a handler or calls an IWaitable; an IWaitable may call
-// Wake under its own lock. Completing a send locks the sender's queue alone.
+// Locks: one mutex per queue guards everything in it. Posting and taking
+// hold it for a few instructions, so a thread that finds it held spins a
+// little before it sleeps (qv/platform/SpinningMutex.h). A queue never holds
+// its mutex while it runs a handler or calls an IWaitable; an IWaitable may
+// call Wake under its own lock. Completing a send locks the sender's queue alone.
 //
 // Only the owning thread ever sleeps on a queue (in Wait, or awaiting the
 // reply to a send), so a post wakes it only when it sleeps, and posting to a
@@ -35,7 +37,7 @@ class CThreadQueue final : public CWaker {
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit CThreadQueue(uint32_t threadId) : threadId(threadId) {}
+    explicit CThreadQueue(uint32_t threadId);
 
     // The calling thread's queue, made on first use.
     static std::shared_ptr<CThreadQueue> const &Current();
