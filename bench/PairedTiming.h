@@ -50,21 +50,28 @@ template <class Op> double SecondsFor(Op &op, bool wallClock) {
 }
 
 // itemsPerOp: how many calls, bytes' worth or lock rounds one run of an op
-// stands for (the same for both).
-template <class QvOp, class ReferenceOp>
-void RunPaired(benchmark::State &state, SPair pair, int64_t itemsPerOp, QvOp qvOp, ReferenceOp referenceOp) {
+// stands for (the same for both). prepare runs, untimed, before every op of
+// either side, to put both in the same starting state (say, files removed
+// and the disk cache written back).
+template <class Prepare, class QvOp, class ReferenceOp>
+void RunPairedPrepared(benchmark::State &state, SPair pair, int64_t itemsPerOp, Prepare prepare, QvOp qvOp,
+                       ReferenceOp referenceOp) {
     double qvSeconds = 0;
     double referenceSeconds = 0;
     bool qvFirst = true;
+    auto timed = [&](auto &op) {
+        prepare();
+        return SecondsFor(op, pair.wallClock);
+    };
     for (auto _ : state) {
         double const before = referenceSeconds;
         double seconds;
         if (qvFirst) {
-            seconds = SecondsFor(qvOp, pair.wallClock);
-            referenceSeconds += SecondsFor(referenceOp, pair.wallClock);
+            seconds = timed(qvOp);
+            referenceSeconds += timed(referenceOp);
         } else {
-            referenceSeconds += SecondsFor(referenceOp, pair.wallClock);
-            seconds = SecondsFor(qvOp, pair.wallClock);
+            referenceSeconds += timed(referenceOp);
+            seconds = timed(qvOp);
         }
         qvFirst = !qvFirst;
         qvSeconds += seconds;
@@ -76,6 +83,13 @@ void RunPaired(benchmark::State &state, SPair pair, int64_t itemsPerOp, QvOp qvO
     state.counters["reference_per_second"] = items / referenceSeconds;
     state.counters["speed_ratio"] = referenceSeconds / qvSeconds;
     state.counters["goal"] = pair.goal;
+}
+
+// The same with nothing to prepare.
+template <class QvOp, class ReferenceOp>
+void RunPaired(benchmark::State &state, SPair pair, int64_t itemsPerOp, QvOp qvOp, ReferenceOp referenceOp) {
+    RunPairedPrepared(
+        state, pair, itemsPerOp, [] {}, qvOp, referenceOp);
 }
 
 } // namespace bench

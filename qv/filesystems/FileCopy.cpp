@@ -37,17 +37,18 @@ bool MayReplace(IFileSystem *fs, char16_t const *path) {
     return probe != nullptr;
 }
 
-// Copies count bytes of src into path in fs. A new file that was opened and
-// then not filled is deleted again. A file that may be replaced is written
-// beside it and renamed over it at the end, so a failed copy leaves it whole.
+// Copies count bytes of src into path in fs. A path where nothing exists
+// gets a new file: there are no old bytes to keep, so no temporary file and
+// no sync, and a copy that fails deletes it again. A file that may be
+// replaced is written beside it and renamed over it at the end (its data
+// synced first), so a failed copy or a crash leaves it whole.
 bool CopyIntoPath(IFile *src, IFileSystem *fs, char16_t const *path, int64_t count, bool overwrite,
                   CopyProgressRoutine progress, void *context) {
-    if (overwrite)
-        return MayReplace(fs, path) &&
-               SaveAtomically(
-            fs, path, [&](IFile &dst) { return IFileSystem::CopyFileW(src, &dst, count, progress, context); });
     IFile *dst = fs->CreateFileW(path, kOpenNew);
-    if (!dst) return false;
+    if (!dst)
+        return overwrite && MayReplace(fs, path) && SaveAtomically(fs, path, [&](IFile &file) {
+                   return IFileSystem::CopyFileW(src, &file, count, progress, context);
+               });
     bool copied = IFileSystem::CopyFileW(src, dst, count, progress, context);
     delete dst;
     if (!copied) fs->DeleteFileW(path);

@@ -37,17 +37,20 @@
 /// from src's position to dst's in blocks of 0x80000 bytes (one heap block per
 /// copy); progress, if not null, is called with (count, 0) first and with
 /// (count, done) after each write. Between two disk files the system copies
-/// without the block, and when progress is null in steps of up to 64 MiB
+/// without the block, and when progress is null in steps of up to 1 GiB
 /// (much faster than small steps). Zero bytes succeed and report (0, 0) once.
 /// A source that ends early, a short write or a negative count give false.
-/// A copy to a path with overwrite writes a new file beside the destination
-/// and renames it over the destination at the end (CAtomicSave), so a copy
-/// that fails leaves an existing destination whole and removes the new file;
-/// on a file system without kCapabilityRename it opens the destination with
-/// 0x28 (create or truncate) and a failure leaves it damaged. Without
-/// overwrite it opens with 0x24 (must not exist); a destination that could not
-/// be opened (one that exists) is left alone, and one that was opened and then
-/// not filled is deleted.
+/// A copy to a path first tries to create it as a new file (0x24, must not
+/// exist): with no old bytes to protect it is written in place, without a
+/// temporary file and without a sync (as fast as any file written through
+/// the system's cache; the source still holds the bytes should the machine
+/// fail before they reach the disk), and a copy that fails deletes it. When
+/// the path exists, a copy without overwrite fails and leaves it alone; with
+/// overwrite it writes a new file beside the destination, syncs it and
+/// renames it over the destination at the end (CAtomicSave), so a copy that
+/// fails, or a crash, leaves the existing destination whole and removes the
+/// new file; on a file system without kCapabilityRename it opens the
+/// destination with 0x28 (create or truncate) and a failure leaves it damaged.
 ///
 /// Deriving: overriding GetFullPath, GetCurrentWorkingDirectory or a CopyFileW
 /// form hides the other forms of that name; bring them back with a

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <new>
 
+#include "qv/platform/SpinningMutex.h"
 #include "qv/platform/ThreadId.h"
 #include "qv/platform/Ticks.h"
 
@@ -36,6 +37,10 @@ struct SQueueHolder {
 [[gnu::tls_model("initial-exec")]] thread_local SQueueHolder holder;
 
 } // namespace
+
+CThreadQueue::CThreadQueue(uint32_t threadId) : threadId(threadId) {
+    LetMutexSpin(mutex);
+}
 
 std::shared_ptr<CThreadQueue> const &CThreadQueue::Current() {
     if (!holder.queue) holder.queue = std::make_shared<CThreadQueue>(GetCurrentThreadId());

@@ -6,9 +6,11 @@
 // every pending sender hold it too, so a late Post or Forget never reaches
 // freed memory.
 //
-// Locks: one mutex per queue guards everything in it. A queue never holds its
-// mutex while it runs a handler or calls an IWaitable; an IWaitable may call
-// Wake under its own lock. Completing a send locks the sender's queue alone.
+// Locks: one mutex per queue guards everything in it. Posting and taking
+// hold it for a few instructions, so a thread that finds it held spins a
+// little before it sleeps (qv/platform/SpinningMutex.h). A queue never holds
+// its mutex while it runs a handler or calls an IWaitable; an IWaitable may
+// call Wake under its own lock. Completing a send locks the sender's queue alone.
 //
 // Only the owning thread ever sleeps on a queue (in Wait, or awaiting the
 // reply to a send), so a post wakes it only when it sleeps, and posting to a
@@ -35,7 +37,7 @@ class CThreadQueue final : public CWaker {
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit CThreadQueue(uint32_t threadId) : threadId(threadId) {}
+    explicit CThreadQueue(uint32_t threadId);
 
     // The calling thread's queue, made on first use.
     static std::shared_ptr<CThreadQueue> const &Current();
@@ -99,18 +101,20 @@ private:
     void Sleep(Lock &lock, Clock::time_point until);
     void Rearm();
 
-    uint32_t const threadId;
-    std::mutex mutex;
-    std::condition_variable changed;
+    // What every post and every take touch shares one cache line, so that
+    // passing the lock between poster and owner moves that line alone.
+    alignas(64) std::mutex mutex;
     CMessageRing posted;
-    std::deque<SSent *> incoming;
-    std::vector<STimer> timers;
-    bool quit = false;
-    int32_t quitCode = 0;
-    bool poked = false;
     bool closed = false;
     bool ownerSleeping = false;
+    bool quit = false;
+    bool poked = false;
     CQueueSignal signal;
+    uint32_t const threadId;
+    int32_t quitCode = 0;
+    std::condition_variable changed;
+    std::deque<SSent *> incoming;
+    std::vector<STimer> timers;
 };
 
 } // namespace qv

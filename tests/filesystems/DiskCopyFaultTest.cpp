@@ -1,6 +1,8 @@
 // Faults injected into the kernel copy between two disk files: a file system
 // that cannot copy in the kernel falls back to the buffer, interrupted calls
 // are retried, and a failure half-way fails the copy and removes the target.
+// Also which road a copy takes: a new target is written in place, unsynced;
+// an existing one is replaced by a synced temporary file.
 #include <algorithm>
 #include <cerrno>
 #include <unistd.h>
@@ -16,6 +18,8 @@ namespace {
 int interruptions = 0;   // kernel copies left to interrupt
 size_t copyBudget = 0;   // bytes the failing kernel copy still lets through
 int kernelCopyCalls = 0; // kernel copies asked for
+int syncs = 0;           // fsync calls
+int renames = 0;         // rename calls
 
 ssize_t CrossDevice(int, int, size_t) {
     ++kernelCopyCalls;
@@ -45,6 +49,16 @@ ssize_t DwindlingCopy(int in, int out, size_t n) {
     return moved;
 }
 
+int CountedSync(int fd) {
+    ++syncs;
+    return ::fsync(fd);
+}
+
+int CountedRename(char const *from, char const *to) {
+    ++renames;
+    return ::rename(from, to);
+}
+
 class DiskCopyFaults : public testing::Test {
 protected:
     ScratchDir dir;
@@ -57,7 +71,7 @@ protected:
         for (size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = char(i * 7 + i / 4096);
         ASSERT_TRUE(WriteWhole(disk, source, bytes));
-        kernelCopyCalls = 0;
+        kernelCopyCalls = syncs = renames = 0;
     }
     void TearDown() override { ResetSyscalls(); }
 
@@ -87,6 +101,18 @@ TEST_F(DiskCopyFaults, FailureHalfWayFailsTheCopyAndRemovesTheTarget) {
     EXPECT_FALSE(Copy());
     EXPECT_FALSE(disk.FileExists(target.GetUTF16()));
     EXPECT_EQ(ReadWhole(disk, source), bytes) << "the source is never touched";
+}
+
+TEST_F(DiskCopyFaults, NewTargetIsWrittenInPlaceAndAnExistingOneReplacedAfterASync) {
+    Syscalls().fsync = &CountedSync;
+    Syscalls().rename = &CountedRename;
+    EXPECT_TRUE(Copy());
+    EXPECT_EQ(renames, 0) << "a new target needs no temporary file";
+    EXPECT_EQ(syncs, 0) << "a new target has no old bytes to protect";
+    EXPECT_TRUE(Copy());
+    EXPECT_EQ(renames, 1) << "an existing target is replaced in one step";
+    EXPECT_GE(syncs, 1) << "the new bytes reach the disk before the old ones go";
+    EXPECT_EQ(ReadWhole(disk, target), bytes);
 }
 
 } // namespace
