@@ -32,9 +32,10 @@ using ExpBits = uint64_t __attribute__((vector_size(32)));
 using ExpVector8 = double __attribute__((vector_size(64)));
 using ExpBits8 = uint64_t __attribute__((vector_size(64)));
 
-// r * r - square, exactly, for square = r * r rounded: Dekker's product,
-// every step of it exact wherever the result can matter.
+/// r * r - square, exactly, for square = r * r rounded: Dekker's product,
+/// every step of it exact wherever the result can matter.
 struct SDekkerSquare {
+    /// error = r * r - square, exactly.
     template <class Real> [[gnu::always_inline]] static void Error(Real const &r, Real const &square, Real &error) {
         constexpr double kSplit = 134217729.0; // 2^27 + 1
         Real const c = r * kSplit;
@@ -44,15 +45,16 @@ struct SDekkerSquare {
     }
 };
 
-// The same exact value in one fused multiply-subtract, for eight lanes in
-// code built for AVX-512 only. (Written as an instruction: an intrinsic would
-// ask every caller up the inlined chain to be built for AVX-512 too. clang
-// judges the operand by the enclosing function's instruction set, so its
-// builds keep Dekker's product.)
+/// The same exact value in one fused multiply-subtract, for eight lanes in
+/// code built for AVX-512 only. (Written as an instruction: an intrinsic would
+/// ask every caller up the inlined chain to be built for AVX-512 too. clang
+/// judges the operand by the enclosing function's instruction set, so its
+/// builds keep Dekker's product.)
 #if defined(__clang__)
 using SFusedSquare = SDekkerSquare;
 #else
 struct SFusedSquare {
+    /// error = r * r - square, exactly.
     [[gnu::always_inline]] static void Error(ExpVector8 const &r, ExpVector8 const &square, ExpVector8 &error) {
         error = square;
         asm("vfmsub231pd %1, %1, %0" : "+v"(error) : "v"(r));
