@@ -1,18 +1,12 @@
-// Block edits on a disk XDN container under every system-call fault: growing
-// and shrinking a block, and adding a block that makes the table grow (which
-// moves every block), each followed by Save. A fault that passes (transient)
-// must reach the caller as a failure and leave every other block's bytes and
-// a readable container. A fault that stays (a dead disk) after the blocks
-// have moved stops the table's own write too: the old table is left, as the
-// format has no journal, so those runs are only required to report failure.
+// Block edits on a disk XDN container under every system-call fault: growing,
+// shrinking and emptying a block, and adding a block that makes the table
+// grow (which moves every block), each followed by Save.
 #include <gtest/gtest.h>
 
 #include <functional>
 
-#include "files/FileTestSupport.h"
-#include "indexed/IndexedTestSupport.h"
+#include "indexed/BlockEditFaultCheck.h"
 #include "qv/formats/indexed/XDNFile.h"
-#include "support/FaultInjection.h"
 
 namespace qv::test {
 namespace {
@@ -39,41 +33,14 @@ protected:
         original = FileBytes(path);
     }
 
-    // Runs edit on a container opened for writing, then Save, under every
-    // fault. changed is the block the edit may leave anywhere between its old
-    // and new bytes; expected is what it holds after a clean run. count is
-    // the number of blocks after a clean run.
+    // Runs edit and Save on the container under every fault (see
+    // CheckBlockEditUnderFaults).
     void Check(std::function<bool(CXDNFile &)> const &edit, uint32_t changed, Bytes const &expected,
                uint32_t count) {
-        int runs = RunUnderFaults(
-            [&] { WriteDiskBytes(path, original); },
-            [&] {
-                CXDNFile xdn;
-                if (!xdn.Open(wide.c_str(), false)) return false;
-                bool done = edit(xdn);
-                return xdn.Save() && done;
-            },
-            [&](FaultRun const &run) {
-                ExpectFailureReported(run);
-                if (run.sticky && !run.succeeded) return;
-                CXDNFile xdn;
-                ASSERT_TRUE(xdn.Open(wide.c_str(), true)) << "the container no longer opens";
-                uint32_t n = xdn.GetIndexCount();
-                ASSERT_TRUE(n == blocks.size() || n == count) << n << " blocks";
-                if (run.succeeded) {
-                    ASSERT_EQ(n, count);
-                    EXPECT_EQ(BlockBytes(xdn.GetIndexAt(changed)), expected);
-                }
-                for (uint32_t i = 0; i < blocks.size(); ++i) {
-                    if (i != changed) {
-                        EXPECT_EQ(Crc(BlockBytes(xdn.GetIndexAt(i))), Crc(blocks[i])) << "block " << i;
-                    }
-                }
-            },
-            // close comes after every byte is written, and Close reports nothing
-            {Fault::kWrite, Fault::kWriteShort, Fault::kRead, Fault::kLseek, Fault::kFtruncate, Fault::kFallocate,
-             Fault::kFsync, Fault::kCopyFileRange});
-        EXPECT_GT(runs, 20);
+        auto openForWrite = [&](CXDNFile &xdn) { return xdn.Open(wide.c_str(), false); };
+        EXPECT_GT(CheckBlockEditUnderFaults<CXDNFile>(path, original, blocks, openForWrite, edit, changed, expected,
+                                                      count),
+                  20);
     }
 };
 
