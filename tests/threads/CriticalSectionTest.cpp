@@ -16,21 +16,27 @@
 namespace qv {
 namespace {
 
-TEST(CriticalSection, RecursiveForItsThreadExclusiveForOthers) {
-    CCriticalSection section(100);
-    section.Enter();
-    section.Enter();
-    section.Leave();
+// section is held once by this thread: another thread waits on it until the
+// Leave, then gets in.
+void ExpectOthersWaitForTheLeave(CCriticalSection &section, char const *why) {
     bool entered = false;
     auto other = test::AsyncVoid([&] {
         section.Enter();
         entered = true;
         section.Leave();
     });
-    EXPECT_TRUE(test::StillBlocked(other)) << "one Leave of two must keep the section";
+    EXPECT_TRUE(test::StillBlocked(other)) << why;
     section.Leave();
     ASSERT_TRUE(test::Finishes(other));
     EXPECT_TRUE(entered);
+}
+
+TEST(CriticalSection, RecursiveForItsThreadExclusiveForOthers) {
+    CCriticalSection section(100);
+    section.Enter();
+    section.Enter();
+    section.Leave();
+    ExpectOthersWaitForTheLeave(section, "one Leave of two must keep the section");
 }
 
 // While the process has a single thread, Enter and Leave take their plain
@@ -61,17 +67,8 @@ TEST(CriticalSection, SingleThreadedPathAndThreadsStartedWhileHeld) {
     section.Leave();
     section.Leave();
     section.Enter();
-    bool entered = false;
-    auto other = test::AsyncVoid([&] {
-        section.Enter();
-        entered = true;
-        section.Leave();
-    });
+    ExpectOthersWaitForTheLeave(section, "taken while single-threaded, still held");
     EXPECT_FALSE(__libc_single_threaded);
-    EXPECT_TRUE(test::StillBlocked(other)) << "taken while single-threaded, still held";
-    section.Leave();
-    ASSERT_TRUE(test::Finishes(other));
-    EXPECT_TRUE(entered);
 }
 
 TEST(CriticalSection, CopyHasALockOfItsOwn) {
