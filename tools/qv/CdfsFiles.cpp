@@ -1,15 +1,13 @@
 // What the cdfs sub-commands share: opening a composite with a message.
 #include "Commands.h"
+#include "Input.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
 
 bool OpenCdfs(char const *path, bool readOnly, qv::CCDFileSystem &cdfs) {
     qv::CString name(path);
-    if (readOnly && !qv::GetFileSystem().FileExists(name)) {
-        Fail("cannot open %s (missing or not a regular file)", path);
-        return false;
-    }
+    if (readOnly && !CheckInputFile(path)) return false;
     if (cdfs.Open(name, readOnly)) return true;
     qv::CString problem;
     qv::CCDFileSystem::Check(&qv::GetFileSystem(), name, problem);

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 
 #include "qv/files/MemFile.h"
@@ -38,6 +39,23 @@ bool ReadInputHead(char const *path, size_t limit, std::string &bytes, std::stri
 // when the system refuses the path too ("cannot open x: Permission denied"),
 // else what the library refuses (a directory, a device, a file in use).
 std::string OpenFailure(char const *path, bool write);
+
+// Whether path ("-": standard input) can be opened for reading as a file;
+// when not, the sentence with the system's message ("cannot open x: Is a
+// directory") goes to standard error and the result is false. For commands
+// whose library loader would only say that the file is not of its kind.
+bool CheckInputFile(char const *path);
+
+// Whether the output path names the same file as one of the others (the
+// same existing file, or the same words; "-" is never one). Then a sentence
+// goes to standard error and the result is true: writing there would destroy
+// an input that the command is still reading, or another of its outputs.
+bool OutputIsAnInput(char const *output, std::initializer_list<char const *> others);
+
+// Why a whole-file write of path failed, as a sentence: the system's message
+// for the path or its directory where the system refuses them ("cannot write
+// x/y: No such file or directory"), else that the write failed.
+std::string WriteFailure(char const *path);
 
 // Reads a text input line by line, in constant memory.
 class CLineReader {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "Input.h"
 #include "Options.h"
 #include "qv/core/String.h"
 #include "qv/formats/tagged/SAFFrames.h"
@@ -16,6 +17,7 @@ namespace qvtool {
 namespace {
 
 int OpenFrames(char const *path, qv::CSAFFrames &frames) {
+    if (!CheckInputFile(path)) return kExitFailed;
     if (!frames.Open(qv::CString(path).GetUTF16()))
         return Fail("%s is not a SAF image file (KeyWrd IMG, BytOrd LH, DaType UInt16, xPixls, yPixls, IMSize)",
                     path);

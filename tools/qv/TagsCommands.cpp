@@ -110,7 +110,7 @@ int RunTagsConvert(char *const *args) {
                 : EndsWith(args[1], ".sbf") ? tags.SaveSBF(&out)
                                             : tags.SaveBinary(&out);
     if (!made) return Fail("cannot build the dictionary's new form");
-    return WriteOutput(args[1], out) ? 0 : kExitFailed;
+    return CopyToOutput(out, args[1]) ? 0 : kExitFailed;
 }
 
 } // namespace qvtool

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Commands.h"
+#include "Input.h"
 #include "qv/core/VersionInfo.h"
 
 namespace qvtool {
@@ -17,6 +18,7 @@ void PrintVersion(char const *label, uint32_t ms, uint32_t ls) {
 } // namespace
 
 bool ExtractVersion(char const *path, qv::CVersionInfo &info) {
+    if (!CheckInputFile(path)) return false;
     if (info.Extract(qv::CString(path).GetUTF16())) return true;
     Fail("%s has no readable version resource (it must be a PE32 or PE32+ executable with a well-formed "
          "resource of type 16, id 1)",
