@@ -707,7 +707,136 @@ TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
 
     ExpectRefused({"render", kCounts, cal, png, tiff}, 1, "is neither a SAF image file");
     ExpectRefused({"render", kSaf, kCounts, png, tiff}, 1, "is not a calibration file qv can read");
-    ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1, "cannot write the picture");
+    ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1,
+                  "cannot write " + Path("no/dir/x.png") + ": No such file or directory");
+}
+
+// Exactly one line on standard error, nothing on standard output.
+#define EXPECT_ONE_SENTENCE(run, code, message)                                                                        \
+    do {                                                                                                               \
+        SRun const &r_ = (run);                                                                                        \
+        EXPECT_EQ(r_.status, code) << r_.err;                                                                          \
+        EXPECT_TRUE(Contains(r_.err, message)) << "wanted: " << (message) << "\ngot: " << r_.err;                      \
+        EXPECT_EQ(std::count(r_.err.begin(), r_.err.end(), '\n'), 1) << r_.err;                                        \
+        EXPECT_EQ(r_.out, "");                                                                                         \
+    } while (0)
+
+// An extract never writes over the container it reads, and a failed one
+// leaves an old file at OUT as it was.
+TEST_F(QvTool, ExtractsKeepTheContainerAndAnyOldOutput) {
+    std::string const vqr = Path("c.vqr"), cdfs = Path("c.cdfs"), kept = Write("kept.txt", "old bytes\n");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    std::string const vqrBytes = ReadFile(vqr), cdfsBytes = ReadFile(cdfs);
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", vqr}), 1,
+                        vqr + " would overwrite another file of the command");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", cdfs}), 1,
+                        cdfs + " would overwrite another file of the command");
+    EXPECT_EQ(ReadFile(vqr), vqrBytes);
+    EXPECT_EQ(ReadFile(cdfs), cdfsBytes);
+
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/missing", kept}), 1, "holds no file /missing");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "4", kept}), 1, "holds no block 1 2 4");
+    EXPECT_EQ(ReadFile(kept), "old bytes\n");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", Path("no/dir/x")}), 1,
+                        "cannot write " + Path("no/dir/x") + ": No such file or directory");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", dir}), 1, "cannot write " + dir + ": Is a directory");
+
+    // A good extract replaces the old file whole.
+    ASSERT_EQ(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", kept}).status, 0);
+    EXPECT_EQ(ReadFile(kept), ReadFile(kCounts));
+    ASSERT_EQ(Run({"vqr", "extract", vqr, "1", "2", "3", kept}).status, 0);
+    EXPECT_EQ(ReadFile(kept), ReadFile(kCounts));
+}
+
+// A source that cannot be read is refused before the store is made or
+// given an entry.
+TEST_F(QvTool, CdfsAddRefusesAnUnreadableSourceFirst) {
+    std::string const cdfs = Path("c.cdfs"), fresh = Path("fresh.cdfs");
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    std::string const before = ReadFile(cdfs);
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", cdfs, dir}), 1, "cannot read " + dir + ": Is a directory");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", fresh, Path("missing")}), 1,
+                        "cannot open " + Path("missing") + ": No such file or directory");
+    EXPECT_EQ(ReadFile(cdfs), before);
+    EXPECT_FALSE(std::filesystem::exists(fresh));
+}
+
+// Render writes two files of its own: "-", an input or the other output as
+// a target is refused before anything is written.
+TEST_F(QvTool, RenderOutputsAreFilesOfTheirOwn) {
+    std::string const cal = Path("camera.cal"), frames = Path("sample.saf"), png = Path("f.png");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    std::filesystem::copy_file(kSaf, frames);
+    std::string const calBytes = ReadFile(cal);
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, frames, Path("f.tiff")}), 1,
+                        frames + " would overwrite another file of the command");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, png, cal}), 1, cal + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, png, png}), 1, png + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", "fit", frames, kPoints, kResponse, kAtmosphere, png, kPoints}), 1,
+                        kPoints + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, "-", Path("f.tiff")}), 1, "- names none");
+    EXPECT_ONE_SENTENCE(Run({"render", Path("missing.saf"), cal, png, Path("f.tiff")}), 1,
+                        "cannot open " + Path("missing.saf") + ": No such file or directory");
+    EXPECT_EQ(ReadFile(frames), ReadFile(kSaf));
+    EXPECT_EQ(ReadFile(cal), calBytes);
+    EXPECT_FALSE(std::filesystem::exists(png));
+}
+
+// Commands whose loader only knows "not my kind of file" first ask the
+// system, so that a missing file or a directory is named as such.
+TEST_F(QvTool, LoadersGiveTheSystemsReason) {
+    std::string const missing = Path("missing.ini");
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"saf", "frames", missing}, {"saf", "frame", "--csv", missing, "0"},
+          {"version", "show", missing}, {"pod", "show", missing}, {"pod", "export", "--csv", missing},
+          {"cdfs", "list", missing}, {"cdfs", "check", missing}, {"config", "get", missing, "/a"},
+          {"config", "dump", missing}})
+        EXPECT_ONE_SENTENCE(Run(args), 1, "cannot open " + missing + ": No such file or directory");
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", dir}, {"version", "show", dir},
+                                          {"pod", "get", dir, "0", "0"}, {"cdfs", "list", dir}})
+        EXPECT_ONE_SENTENCE(Run(args), 1, dir + ": Is a directory");
+}
+
+// A failed write to standard output is told once, with the system's reason.
+TEST_F(QvTool, StandardOutputFailureIsToldOnce) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full";
+    std::string const vqr = Path("c.vqr"), tags = Write("tags.xml", "<?xml version=\"1.0\"?>\n<TagFile>\n"
+                                                                     "<TagEntry Name=\"xPixls\"/>\n</TagFile>\n");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    for (std::vector<std::string> args : {std::vector<std::string>{"tags", "convert", tags, "-"},
+                                          {"vqr", "extract", vqr, "1", "2", "3", "-"}}) {
+        SRun run = Run(args, "/dev/null", "/dev/full");
+        EXPECT_EQ(run.status, 1) << args[0];
+        EXPECT_EQ(run.err, "qv: cannot write to standard output: No space left on device\n") << args[0];
+    }
+}
+
+// A setting is written only when the store's file reads it back as given.
+TEST_F(QvTool, ConfigSetRefusesWhatTheFileWouldChange) {
+    std::string const ini = Path("s.ini"), xml = Path("s.xml");
+    ASSERT_EQ(Run({"config", "set", ini, "/a/b", "5"}).status, 0);
+    std::string const before = ReadFile(ini);
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "/a/c", "x=y"}), 1,
+                        "'x=y' would read back from " + ini + " as 'x'; nothing was written");
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "/a/c", "x\ty"}), 1, "would read back from");
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "", "1"}), 1, "'' names no setting");
+    EXPECT_EQ(ReadFile(ini), before);
+    EXPECT_ONE_SENTENCE(Run({"config", "set", dir + "/", "/a", "1"}), 1, "is not a settings store");
+    // XML keeps the sign.
+    ASSERT_EQ(Run({"config", "set", xml, "/a/c", "x=y"}).status, 0);
+    SRun got = Run({"config", "get", xml, "/a/c"});
+    EXPECT_EQ(got.status, 0) << got.err;
+    EXPECT_EQ(got.out, "x=y\n");
+}
+
+// Each command's help names every option it takes, with its value.
+TEST_F(QvTool, HelpNamesEveryOption) {
+    SRun pod = Run({"pod", "show", "--help"});
+    EXPECT_EQ(pod.status, 0);
+    EXPECT_EQ(pod.out.rfind("usage: qv pod show [--json] [--rows A:B] FILE\n", 0), 0u) << pod.out;
+    EXPECT_ONE_SENTENCE(Run({"pod", "show", Path("t.pod"), "--rows"}), 2, "--rows needs a row range A:B");
+    EXPECT_ONE_SENTENCE(Run({"cal", "show", "--save", Path("x")}), 2, "unknown option '--save'");
 }
 
 #else
