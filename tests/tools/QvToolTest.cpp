@@ -646,8 +646,13 @@ TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
     EXPECT_TRUE(Contains(listed.out, "\nframes: 4\n")) << listed.out;
     SRun frame = Run({"saf", "frame", "--csv", kSaf, "3"});
     ASSERT_EQ(frame.status, 0) << frame.err;
+    EXPECT_EQ(Run({"saf", "frame", kSaf, "3"}).out, frame.out); // CSV is the only form
     std::vector<std::vector<std::string>> rows;
     std::stringstream in(frame.out);
+    std::string heading;
+    std::getline(in, heading);
+    EXPECT_EQ(heading.substr(0, 9), "x0,x1,x2,");
+    EXPECT_EQ(heading.substr(heading.size() - 4), ",x63");
     for (std::string line; std::getline(in, line);) rows.push_back(SplitCsv(line));
     ASSERT_EQ(rows.size(), 48u);
     ASSERT_EQ(rows[24].size(), 64u);
@@ -828,6 +833,63 @@ TEST_F(QvTool, ConfigSetRefusesWhatTheFileWouldChange) {
     SRun got = Run({"config", "get", xml, "/a/c"});
     EXPECT_EQ(got.status, 0) << got.err;
     EXPECT_EQ(got.out, "x=y\n");
+}
+
+// "-" reads standard input wherever a file is only read, and is refused
+// where a file would be changed in place.
+TEST_F(QvTool, StandardInputWhereAFileIsRead) {
+    std::string const vqr = Path("c.vqr"), cdfs = Path("c.cdfs");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    for (auto const &[args, input] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"saf", "frames", "-"}, kSaf},
+             {{"saf", "frame", "-", "1"}, kSaf},
+             {{"vqr", "list", "-"}, vqr},
+             {{"vqr", "extract", "-", "1", "2", "3", "-"}, vqr},
+             {{"cdfs", "list", "-"}, cdfs},
+             {{"cdfs", "extract", "-", "/cal_counts.csv", "-"}, cdfs}}) {
+        std::vector<std::string> named = args;
+        named[2] = input; // FILE; an OUT of - stays standard output
+        SRun piped = Run(args, input), direct = Run(named);
+        EXPECT_EQ(piped.status, 0) << args[0] << " " << args[1] << ": " << piped.err;
+        EXPECT_EQ(piped.out, direct.out) << args[0] << " " << args[1];
+        EXPECT_NE(piped.out, "") << args[0] << " " << args[1];
+    }
+    for (std::vector<std::string> args : {std::vector<std::string>{"vqr", "put", "-", "1", "2", "3", kCounts},
+                                          {"cdfs", "add", "-", kCounts},
+                                          {"pod", "set", "-", "0", "0", "x"},
+                                          {"version", "set", "-", "Beta", "yes"}})
+        EXPECT_ONE_SENTENCE(Run(args, kSaf), 1, "changes its file in place; standard input cannot be changed");
+    EXPECT_FALSE(std::filesystem::exists("-"));
+}
+
+// Every --json output is one JSON document, and every CSV output has a
+// heading and rows of its width, as python3 reads them.
+TEST_F(QvTool, JsonAndCsvOutputsReadWithPython) {
+    if (std::system("python3 -c '' 2>/dev/null") != 0) GTEST_SKIP() << "python3 is not installed";
+    std::string const vqr = Path("c.vqr"), cal = Path("c.cal"), ini = Path("s.ini");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    ASSERT_EQ(Run({"config", "set", ini, "/a/b", "say \"hi\"\\"}).status, 0);
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"saf", "show", "--json", kSaf}, {"band", "--json", kAtmosphere, "20"},
+          {"cal", "show", "--json", cal}, {"date", "--json", "2024-02-29"}, {"vqr", "list", "--json", vqr},
+          {"config", "dump", "--json", ini}}) {
+        SRun run = Run(args);
+        ASSERT_EQ(run.status, 0) << args[0] << run.err;
+        std::string const file = Write("out.json", run.out);
+        EXPECT_EQ(std::system(("python3 -m json.tool " + file + " >/dev/null").c_str()), 0) << run.out;
+    }
+    std::string const check = "python3 -c 'import csv,sys; r=list(csv.reader(open(sys.argv[1], newline=\"\"))); "
+                              "assert len(r) > 1 and r[0][0][0].isalpha() and all(len(x) == len(r[0]) for x in r)' ";
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"saf", "frame", "--csv", kSaf, "0"}, {"band", "--csv", kResponse, "20"},
+          {"cal", "convert", "--csv", cal, kCounts}, {"cal", "--csv", kPoints, kResponse, kAtmosphere, kCounts}}) {
+        SRun run = Run(args);
+        ASSERT_EQ(run.status, 0) << args[0] << run.err;
+        std::string const file = Write("out.csv", run.out);
+        EXPECT_EQ(std::system((check + file).c_str()), 0) << args[0] << " " << args[1] << "\n" << run.out;
+    }
 }
 
 // Each command's help names every option it takes, with its value.

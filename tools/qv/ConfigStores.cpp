@@ -5,12 +5,12 @@
 
 #include "Commands.h"
 #include "Input.h"
-#include "qv/files/MemFile.h"
 #include "qv/config/INIStore.h"
 #include "qv/config/RegStore.h"
 #include "qv/config/SqliteStore.h"
 #include "qv/config/XMLStore.h"
 #include "qv/core/String.h"
+#include "qv/files/MemFile.h"
 #include "qv/filesystems/DiskFileSystem.h"
 #include "qv/filesystems/Path.h"
 

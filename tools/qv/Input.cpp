@@ -209,6 +209,14 @@ bool CLineReader::Next(std::string &line, std::string &error) {
     }
 }
 
+bool CLibraryPath::Take(char const *path) {
+    std::string bytes, error;
+    if (std::strcmp(path, "-") == 0 && !ReadInput(path, kMaxWholeInput, true, false, bytes, error))
+        return Fail("%s", error.c_str()) == 0;
+    if (!Make(path, bytes, error)) return Fail("%s", error.c_str()) == 0;
+    return true;
+}
+
 CLibraryPath::~CLibraryPath() {
     if (temporary_) unlink(path_.c_str());
 }

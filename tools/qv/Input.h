@@ -83,7 +83,8 @@ private:
 };
 
 // A path that a library loader can open for an input: the path itself, or
-// for "-" a temporary file holding text (removed again by the destructor).
+// for "-" a temporary file holding what was read (removed again by the
+// destructor).
 class CLibraryPath {
 public:
     CLibraryPath() = default;
@@ -92,6 +93,9 @@ public:
     CLibraryPath &operator=(CLibraryPath const &) = delete;
 
     bool Make(char const *path, std::string const &text, std::string &error);
+    // As Make, reading standard input for "-" (at most kMaxWholeInput bytes,
+    // binary or not); on a failure the sentence goes to standard error.
+    bool Take(char const *path);
     char const *Path() const { return path_.c_str(); }
 
 private:

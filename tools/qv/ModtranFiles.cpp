@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "Output.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
@@ -21,18 +22,41 @@ struct SColumnName {
 
 // In the order of the tables MODTRAN writes.
 constexpr SColumnName kColumnNames[] = {
-    {T7::T7C_FREQ, "FREQ"},           {T7::T7C_TOT_TRANS, "TOT_TRANS"},   {T7::T7C_PTH_THRML, "PTH_THRML"},
-    {T7::T7C_THRML_SCT, "THRML_SCT"}, {T7::T7C_SURF_EMIS, "SURF_EMIS"},   {T7::T7C_SOL_SCAT, "SOL_SCAT"},
-    {T7::T7C_SING_SCAT, "SING_SCAT"}, {T7::T7C_GRND_RFLT, "GRND_RFLT"},   {T7::T7C_DRCT_RFLT, "DRCT_RFLT"},
-    {T7::T7C_TOTAL_RAD, "TOTAL_RAD"}, {T7::T7C_REF_SOL, "REF_SOL"},       {T7::T7C_SOL_OBS, "SOL_OBS"},
-    {T7::T7C_DEPTH, "DEPTH"},         {T7::T7C_H2O_TRANS, "H2O_TRANS"},   {T7::T7C_CO2P_TRANS, "CO2P_TRANS"},
-    {T7::T7C_O3_TRANS, "O3_TRANS"},   {T7::T7C_TRACE_TRANS, "TRACE_TRANS"}, {T7::T7C_N2_COUNT, "N2_COUNT"},
-    {T7::T7C_H2O_COUNT, "H2O_COUNT"}, {T7::T7C_MOLEC_COUNT, "MOLEC_COUNT"}, {T7::T7C_AER_TRANS, "AER_TRANS"},
-    {T7::T7C_HNO3_TRANS, "HNO3_TRANS"}, {T7::T7C_AERAB_TRANS, "AERAB_TRANS"}, {T7::T7C_LOG_TOTAL, "LOG_TOTAL"},
-    {T7::T7C_CO2_TRANS, "CO2_TRANS"}, {T7::T7C_CO_TRANS, "CO_TRANS"},     {T7::T7C_CH4_TRANS, "CH4_TRANS"},
-    {T7::T7C_N2O_TRANS, "N2O_TRANS"}, {T7::T7C_O2_TRANS, "O2_TRANS"},     {T7::T7C_NH3_TRANS, "NH3_TRANS"},
-    {T7::T7C_NO_TRANS, "NO_TRANS"},   {T7::T7C_NO2_TRANS, "NO2_TRANS"},   {T7::T7C_SO2_TRANS, "SO2_TRANS"},
-    {T7::T7C_SOL_TR, "SOL_TR"},       {T7::T7C_SOLAR, "SOLAR"},
+    {T7::T7C_FREQ, "FREQ"},
+    {T7::T7C_TOT_TRANS, "TOT_TRANS"},
+    {T7::T7C_PTH_THRML, "PTH_THRML"},
+    {T7::T7C_THRML_SCT, "THRML_SCT"},
+    {T7::T7C_SURF_EMIS, "SURF_EMIS"},
+    {T7::T7C_SOL_SCAT, "SOL_SCAT"},
+    {T7::T7C_SING_SCAT, "SING_SCAT"},
+    {T7::T7C_GRND_RFLT, "GRND_RFLT"},
+    {T7::T7C_DRCT_RFLT, "DRCT_RFLT"},
+    {T7::T7C_TOTAL_RAD, "TOTAL_RAD"},
+    {T7::T7C_REF_SOL, "REF_SOL"},
+    {T7::T7C_SOL_OBS, "SOL_OBS"},
+    {T7::T7C_DEPTH, "DEPTH"},
+    {T7::T7C_H2O_TRANS, "H2O_TRANS"},
+    {T7::T7C_CO2P_TRANS, "CO2P_TRANS"},
+    {T7::T7C_O3_TRANS, "O3_TRANS"},
+    {T7::T7C_TRACE_TRANS, "TRACE_TRANS"},
+    {T7::T7C_N2_COUNT, "N2_COUNT"},
+    {T7::T7C_H2O_COUNT, "H2O_COUNT"},
+    {T7::T7C_MOLEC_COUNT, "MOLEC_COUNT"},
+    {T7::T7C_AER_TRANS, "AER_TRANS"},
+    {T7::T7C_HNO3_TRANS, "HNO3_TRANS"},
+    {T7::T7C_AERAB_TRANS, "AERAB_TRANS"},
+    {T7::T7C_LOG_TOTAL, "LOG_TOTAL"},
+    {T7::T7C_CO2_TRANS, "CO2_TRANS"},
+    {T7::T7C_CO_TRANS, "CO_TRANS"},
+    {T7::T7C_CH4_TRANS, "CH4_TRANS"},
+    {T7::T7C_N2O_TRANS, "N2O_TRANS"},
+    {T7::T7C_O2_TRANS, "O2_TRANS"},
+    {T7::T7C_NH3_TRANS, "NH3_TRANS"},
+    {T7::T7C_NO_TRANS, "NO_TRANS"},
+    {T7::T7C_NO2_TRANS, "NO2_TRANS"},
+    {T7::T7C_SO2_TRANS, "SO2_TRANS"},
+    {T7::T7C_SOL_TR, "SOL_TR"},
+    {T7::T7C_SOLAR, "SOLAR"},
 };
 
 // The shortest text that reads back as the same double.
@@ -48,7 +72,7 @@ void PrintNumber(std::FILE *out, double value, char const *before, int width) {
 bool LoadTape5(char const *path, qv::CModtranTape5File &tape5) {
     qv::CMemFile file;
     if (!ReadInput(path, file)) return false;
-    if (!tape5.Load(file)) return Fail("%s: %s", path, tape5.GetLastError()) == 0;
+    if (!tape5.Load(file)) return Fail("%s: %s", InputName(path).c_str(), Escaped(tape5.GetLastError()).c_str()) == 0;
     return true;
 }
 
@@ -56,9 +80,10 @@ bool LoadWholeTape7(char const *path, qv::CModtranTape7File &tape7) {
     qv::CMemFile file;
     if (!ReadInput(path, file)) return false;
     // The first load finds the layout; the second takes all it may.
-    if (!tape7.Load(file, T7::T7C_FREQ)) return Fail("%s is no tape7 table qv can read", path) == 0;
+    if (!tape7.Load(file, T7::T7C_FREQ)) return Fail("%s is no tape7 table qv can read", InputName(path).c_str()) == 0;
     file.Seek(0, 1);
-    if (!tape7.Load(file, tape7.GetColumns() & 0xFFFFFFFFu)) return Fail("%s: table does not load", path) == 0;
+    if (!tape7.Load(file, tape7.GetColumns() & 0xFFFFFFFFu))
+        return Fail("%s: table does not load", InputName(path).c_str()) == 0;
     return true;
 }
 

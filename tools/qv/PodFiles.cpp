@@ -37,6 +37,8 @@ bool PodCell(qv::CPODFile &pod, char const *rowText, char const *columnText, uin
            PodIndex(columnText, pod.nParams(), "column", col);
 }
 
-std::string PodText(char16_t const *value) { return value ? qv::CString(value).GetUTF8() : ""; }
+std::string PodText(char16_t const *value) {
+    return value ? qv::CString(value).GetUTF8() : "";
+}
 
 } // namespace qvtool

@@ -15,8 +15,8 @@ namespace {
 using VARIANT = qv::CSBFile::VARIANT;
 
 char const *TypeName(VARIANT::EType type) {
-    static char const *const names[] = {"none",  "bool",   "char",   "uchar", "short", "ushort", "long",
-                                        "ulong", "int64",  "uint64", "float", "double", "string", "binary"};
+    static char const *const names[] = {"none",  "bool",  "char",   "uchar", "short",  "ushort", "long",
+                                        "ulong", "int64", "uint64", "float", "double", "string", "binary"};
     return names[type <= VARIANT::VT_BINARY ? type : 0];
 }
 
@@ -32,11 +32,12 @@ int RunSbfShow(char *const *args) {
     if (!ReadInput(args[0], input)) return kExitFailed;
     char id[5] = {0, 0, 0, 0, 0};
     if (input.GetSize() < 10 || std::memcmp(input.GetData(), "SBF", 3) != 0)
-        return Fail("%s is not an SBF file (it must begin with \"SBF\")", args[0]);
+        return Fail("%s is not an SBF file (it must begin with \"SBF\")", InputName(args[0]).c_str());
     std::memcpy(id, input.GetData() + 4, 4);
     qv::CSBFile sbf;
     sbf.SetAppInfo(id, 0, 0);
-    if (!sbf.Load(&input)) return Fail("%s is a damaged SBF file (a count or length runs past its end)", args[0]);
+    if (!sbf.Load(&input))
+        return Fail("%s is a damaged SBF file (a count or length runs past its end)", InputName(args[0]).c_str());
     uint8_t major = 0, minor = 0;
     sbf.GetAppInfo(id, major, minor);
     std::printf("application: %s\nversion: %u.%u\nstrings: %u\n", id, major, minor, sbf.nStrings());

@@ -24,7 +24,7 @@ bool LoadTags(char const *path, qv::CTagFile &tags) {
     qv::CMemFile input;
     if (!ReadInput(path, input)) return false;
     if (tags.Load(&input)) return true;
-    Fail("%s is not a tag dictionary in any of its forms (TAGF, SBF or XML)", path);
+    Fail("%s is not a tag dictionary in any of its forms (TAGF, SBF or XML)", InputName(path).c_str());
     return false;
 }
 
@@ -61,7 +61,8 @@ void PrintJson(char const *path, qv::CTagFile &tags) {
         json.Number("highBound", high);
         json.String("textValuesMode", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())));
         json.BeginArray("textValues");
-        for (uint32_t t = 0; t < e.nTextValues(); ++t) json.String(nullptr, Utf8(e.GetTextValue(t)));
+        for (uint32_t t = 0; t < e.nTextValues(); ++t)
+            json.String(nullptr, Utf8(e.GetTextValue(t)));
         json.EndArray();
         json.EndObject();
     }
@@ -88,11 +89,13 @@ int RunTagsShow(char *const *args) {
                     Utf8(E::DataTypeToStr(e.GetDataType())).c_str(), Utf8(E::CategoryToStr(e.GetCategory())).c_str(),
                     Utf8(E::UnitsToStr(e.GetUnits())).c_str(), Utf8(E::WriteModeToStr(e.GetWriteMode())).c_str(),
                     Utf8(E::LocationToStr(e.GetLocation())).c_str());
-        if (use) std::printf(", bounds %s to %s", Utf8(qv::CString::FromFormat(u"%g", low)).c_str(),
-                             Utf8(qv::CString::FromFormat(u"%g", high)).c_str());
+        if (use)
+            std::printf(", bounds %s to %s", Utf8(qv::CString::FromFormat(u"%g", low)).c_str(),
+                        Utf8(qv::CString::FromFormat(u"%g", high)).c_str());
         if (e.GetTextValuesMode() != E::TVM_DISABLED || e.nTextValues()) {
             std::printf(", texts (%s)", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())).c_str());
-            for (uint32_t t = 0; t < e.nTextValues(); ++t) std::printf(" \"%s\"", Utf8(e.GetTextValue(t)).c_str());
+            for (uint32_t t = 0; t < e.nTextValues(); ++t)
+                std::printf(" \"%s\"", Utf8(e.GetTextValue(t)).c_str());
         }
         if (*e.GetDescription()) std::printf(": %s", Utf8(e.GetDescription()).c_str());
         std::printf("\n");

@@ -37,8 +37,7 @@ uint32_t FindBlock(qv::CIndexedContainer const &container, SBlockAddress const &
 ///@{
 int ListBlocks(qv::CIndexedContainer &container);
 int ExtractBlock(qv::CIndexedContainer &container, SBlockAddress const &address, char *const *args);
-int PutBlock(qv::CIndexedContainer &container, SBlockAddress const &address, qv::CMemFile &input,
-             char *const *args);
+int PutBlock(qv::CIndexedContainer &container, SBlockAddress const &address, qv::CMemFile &input, char *const *args);
 ///@}
 
 } // namespace qvtool

@@ -20,10 +20,14 @@ using CNode = qv::CXMLFile::CNode;
 
 char const *Kind(CNode const *n) {
     switch (n->type) {
-    case CNode::PROCESSING_INSTRUCTION: return "instruction";
-    case CNode::TEXT: return "text";
-    case CNode::COMMENT: return "comment";
-    default: return "element";
+    case CNode::PROCESSING_INSTRUCTION:
+        return "instruction";
+    case CNode::TEXT:
+        return "text";
+    case CNode::COMMENT:
+        return "comment";
+    default:
+        return "element";
     }
 }
 
@@ -78,7 +82,7 @@ int RunXmlShow(char *const *args) {
     qv::CXMLFile xml;
     if (!xml.Load(&input))
         return Fail("%s is not XML the library reads (unclosed or mismatched tag, bare '>', CDATA or DOCTYPE)",
-                    args[0]);
+                    InputName(args[0]).c_str());
     xml.Root();
     if (GivenOptions().json) {
         PrintJson(args[0], xml.GetCurr());
