@@ -945,7 +945,15 @@ TEST_F(QvTool, CalShowAndConvertRefuseWhatIsNoCalibration) {
     ExpectRefused({"cal", "show", Path("missing.cal")}, 1, "No such file or directory");
     ExpectRefused({"cal", "convert", "-", "-"}, 1, "only one input can be standard input");
     ExpectRefused({"cal", "--save", Path("no/dir/x.cal"), kPoints, kResponse, "none", "3000"}, 1,
-                  "cannot save the calibration to");
+                  "cannot write " + Path("no/dir/x.cal") + ": No such file or directory");
+    // Neither --save nor the files of --inc may be an input.
+    std::string const points = Path("points.csv");
+    std::filesystem::copy_file(kPoints, points);
+    ExpectRefused({"cal", "--save", points, points, kResponse, "none", "3000"}, 1,
+                  points + " would overwrite another file of the command");
+    ExpectRefused({"cal", "--inc", Path("counts.inc"), kPoints, kResponse, "none", Path("counts.cal")}, 1,
+                  Path("counts.cal") + " would overwrite another file of the command");
+    EXPECT_EQ(ReadFile(points), ReadFile(kPoints));
 }
 
 } // namespace
