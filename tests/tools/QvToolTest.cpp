@@ -637,7 +637,6 @@ TEST_F(QvTool, AFailedWriteToStandardOutputFails) {
     }
 }
 
-
 // qv saf frames / frame read the sample's image header and its counts.
 TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
     SRun listed = Run({"saf", "frames", kSaf});
@@ -653,7 +652,8 @@ TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
     std::getline(in, heading);
     EXPECT_EQ(heading.substr(0, 9), "x0,x1,x2,");
     EXPECT_EQ(heading.substr(heading.size() - 4), ",x63");
-    for (std::string line; std::getline(in, line);) rows.push_back(SplitCsv(line));
+    for (std::string line; std::getline(in, line);)
+        rows.push_back(SplitCsv(line));
     ASSERT_EQ(rows.size(), 48u);
     ASSERT_EQ(rows[24].size(), 64u);
     EXPECT_GT(std::stoi(rows[24][46]), std::stoi(rows[24][16]) + 2000) << "the warm disc is at column 46";
@@ -745,7 +745,8 @@ TEST_F(QvTool, ExtractsKeepTheContainerAndAnyOldOutput) {
     EXPECT_EQ(ReadFile(kept), "old bytes\n");
     EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", Path("no/dir/x")}), 1,
                         "cannot write " + Path("no/dir/x") + ": No such file or directory");
-    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", dir}), 1, "cannot write " + dir + ": Is a directory");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", dir}), 1,
+                        "cannot write " + dir + ": Is a directory");
 
     // A good extract replaces the old file whole.
     ASSERT_EQ(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", kept}).status, 0);
@@ -792,25 +793,44 @@ TEST_F(QvTool, RenderOutputsAreFilesOfTheirOwn) {
 // system, so that a missing file or a directory is named as such.
 TEST_F(QvTool, LoadersGiveTheSystemsReason) {
     std::string const missing = Path("missing.ini");
-    for (std::vector<std::string> args :
-         {std::vector<std::string>{"saf", "frames", missing}, {"saf", "frame", "--csv", missing, "0"},
-          {"version", "show", missing}, {"pod", "show", missing}, {"pod", "export", "--csv", missing},
-          {"cdfs", "list", missing}, {"cdfs", "check", missing}, {"config", "get", missing, "/a"},
-          {"config", "dump", missing}})
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", missing},
+                                          {"saf", "frame", "--csv", missing, "0"},
+                                          {"version", "show", missing},
+                                          {"pod", "show", missing},
+                                          {"pod", "export", "--csv", missing},
+                                          {"cdfs", "list", missing},
+                                          {"cdfs", "check", missing},
+                                          {"config", "get", missing, "/a"},
+                                          {"config", "dump", missing}})
         EXPECT_ONE_SENTENCE(Run(args), 1, "cannot open " + missing + ": No such file or directory");
-    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", dir}, {"version", "show", dir},
-                                          {"pod", "get", dir, "0", "0"}, {"cdfs", "list", dir}})
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", dir},
+                                          {"version", "show", dir},
+                                          {"pod", "get", dir, "0", "0"},
+                                          {"cdfs", "list", dir}})
         EXPECT_ONE_SENTENCE(Run(args), 1, dir + ": Is a directory");
+}
+
+// Writers that make their file say why the system would not let them.
+TEST_F(QvTool, WritersGiveTheSystemsReason) {
+    for (char const *name : {"x.vqr", "x.xdn", "x.cdfs", "x.db", "x.ini", "x.xml"}) {
+        std::string const target = Path("no/dir/") + name, kind = std::string(name).substr(2);
+        std::vector<std::string> args = kind == "vqr" || kind == "xdn"
+                                            ? std::vector<std::string>{kind, "put", target, "1", "2", "3", kCounts}
+                                        : kind == "cdfs" ? std::vector<std::string>{"cdfs", "add", target, kCounts}
+                                                         : std::vector<std::string>{"config", "set", target, "/a", "1"};
+        EXPECT_ONE_SENTENCE(Run(args), 1, "cannot write " + target + ": No such file or directory");
+    }
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", dir, kCounts}), 1, "cannot write " + dir + ": Is a directory");
 }
 
 // A failed write to standard output is told once, with the system's reason.
 TEST_F(QvTool, StandardOutputFailureIsToldOnce) {
     if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full";
     std::string const vqr = Path("c.vqr"), tags = Write("tags.xml", "<?xml version=\"1.0\"?>\n<TagFile>\n"
-                                                                     "<TagEntry Name=\"xPixls\"/>\n</TagFile>\n");
+                                                                    "<TagEntry Name=\"xPixls\"/>\n</TagFile>\n");
     ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
-    for (std::vector<std::string> args : {std::vector<std::string>{"tags", "convert", tags, "-"},
-                                          {"vqr", "extract", vqr, "1", "2", "3", "-"}}) {
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"tags", "convert", tags, "-"}, {"vqr", "extract", vqr, "1", "2", "3", "-"}}) {
         SRun run = Run(args, "/dev/null", "/dev/full");
         EXPECT_EQ(run.status, 1) << args[0];
         EXPECT_EQ(run.err, "qv: cannot write to standard output: No space left on device\n") << args[0];
@@ -871,10 +891,12 @@ TEST_F(QvTool, JsonAndCsvOutputsReadWithPython) {
     ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
     ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
     ASSERT_EQ(Run({"config", "set", ini, "/a/b", "say \"hi\"\\"}).status, 0);
-    for (std::vector<std::string> args :
-         {std::vector<std::string>{"saf", "show", "--json", kSaf}, {"band", "--json", kAtmosphere, "20"},
-          {"cal", "show", "--json", cal}, {"date", "--json", "2024-02-29"}, {"vqr", "list", "--json", vqr},
-          {"config", "dump", "--json", ini}}) {
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "show", "--json", kSaf},
+                                          {"band", "--json", kAtmosphere, "20"},
+                                          {"cal", "show", "--json", cal},
+                                          {"date", "--json", "2024-02-29"},
+                                          {"vqr", "list", "--json", vqr},
+                                          {"config", "dump", "--json", ini}}) {
         SRun run = Run(args);
         ASSERT_EQ(run.status, 0) << args[0] << run.err;
         std::string const file = Write("out.json", run.out);
@@ -882,9 +904,10 @@ TEST_F(QvTool, JsonAndCsvOutputsReadWithPython) {
     }
     std::string const check = "python3 -c 'import csv,sys; r=list(csv.reader(open(sys.argv[1], newline=\"\"))); "
                               "assert len(r) > 1 and r[0][0][0].isalpha() and all(len(x) == len(r[0]) for x in r)' ";
-    for (std::vector<std::string> args :
-         {std::vector<std::string>{"saf", "frame", "--csv", kSaf, "0"}, {"band", "--csv", kResponse, "20"},
-          {"cal", "convert", "--csv", cal, kCounts}, {"cal", "--csv", kPoints, kResponse, kAtmosphere, kCounts}}) {
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frame", "--csv", kSaf, "0"},
+                                          {"band", "--csv", kResponse, "20"},
+                                          {"cal", "convert", "--csv", cal, kCounts},
+                                          {"cal", "--csv", kPoints, kResponse, kAtmosphere, kCounts}}) {
         SRun run = Run(args);
         ASSERT_EQ(run.status, 0) << args[0] << run.err;
         std::string const file = Write("out.csv", run.out);

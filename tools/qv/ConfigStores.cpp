@@ -94,6 +94,7 @@ std::unique_ptr<ConfigStore> OpenConfigStore(char const *word, bool mustExist) {
         if (mustExist && !CheckInputFile(word)) return nullptr;
         auto opened = std::make_unique<SqliteConfigStore>();
         if (opened->store.Open(qv::CString(word))) return opened;
+        if (!qv::FileSystem->FileExists(qv::CString(word))) return Fail("%s", WriteFailure(word).c_str()), nullptr;
         Fail("'%s' does not open as an SQLite settings database.", word);
         return nullptr;
     }
