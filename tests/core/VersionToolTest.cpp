@@ -37,9 +37,7 @@ protected:
         return run;
     }
 #ifdef QV_TOOL
-    SProcessRun Qv(std::vector<std::string> const &args) {
-        return Run(QV_TOOL, args);
-    }
+    SProcessRun Qv(std::vector<std::string> const &args) { return Run(QV_TOOL, args); }
 #endif
 };
 
@@ -74,10 +72,8 @@ TEST_P(VersionTool, ShowPrintsTheResource) {
 }
 
 TEST_P(VersionTool, SetValuesReadBackByAnIndependentReader) {
-    for (auto const &[name, value] : std::vector<std::pair<std::string, std::string>>{{"Version", "4.3.2.1"},
-                                                                                      {"Beta", "yes"},
-                                                                                      {"Comments", "stamped on Linux"},
-                                                                                      {"CompanyName", "Ünïcode Ltd"}}) {
+    for (auto const &[name, value] : std::vector<std::pair<std::string, std::string>>{
+             {"Version", "4.3.2.1"}, {"Beta", "yes"}, {"Comments", "stamped on Linux"}, {"CompanyName", "Ünïcode Ltd"}}) {
         SProcessRun run = Qv({"version", "set", exe, name, value});
         EXPECT_EQ(run.status, 0) << name << ": " << run.err;
     }
