@@ -915,6 +915,21 @@ TEST_F(QvTool, JsonAndCsvOutputsReadWithPython) {
     }
 }
 
+// Text from a file never reaches the terminal as a control sequence.
+TEST_F(QvTool, ShowCommandsEscapeControlBytes) {
+    std::string const xml = Write("esc.xml", "<a x=\"\x1b[2J\">t\x1b]0;title\x07</a>\n");
+    std::string const cdfs = Path("c.cdfs"), odd = Write("e\x1b[1mx", "x");
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, odd}).status, 0);
+    SRun shown = Run({"xml", "show", xml}), listed = Run({"cdfs", "list", cdfs});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    EXPECT_EQ(shown.out, "element a x=\"\\x1B[2J\" value \"t\\x1B]0;title\\x07\"\n");
+    EXPECT_TRUE(Contains(listed.out, "  /e\\x1B[1mx\n")) << listed.out;
+    for (std::string const *out : {&shown.out, &listed.out})
+        for (char c : *out)
+            EXPECT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20) << int(c);
+}
+
 // Each command's help names every option it takes, with its value.
 TEST_F(QvTool, HelpNamesEveryOption) {
     SRun pod = Run({"pod", "show", "--help"});

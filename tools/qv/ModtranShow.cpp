@@ -56,7 +56,7 @@ void PrintRun(int index, qv::RUN const &run, qv::TArray<qv::CString> &names, qv:
     for (SSetting const &s : settings)
         std::printf("  %s = %.9g\n", s.name, s.value);
     for (uint32_t i = 0; i < names.GetSize(); ++i)
-        std::printf("  card %-4s |%s|\n", names[i].GetUTF8(), lines[i].GetUTF8());
+        std::printf("  card %-4s |%s|\n", names[i].GetUTF8(), Escaped(lines[i].GetUTF8()).c_str());
 }
 
 } // namespace

@@ -85,7 +85,7 @@ int RunTagsShow(char *const *args) {
         bool use = false;
         double low = 0, high = 0;
         e.GetNumericBounds(use, low, high);
-        std::printf("%s: type %s, category %s, units %s, write %s, location %s", Utf8(e.GetName()).c_str(),
+        std::printf("%s: type %s, category %s, units %s, write %s, location %s", Escaped(Utf8(e.GetName())).c_str(),
                     Utf8(E::DataTypeToStr(e.GetDataType())).c_str(), Utf8(E::CategoryToStr(e.GetCategory())).c_str(),
                     Utf8(E::UnitsToStr(e.GetUnits())).c_str(), Utf8(E::WriteModeToStr(e.GetWriteMode())).c_str(),
                     Utf8(E::LocationToStr(e.GetLocation())).c_str());
@@ -95,9 +95,9 @@ int RunTagsShow(char *const *args) {
         if (e.GetTextValuesMode() != E::TVM_DISABLED || e.nTextValues()) {
             std::printf(", texts (%s)", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())).c_str());
             for (uint32_t t = 0; t < e.nTextValues(); ++t)
-                std::printf(" \"%s\"", Utf8(e.GetTextValue(t)).c_str());
+                std::printf(" \"%s\"", Escaped(Utf8(e.GetTextValue(t))).c_str());
         }
-        if (*e.GetDescription()) std::printf(": %s", Utf8(e.GetDescription()).c_str());
+        if (*e.GetDescription()) std::printf(": %s", Escaped(Utf8(e.GetDescription())).c_str());
         std::printf("\n");
     }
     std::printf("entries: %u\n", tags.nTagEntries());

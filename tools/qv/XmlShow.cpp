@@ -32,10 +32,11 @@ char const *Kind(CNode const *n) {
 }
 
 bool Print(CNode *n, uint32_t depth) {
-    std::printf("%s%s %s", Indent(depth).c_str(), Kind(n), n->name.GetUTF8());
+    std::printf("%s%s %s", Indent(depth).c_str(), Kind(n), Escaped(n->name.GetUTF8()).c_str());
     for (uint32_t i = 0; i < n->attributes.nItems(); ++i)
-        std::printf(" %s=\"%s\"", n->attributes[i].name.GetUTF8(), n->attributes[i].value.GetUTF8());
-    if (!n->value.IsEmpty()) std::printf(" value \"%s\"", n->value.GetUTF8());
+        std::printf(" %s=\"%s\"", Escaped(n->attributes[i].name.GetUTF8()).c_str(),
+                    Escaped(n->attributes[i].value.GetUTF8()).c_str());
+    if (!n->value.IsEmpty()) std::printf(" value \"%s\"", Escaped(n->value.GetUTF8()).c_str());
     std::printf("\n");
     return true;
 }
