@@ -8,13 +8,15 @@ namespace qvtool {
 
 namespace {
 
-template <class TContainer> int List(char *const *args) {
+template <class TContainer>
+int List(char *const *args) {
     TContainer container;
     if (!OpenContainer(args[0], false, container)) return kExitFailed;
     return ListBlocks(container);
 }
 
-template <class TContainer> int Extract(char *const *args) {
+template <class TContainer>
+int Extract(char *const *args) {
     SBlockAddress address;
     if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
     if (OutputIsAnInput(args[4], {args[0]})) return kExitFailed;
@@ -23,7 +25,8 @@ template <class TContainer> int Extract(char *const *args) {
     return ExtractBlock(container, address, args);
 }
 
-template <class TContainer> int Put(char *const *args) {
+template <class TContainer>
+int Put(char *const *args) {
     SBlockAddress address;
     if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
     qv::CMemFile input;
@@ -35,23 +38,11 @@ template <class TContainer> int Put(char *const *args) {
 
 } // namespace
 
-int RunVqrList(char *const *args) {
-    return List<qv::CVQRFile>(args);
-}
-int RunVqrExtract(char *const *args) {
-    return Extract<qv::CVQRFile>(args);
-}
-int RunVqrPut(char *const *args) {
-    return Put<qv::CVQRFile>(args);
-}
-int RunXdnList(char *const *args) {
-    return List<qv::CXDNFile>(args);
-}
-int RunXdnExtract(char *const *args) {
-    return Extract<qv::CXDNFile>(args);
-}
-int RunXdnPut(char *const *args) {
-    return Put<qv::CXDNFile>(args);
-}
+int RunVqrList(char *const *args) { return List<qv::CVQRFile>(args); }
+int RunVqrExtract(char *const *args) { return Extract<qv::CVQRFile>(args); }
+int RunVqrPut(char *const *args) { return Put<qv::CVQRFile>(args); }
+int RunXdnList(char *const *args) { return List<qv::CXDNFile>(args); }
+int RunXdnExtract(char *const *args) { return Extract<qv::CXDNFile>(args); }
+int RunXdnPut(char *const *args) { return Put<qv::CXDNFile>(args); }
 
 } // namespace qvtool
