@@ -881,6 +881,9 @@ TEST_F(QvTool, StandardInputWhereAFileIsRead) {
                                           {"version", "set", "-", "Beta", "yes"}})
         EXPECT_ONE_SENTENCE(Run(args, kSaf), 1, "changes its file in place; standard input cannot be changed");
     EXPECT_FALSE(std::filesystem::exists("-"));
+    // A message names what was given, not the temporary copy.
+    EXPECT_ONE_SENTENCE(Run({"saf", "frames", "-"}, kCounts), 1, "qv: standard input is not a SAF image file");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "list", "-"}, kCounts), 1, "qv: standard input is not a sound VQR container");
 }
 
 // Every --json output is one JSON document, and every CSV output has a

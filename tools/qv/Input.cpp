@@ -19,6 +19,20 @@ std::string InputName(char const *path) {
 
 namespace {
 
+// The temporary copy of standard input that CLibraryPath::Take made, if any.
+std::string standardInputCopy;
+
+} // namespace
+
+std::string NameStandardInput(std::string message) {
+    if (standardInputCopy.empty()) return message;
+    for (size_t at; (at = message.find(standardInputCopy)) != std::string::npos;)
+        message.replace(at, standardInputCopy.size(), "standard input");
+    return message;
+}
+
+namespace {
+
 std::string SystemFailure(char const *what, std::string const &name, int error) {
     return std::string("cannot ") + what + " " + name + ": " + std::strerror(error);
 }
@@ -214,11 +228,14 @@ bool CLibraryPath::Take(char const *path) {
     if (std::strcmp(path, "-") == 0 && !ReadInput(path, kMaxWholeInput, true, false, bytes, error))
         return Fail("%s", error.c_str()) == 0;
     if (!Make(path, bytes, error)) return Fail("%s", error.c_str()) == 0;
+    if (temporary_) standardInputCopy = path_;
     return true;
 }
 
 CLibraryPath::~CLibraryPath() {
-    if (temporary_) unlink(path_.c_str());
+    if (!temporary_) return;
+    unlink(path_.c_str());
+    if (standardInputCopy == path_) standardInputCopy.clear();
 }
 
 bool CLibraryPath::Make(char const *path, std::string const &text, std::string &error) {

@@ -23,6 +23,11 @@ constexpr size_t kMaxLineBytes = 4096;
 // "standard input" for "-", else the path.
 std::string InputName(char const *path);
 
+// message with the path of the temporary copy of standard input (made by
+// CLibraryPath::Take) written as "standard input", so that a message names
+// what the user gave.
+std::string NameStandardInput(std::string message);
+
 // Reads a whole text input into text.
 bool ReadTextInput(char const *path, std::string &text, std::string &error);
 
