@@ -933,6 +933,23 @@ TEST_F(QvTool, ShowCommandsEscapeControlBytes) {
             EXPECT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20) << int(c);
 }
 
+// A conversion that fails is one sentence: the summary follows only a
+// conversion that worked.
+TEST_F(QvTool, CalFailureIsOneSentence) {
+    std::string const cal = Path("c.cal"), bad = Write("bad.csv", "0,3000\n0,warm\n");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"cal", "convert", cal, bad}, {"cal", kPoints, kResponse, kAtmosphere, bad}}) {
+        SRun run = Run(args);
+        EXPECT_EQ(run.status, 1) << args[1];
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.err.rfind("qv: ", 0), 0u) << run.err;
+    }
+    SRun good = Run({"cal", "convert", cal, kCounts});
+    ASSERT_EQ(good.status, 0) << good.err;
+    EXPECT_EQ(good.err.rfind("calibration: " + cal + ", RCAL revision 7\n", 0), 0u) << good.err;
+}
+
 // Each command's help names every option it takes, with its value.
 TEST_F(QvTool, HelpNamesEveryOption) {
     SRun pod = Run({"pod", "show", "--help"});

@@ -1,10 +1,10 @@
 // qv cal [--csv] [--save FILE.cal] [--inc FILE.inc] POINTS RESPONSE ATMOSPHERE
-// COUNTS: builds a calibration from
-// measured points and writes, per page, both polynomials with their R^2, the
-// calibrated range and the lookup span to standard error (--csv leaves this
-// out); then converts counts to temperatures through the two polynomials and
-// writes them as CSV to standard output:
+// COUNTS: builds a calibration from measured points, converts counts to
+// temperatures through the two polynomials and writes them as CSV to
+// standard output:
 //   page,counts,radiance,celsius,in_range,truth,error
+// then, per page, both polynomials with their R^2, the calibrated range and
+// the lookup span to standard error (--csv leaves this out).
 // in_range is yes or no: whether the counts lie in the page's calibrated
 // range (counts outside it are converted all the same).
 //
@@ -255,8 +255,11 @@ int RunCal(char *const *args) {
     CCountsSource counts;
     if (!counts.Open(args[3], error)) return Fail("%s", error.c_str());
     if (int failed = SaveCalibration(cal)) return failed;
+    // The summary follows a conversion that worked, so that a failure is
+    // one sentence on standard error.
+    if (int failed = ConvertCounts(cal, counts)) return failed;
     if (!GivenOptions().csv) PrintCalSummary(cal, stderr);
-    return ConvertCounts(cal, counts);
+    return 0;
 }
 
 } // namespace qvtool
