@@ -124,7 +124,7 @@ TEST_P(VersionTool, FailuresAreOneSentenceAndLeaveTheFile) {
 
     run = Qv({"version", "show", committed + ".missing"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Contains(run.err, "no readable version resource")) << run.err;
+    EXPECT_TRUE(Contains(run.err, ".missing: No such file or directory")) << run.err;
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
     run = Qv({"version", "show"});
     EXPECT_EQ(run.status, 2);

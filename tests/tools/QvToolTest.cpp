@@ -637,7 +637,6 @@ TEST_F(QvTool, AFailedWriteToStandardOutputFails) {
     }
 }
 
-
 // qv saf frames / frame read the sample's image header and its counts.
 TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
     SRun listed = Run({"saf", "frames", kSaf});
@@ -646,9 +645,15 @@ TEST_F(QvTool, SafFramesListsAndPrintsTheSampleFrames) {
     EXPECT_TRUE(Contains(listed.out, "\nframes: 4\n")) << listed.out;
     SRun frame = Run({"saf", "frame", "--csv", kSaf, "3"});
     ASSERT_EQ(frame.status, 0) << frame.err;
+    EXPECT_EQ(Run({"saf", "frame", kSaf, "3"}).out, frame.out); // CSV is the only form
     std::vector<std::vector<std::string>> rows;
     std::stringstream in(frame.out);
-    for (std::string line; std::getline(in, line);) rows.push_back(SplitCsv(line));
+    std::string heading;
+    std::getline(in, heading);
+    EXPECT_EQ(heading.substr(0, 9), "x0,x1,x2,");
+    EXPECT_EQ(heading.substr(heading.size() - 4), ",x63");
+    for (std::string line; std::getline(in, line);)
+        rows.push_back(SplitCsv(line));
     ASSERT_EQ(rows.size(), 48u);
     ASSERT_EQ(rows[24].size(), 64u);
     EXPECT_GT(std::stoi(rows[24][46]), std::stoi(rows[24][16]) + 2000) << "the warm disc is at column 46";
@@ -707,7 +712,251 @@ TEST_F(QvTool, RenderWritesAPictureAndTheTemperatures) {
 
     ExpectRefused({"render", kCounts, cal, png, tiff}, 1, "is neither a SAF image file");
     ExpectRefused({"render", kSaf, kCounts, png, tiff}, 1, "is not a calibration file qv can read");
-    ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1, "cannot write the picture");
+    ExpectRefused({"render", kSaf, cal, Path("no/dir/x.png"), tiff}, 1,
+                  "cannot write " + Path("no/dir/x.png") + ": No such file or directory");
+}
+
+// Exactly one line on standard error, nothing on standard output.
+#define EXPECT_ONE_SENTENCE(run, code, message)                                                                        \
+    do {                                                                                                               \
+        SRun const &r_ = (run);                                                                                        \
+        EXPECT_EQ(r_.status, code) << r_.err;                                                                          \
+        EXPECT_TRUE(Contains(r_.err, message)) << "wanted: " << (message) << "\ngot: " << r_.err;                      \
+        EXPECT_EQ(std::count(r_.err.begin(), r_.err.end(), '\n'), 1) << r_.err;                                        \
+        EXPECT_EQ(r_.out, "");                                                                                         \
+    } while (0)
+
+// An extract never writes over the container it reads, and a failed one
+// leaves an old file at OUT as it was.
+TEST_F(QvTool, ExtractsKeepTheContainerAndAnyOldOutput) {
+    std::string const vqr = Path("c.vqr"), cdfs = Path("c.cdfs"), kept = Write("kept.txt", "old bytes\n");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    std::string const vqrBytes = ReadFile(vqr), cdfsBytes = ReadFile(cdfs);
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", vqr}), 1,
+                        vqr + " would overwrite another file of the command");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", cdfs}), 1,
+                        cdfs + " would overwrite another file of the command");
+    EXPECT_EQ(ReadFile(vqr), vqrBytes);
+    EXPECT_EQ(ReadFile(cdfs), cdfsBytes);
+
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/missing", kept}), 1, "holds no file /missing");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "4", kept}), 1, "holds no block 1 2 4");
+    EXPECT_EQ(ReadFile(kept), "old bytes\n");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", Path("no/dir/x")}), 1,
+                        "cannot write " + Path("no/dir/x") + ": No such file or directory");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "extract", vqr, "1", "2", "3", dir}), 1,
+                        "cannot write " + dir + ": Is a directory");
+
+    // A good extract replaces the old file whole.
+    ASSERT_EQ(Run({"cdfs", "extract", cdfs, "/cal_counts.csv", kept}).status, 0);
+    EXPECT_EQ(ReadFile(kept), ReadFile(kCounts));
+    ASSERT_EQ(Run({"vqr", "extract", vqr, "1", "2", "3", kept}).status, 0);
+    EXPECT_EQ(ReadFile(kept), ReadFile(kCounts));
+}
+
+// A source that cannot be read is refused before the store is made or
+// given an entry.
+TEST_F(QvTool, CdfsAddRefusesAnUnreadableSourceFirst) {
+    std::string const cdfs = Path("c.cdfs"), fresh = Path("fresh.cdfs");
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    std::string const before = ReadFile(cdfs);
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", cdfs, dir}), 1, "cannot read " + dir + ": Is a directory");
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", fresh, Path("missing")}), 1,
+                        "cannot open " + Path("missing") + ": No such file or directory");
+    EXPECT_EQ(ReadFile(cdfs), before);
+    EXPECT_FALSE(std::filesystem::exists(fresh));
+}
+
+// Render writes two files of its own: "-", an input or the other output as
+// a target is refused before anything is written.
+TEST_F(QvTool, RenderOutputsAreFilesOfTheirOwn) {
+    std::string const cal = Path("camera.cal"), frames = Path("sample.saf"), png = Path("f.png");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    std::filesystem::copy_file(kSaf, frames);
+    std::string const calBytes = ReadFile(cal);
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, frames, Path("f.tiff")}), 1,
+                        frames + " would overwrite another file of the command");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, png, cal}), 1, cal + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, png, png}), 1, png + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", "fit", frames, kPoints, kResponse, kAtmosphere, png, kPoints}), 1,
+                        kPoints + " would overwrite another file");
+    EXPECT_ONE_SENTENCE(Run({"render", frames, cal, "-", Path("f.tiff")}), 1, "- names none");
+    EXPECT_ONE_SENTENCE(Run({"render", Path("missing.saf"), cal, png, Path("f.tiff")}), 1,
+                        "cannot open " + Path("missing.saf") + ": No such file or directory");
+    EXPECT_EQ(ReadFile(frames), ReadFile(kSaf));
+    EXPECT_EQ(ReadFile(cal), calBytes);
+    EXPECT_FALSE(std::filesystem::exists(png));
+}
+
+// Commands whose loader only knows "not my kind of file" first ask the
+// system, so that a missing file or a directory is named as such.
+TEST_F(QvTool, LoadersGiveTheSystemsReason) {
+    std::string const missing = Path("missing.ini");
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", missing},
+                                          {"saf", "frame", "--csv", missing, "0"},
+                                          {"version", "show", missing},
+                                          {"pod", "show", missing},
+                                          {"pod", "export", "--csv", missing},
+                                          {"cdfs", "list", missing},
+                                          {"cdfs", "check", missing},
+                                          {"config", "get", missing, "/a"},
+                                          {"config", "dump", missing}})
+        EXPECT_ONE_SENTENCE(Run(args), 1, "cannot open " + missing + ": No such file or directory");
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frames", dir},
+                                          {"version", "show", dir},
+                                          {"pod", "get", dir, "0", "0"},
+                                          {"cdfs", "list", dir}})
+        EXPECT_ONE_SENTENCE(Run(args), 1, dir + ": Is a directory");
+}
+
+// Writers that make their file say why the system would not let them.
+TEST_F(QvTool, WritersGiveTheSystemsReason) {
+    for (char const *name : {"x.vqr", "x.xdn", "x.cdfs", "x.db", "x.ini", "x.xml"}) {
+        std::string const target = Path("no/dir/") + name, kind = std::string(name).substr(2);
+        std::vector<std::string> args = kind == "vqr" || kind == "xdn"
+                                            ? std::vector<std::string>{kind, "put", target, "1", "2", "3", kCounts}
+                                        : kind == "cdfs" ? std::vector<std::string>{"cdfs", "add", target, kCounts}
+                                                         : std::vector<std::string>{"config", "set", target, "/a", "1"};
+        EXPECT_ONE_SENTENCE(Run(args), 1, "cannot write " + target + ": No such file or directory");
+    }
+    EXPECT_ONE_SENTENCE(Run({"cdfs", "add", dir, kCounts}), 1, "cannot write " + dir + ": Is a directory");
+}
+
+// A failed write to standard output is told once, with the system's reason.
+TEST_F(QvTool, StandardOutputFailureIsToldOnce) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full";
+    std::string const vqr = Path("c.vqr"), tags = Write("tags.xml", "<?xml version=\"1.0\"?>\n<TagFile>\n"
+                                                                    "<TagEntry Name=\"xPixls\"/>\n</TagFile>\n");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"tags", "convert", tags, "-"}, {"vqr", "extract", vqr, "1", "2", "3", "-"}}) {
+        SRun run = Run(args, "/dev/null", "/dev/full");
+        EXPECT_EQ(run.status, 1) << args[0];
+        EXPECT_EQ(run.err, "qv: cannot write to standard output: No space left on device\n") << args[0];
+    }
+}
+
+// A setting is written only when the store's file reads it back as given.
+TEST_F(QvTool, ConfigSetRefusesWhatTheFileWouldChange) {
+    std::string const ini = Path("s.ini"), xml = Path("s.xml");
+    ASSERT_EQ(Run({"config", "set", ini, "/a/b", "5"}).status, 0);
+    std::string const before = ReadFile(ini);
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "/a/c", "x=y"}), 1,
+                        "'x=y' would read back from " + ini + " as 'x'; nothing was written");
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "/a/c", "x\ty"}), 1, "would read back from");
+    EXPECT_ONE_SENTENCE(Run({"config", "set", ini, "", "1"}), 1, "'' names no setting");
+    EXPECT_EQ(ReadFile(ini), before);
+    EXPECT_ONE_SENTENCE(Run({"config", "set", dir + "/", "/a", "1"}), 1, "is not a settings store");
+    // XML keeps the sign.
+    ASSERT_EQ(Run({"config", "set", xml, "/a/c", "x=y"}).status, 0);
+    SRun got = Run({"config", "get", xml, "/a/c"});
+    EXPECT_EQ(got.status, 0) << got.err;
+    EXPECT_EQ(got.out, "x=y\n");
+}
+
+// "-" reads standard input wherever a file is only read, and is refused
+// where a file would be changed in place.
+TEST_F(QvTool, StandardInputWhereAFileIsRead) {
+    std::string const vqr = Path("c.vqr"), cdfs = Path("c.cdfs");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, kCounts}).status, 0);
+    for (auto const &[args, input] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"saf", "frames", "-"}, kSaf},
+             {{"saf", "frame", "-", "1"}, kSaf},
+             {{"vqr", "list", "-"}, vqr},
+             {{"vqr", "extract", "-", "1", "2", "3", "-"}, vqr},
+             {{"cdfs", "list", "-"}, cdfs},
+             {{"cdfs", "extract", "-", "/cal_counts.csv", "-"}, cdfs}}) {
+        std::vector<std::string> named = args;
+        named[2] = input; // FILE; an OUT of - stays standard output
+        SRun piped = Run(args, input), direct = Run(named);
+        EXPECT_EQ(piped.status, 0) << args[0] << " " << args[1] << ": " << piped.err;
+        EXPECT_EQ(piped.out, direct.out) << args[0] << " " << args[1];
+        EXPECT_NE(piped.out, "") << args[0] << " " << args[1];
+    }
+    for (std::vector<std::string> args : {std::vector<std::string>{"vqr", "put", "-", "1", "2", "3", kCounts},
+                                          {"cdfs", "add", "-", kCounts},
+                                          {"pod", "set", "-", "0", "0", "x"},
+                                          {"version", "set", "-", "Beta", "yes"}})
+        EXPECT_ONE_SENTENCE(Run(args, kSaf), 1, "changes its file in place; standard input cannot be changed");
+    EXPECT_FALSE(std::filesystem::exists("-"));
+    // A message names what was given, not the temporary copy.
+    EXPECT_ONE_SENTENCE(Run({"saf", "frames", "-"}, kCounts), 1, "qv: standard input is not a SAF image file");
+    EXPECT_ONE_SENTENCE(Run({"vqr", "list", "-"}, kCounts), 1, "qv: standard input is not a sound VQR container");
+}
+
+// Every --json output is one JSON document, and every CSV output has a
+// heading and rows of its width, as python3 reads them.
+TEST_F(QvTool, JsonAndCsvOutputsReadWithPython) {
+    if (std::system("python3 -c '' 2>/dev/null") != 0) GTEST_SKIP() << "python3 is not installed";
+    std::string const vqr = Path("c.vqr"), cal = Path("c.cal"), ini = Path("s.ini");
+    ASSERT_EQ(Run({"vqr", "put", vqr, "1", "2", "3", kCounts}).status, 0);
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    ASSERT_EQ(Run({"config", "set", ini, "/a/b", "say \"hi\"\\"}).status, 0);
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "show", "--json", kSaf},
+                                          {"band", "--json", kAtmosphere, "20"},
+                                          {"cal", "show", "--json", cal},
+                                          {"date", "--json", "2024-02-29"},
+                                          {"vqr", "list", "--json", vqr},
+                                          {"config", "dump", "--json", ini}}) {
+        SRun run = Run(args);
+        ASSERT_EQ(run.status, 0) << args[0] << run.err;
+        std::string const file = Write("out.json", run.out);
+        EXPECT_EQ(std::system(("python3 -m json.tool " + file + " >/dev/null").c_str()), 0) << run.out;
+    }
+    std::string const check = "python3 -c 'import csv,sys; r=list(csv.reader(open(sys.argv[1], newline=\"\"))); "
+                              "assert len(r) > 1 and r[0][0][0].isalpha() and all(len(x) == len(r[0]) for x in r)' ";
+    for (std::vector<std::string> args : {std::vector<std::string>{"saf", "frame", "--csv", kSaf, "0"},
+                                          {"band", "--csv", kResponse, "20"},
+                                          {"cal", "convert", "--csv", cal, kCounts},
+                                          {"cal", "--csv", kPoints, kResponse, kAtmosphere, kCounts}}) {
+        SRun run = Run(args);
+        ASSERT_EQ(run.status, 0) << args[0] << run.err;
+        std::string const file = Write("out.csv", run.out);
+        EXPECT_EQ(std::system((check + file).c_str()), 0) << args[0] << " " << args[1] << "\n" << run.out;
+    }
+}
+
+// Text from a file never reaches the terminal as a control sequence.
+TEST_F(QvTool, ShowCommandsEscapeControlBytes) {
+    std::string const xml = Write("esc.xml", "<a x=\"\x1b[2J\">t\x1b]0;title\x07</a>\n");
+    std::string const cdfs = Path("c.cdfs"), odd = Write("e\x1b[1mx", "x");
+    ASSERT_EQ(Run({"cdfs", "add", cdfs, odd}).status, 0);
+    SRun shown = Run({"xml", "show", xml}), listed = Run({"cdfs", "list", cdfs});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    EXPECT_EQ(shown.out, "element a x=\"\\x1B[2J\" value \"t\\x1B]0;title\\x07\"\n");
+    EXPECT_TRUE(Contains(listed.out, "  /e\\x1B[1mx\n")) << listed.out;
+    for (std::string const *out : {&shown.out, &listed.out})
+        for (char c : *out)
+            EXPECT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20) << int(c);
+}
+
+// A conversion that fails is one sentence: the summary follows only a
+// conversion that worked.
+TEST_F(QvTool, CalFailureIsOneSentence) {
+    std::string const cal = Path("c.cal"), bad = Write("bad.csv", "0,3000\n0,warm\n");
+    ASSERT_EQ(Run({"cal", "--csv", "--save", cal, kPoints, kResponse, kAtmosphere, "3000"}).status, 0);
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"cal", "convert", cal, bad}, {"cal", kPoints, kResponse, kAtmosphere, bad}}) {
+        SRun run = Run(args);
+        EXPECT_EQ(run.status, 1) << args[1];
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.err.rfind("qv: ", 0), 0u) << run.err;
+    }
+    SRun good = Run({"cal", "convert", cal, kCounts});
+    ASSERT_EQ(good.status, 0) << good.err;
+    EXPECT_EQ(good.err.rfind("calibration: " + cal + ", RCAL revision 7\n", 0), 0u) << good.err;
+}
+
+// Each command's help names every option it takes, with its value.
+TEST_F(QvTool, HelpNamesEveryOption) {
+    SRun pod = Run({"pod", "show", "--help"});
+    EXPECT_EQ(pod.status, 0);
+    EXPECT_EQ(pod.out.rfind("usage: qv pod show [--json] [--rows A:B] FILE\n", 0), 0u) << pod.out;
+    EXPECT_ONE_SENTENCE(Run({"pod", "show", Path("t.pod"), "--rows"}), 2, "--rows needs a row range A:B");
+    EXPECT_ONE_SENTENCE(Run({"cal", "show", "--save", Path("x")}), 2, "unknown option '--save'");
 }
 
 #else
@@ -754,7 +1003,15 @@ TEST_F(QvTool, CalShowAndConvertRefuseWhatIsNoCalibration) {
     ExpectRefused({"cal", "show", Path("missing.cal")}, 1, "No such file or directory");
     ExpectRefused({"cal", "convert", "-", "-"}, 1, "only one input can be standard input");
     ExpectRefused({"cal", "--save", Path("no/dir/x.cal"), kPoints, kResponse, "none", "3000"}, 1,
-                  "cannot save the calibration to");
+                  "cannot write " + Path("no/dir/x.cal") + ": No such file or directory");
+    // Neither --save nor the files of --inc may be an input.
+    std::string const points = Path("points.csv");
+    std::filesystem::copy_file(kPoints, points);
+    ExpectRefused({"cal", "--save", points, points, kResponse, "none", "3000"}, 1,
+                  points + " would overwrite another file of the command");
+    ExpectRefused({"cal", "--inc", Path("counts.inc"), kPoints, kResponse, "none", Path("counts.cal")}, 1,
+                  Path("counts.cal") + " would overwrite another file of the command");
+    EXPECT_EQ(ReadFile(points), ReadFile(kPoints));
 }
 
 } // namespace

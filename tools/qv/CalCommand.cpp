@@ -1,10 +1,10 @@
 // qv cal [--csv] [--save FILE.cal] [--inc FILE.inc] POINTS RESPONSE ATMOSPHERE
-// COUNTS: builds a calibration from
-// measured points and writes, per page, both polynomials with their R^2, the
-// calibrated range and the lookup span to standard error (--csv leaves this
-// out); then converts counts to temperatures through the two polynomials and
-// writes them as CSV to standard output:
+// COUNTS: builds a calibration from measured points, converts counts to
+// temperatures through the two polynomials and writes them as CSV to
+// standard output:
 //   page,counts,radiance,celsius,in_range,truth,error
+// then, per page, both polynomials with their R^2, the calibrated range and
+// the lookup span to standard error (--csv leaves this out).
 // in_range is yes or no: whether the counts lie in the page's calibrated
 // range (counts outside it are converted all the same).
 //
@@ -17,12 +17,14 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 
 #include "CalFiles.h"
 #include "CalInput.h"
 #include "Commands.h"
 #include "CurveInput.h"
+#include "Input.h"
 #include "qv/core/String.h"
 #include "qv/core/WideChar.h"
 #include "qv/numerics/Curve.h"
@@ -111,7 +113,7 @@ int CheckPage(qv::CRCalFile &cal, int page) {
 int SaveCalibration(qv::CRCalFile &cal) {
     SOptions const &options = GivenOptions();
     if (options.save && !cal.Save(nullptr, qv::CString(options.save), 0))
-        return Fail("cannot save the calibration to %s", options.save);
+        return Fail("%s", WriteFailure(options.save).c_str());
     if (options.inc && !cal.Export(nullptr, qv::CString(options.inc), false))
         return Fail("cannot write the include file %s and its .cal file", options.inc);
     return 0;
@@ -228,7 +230,21 @@ int BuildCalibration(char const *points, char const *response, char const *atmos
     return CheckCalPages(cal);
 }
 
+// Whether --save, or a file of --inc (its path with .inc and with .cal),
+// names one of the inputs; then the sentence has been printed.
+bool SavesOverAnInput(char *const *args) {
+    SOptions const &options = GivenOptions();
+    std::initializer_list<char const *> const inputs = {args[0], args[1], args[2], args[3]};
+    if (options.save && OutputIsAnInput(options.save, inputs)) return true;
+    if (!options.inc) return false;
+    std::string stem = options.inc;
+    size_t dot = stem.rfind('.');
+    if (dot != std::string::npos && stem.find('/', dot) == std::string::npos) stem.resize(dot);
+    return OutputIsAnInput((stem + ".inc").c_str(), inputs) || OutputIsAnInput((stem + ".cal").c_str(), inputs);
+}
+
 int RunCal(char *const *args) {
+    if (SavesOverAnInput(args)) return kExitFailed;
     int fromStandardInput = 0;
     for (int i = 0; i < 4; ++i)
         fromStandardInput += std::strcmp(args[i], "-") == 0;
@@ -239,8 +255,11 @@ int RunCal(char *const *args) {
     CCountsSource counts;
     if (!counts.Open(args[3], error)) return Fail("%s", error.c_str());
     if (int failed = SaveCalibration(cal)) return failed;
+    // The summary follows a conversion that worked, so that a failure is
+    // one sentence on standard error.
+    if (int failed = ConvertCounts(cal, counts)) return failed;
     if (!GivenOptions().csv) PrintCalSummary(cal, stderr);
-    return ConvertCounts(cal, counts);
+    return 0;
 }
 
 } // namespace qvtool

@@ -1,7 +1,7 @@
 // qv cal convert [--csv] FILE COUNTS: converts counts to temperatures with a
 // saved calibration (an RCAL or include file), as `qv cal` does with the one
-// it builds: CSV to standard output, the calibration's summary to standard
-// error unless --csv. Nothing is converted unless every page has usable fits.
+// it builds: CSV to standard output, then the calibration's summary to
+// standard error unless --csv. Nothing is converted unless every page has usable fits.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -21,11 +21,14 @@ int RunCalConvert(char *const *args) {
     CCountsSource counts;
     if (!counts.Open(args[1], error)) return Fail("%s", error.c_str());
     if (int failed = CheckCalPages(cal)) return failed;
+    // The summary follows a conversion that worked, so that a failure is
+    // one sentence on standard error.
+    if (int failed = ConvertCounts(cal, counts)) return failed;
     if (!GivenOptions().csv) {
         std::fprintf(stderr, "calibration: %s, RCAL revision %d\n", file.calPath.c_str(), cal.FileRevision);
         PrintCalSummary(cal, stderr);
     }
-    return ConvertCounts(cal, counts);
+    return 0;
 }
 
 } // namespace qvtool

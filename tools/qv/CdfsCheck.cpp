@@ -4,12 +4,13 @@
 #include <memory>
 
 #include "Commands.h"
+#include "Input.h"
 
 namespace qvtool {
 
 int RunCdfsCheck(char *const *args) {
     qv::CString name(args[0]), problem;
-    if (!qv::GetFileSystem().FileExists(name)) return Fail("cannot open %s (missing or not a regular file)", args[0]);
+    if (!CheckInputFile(args[0])) return kExitFailed;
     if (!qv::CCDFileSystem::Check(&qv::GetFileSystem(), name, problem))
         return Fail("%s: %s", args[0], problem.GetUTF8());
     qv::CCDFileSystem cdfs;

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "Commands.h"
+#include "Output.h"
 
 namespace qvtool {
 
@@ -20,7 +21,8 @@ int RunCdfsList(char *const *args) {
         }
         std::printf("%12lld %12s %12s  %s\n", (long long)entry.size,
                     qv::CString(entry.properties.GetValue(u"Offset")).GetUTF8(),
-                    qv::CString(entry.properties.GetValue(u"Capacity")).GetUTF8(), qv::CString(entry.path).GetUTF8());
+                    qv::CString(entry.properties.GetValue(u"Capacity")).GetUTF8(),
+                    Escaped(qv::CString(entry.path).GetUTF8()).c_str());
     }
     return 0;
 }

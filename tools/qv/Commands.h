@@ -25,12 +25,18 @@ constexpr int kExitUsage = 2;
 // GivenOptions(); --help never reaches a handler.
 using Handler = int (*)(char *const *args);
 
+// What a row's first operand is (more bits of Command::options). A file the
+// library opens by its path: "-" is first copied to a temporary file. A file
+// changed in place: "-" is refused.
+constexpr unsigned kReadsFileByPath = 1u << 8;
+constexpr unsigned kChangesFile = 1u << 9;
+
 struct Command {
     char const *words;     // what selects it, e.g. "saf show"
     char const *arguments; // e.g. "FILE NAME VALUE"; one word per argument, optional ones in [ ]
     char const *summary;   // one line for the help
     Handler run;
-    unsigned options = 0;          // kTakesJson, kTakesCsv (Options.h) the command accepts
+    unsigned options = 0;          // kTakesJson, kTakesCsv (Options.h) it accepts; kReadsFileByPath, kChangesFile
     char const *details = nullptr; // more lines for "qv help COMMAND", each ending in \n
 };
 

@@ -4,11 +4,13 @@
 #include <cstring>
 
 #include "Commands.h"
+#include "Input.h"
 #include "qv/config/INIStore.h"
 #include "qv/config/RegStore.h"
 #include "qv/config/SqliteStore.h"
 #include "qv/config/XMLStore.h"
 #include "qv/core/String.h"
+#include "qv/files/MemFile.h"
 #include "qv/filesystems/DiskFileSystem.h"
 #include "qv/filesystems/Path.h"
 
@@ -26,6 +28,15 @@ public:
     explicit FileConfigStore(char const *path) : path(path) {}
     qv::IConfigStore &Store() override { return store; }
     bool Save() override { return store.Save(path); }
+    bool ReadBack(qv::CString const &at, qv::CString &value) override {
+        qv::CMemFile file;
+        FileStore again;
+        if (!store.Save(&file)) return false;
+        file.SeekToBegin();
+        if (!again.Load(&file)) return false;
+        value = again.GetString(at, u"");
+        return true;
+    }
     bool Load(bool mustExist) {
         if (!qv::FileSystem->FileExists(path)) return !mustExist;
         return store.Load(path);
@@ -65,6 +76,7 @@ private:
 };
 
 template <class FileStore> std::unique_ptr<ConfigStore> OpenFile(char const *word, bool mustExist) {
+    if (mustExist && !CheckInputFile(word)) return nullptr;
     auto opened = std::make_unique<FileConfigStore<FileStore>>(word);
     if (opened->Load(mustExist)) return opened;
     Fail("cannot read the settings file '%s'.", word);
@@ -79,12 +91,10 @@ std::unique_ptr<ConfigStore> OpenConfigStore(char const *word, bool mustExist) {
     if (EndsWith(word, ".ini")) return OpenFile<qv::CINIStore>(word, mustExist);
     if (EndsWith(word, ".xml")) return OpenFile<qv::CXMLStore>(word, mustExist);
     if (EndsWith(word, ".db")) {
-        if (mustExist && !qv::FileSystem->FileExists(qv::CString(word))) {
-            Fail("no settings database '%s'.", word);
-            return nullptr;
-        }
+        if (mustExist && !CheckInputFile(word)) return nullptr;
         auto opened = std::make_unique<SqliteConfigStore>();
         if (opened->store.Open(qv::CString(word))) return opened;
+        if (!qv::FileSystem->FileExists(qv::CString(word))) return Fail("%s", WriteFailure(word).c_str()), nullptr;
         Fail("'%s' does not open as an SQLite settings database.", word);
         return nullptr;
     }

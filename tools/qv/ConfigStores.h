@@ -15,6 +15,13 @@ public:
     virtual ~ConfigStore() = default;
     virtual qv::IConfigStore &Store() = 0;
     virtual bool Save() { return true; }
+    // The text path reads back as after a save and a fresh load: a file
+    // store's form may keep less than its memory holds (an INI value ends at
+    // its first '=' or tab). False if the store could not be formed.
+    virtual bool ReadBack(qv::CString const &path, qv::CString &value) {
+        value = Store().GetString(path, u"");
+        return true;
+    }
     // Lists path's children into names; the registry's roots list their keys.
     virtual bool List(qv::TArray<qv::CString> &names, char16_t const *path) { return Store().list(names, path); }
 };

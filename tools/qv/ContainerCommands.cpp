@@ -19,6 +19,7 @@ template <class TContainer>
 int Extract(char *const *args) {
     SBlockAddress address;
     if (!ParseBlockAddress(args + 1, address)) return kExitUsage;
+    if (OutputIsAnInput(args[4], {args[0]})) return kExitFailed;
     TContainer container;
     if (!OpenContainer(args[0], false, container)) return kExitFailed;
     return ExtractBlock(container, address, args);

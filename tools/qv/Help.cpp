@@ -21,6 +21,7 @@ std::string OptionsSynopsis(unsigned options) {
     if (options & kTakesTool) synopsis += " [--tool PATH]";
     if (options & kTakesSave) synopsis += " [--save PATH]";
     if (options & kTakesInc) synopsis += " [--inc PATH]";
+    if (options & kTakesRows) synopsis += " [--rows A:B]";
     return synopsis;
 }
 

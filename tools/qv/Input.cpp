@@ -19,6 +19,20 @@ std::string InputName(char const *path) {
 
 namespace {
 
+// The temporary copy of standard input that CLibraryPath::Take made, if any.
+std::string standardInputCopy;
+
+} // namespace
+
+std::string NameStandardInput(std::string message) {
+    if (standardInputCopy.empty()) return message;
+    for (size_t at; (at = message.find(standardInputCopy)) != std::string::npos;)
+        message.replace(at, standardInputCopy.size(), "standard input");
+    return message;
+}
+
+namespace {
+
 std::string SystemFailure(char const *what, std::string const &name, int error) {
     return std::string("cannot ") + what + " " + name + ": " + std::strerror(error);
 }
@@ -121,6 +135,45 @@ std::string OpenFailure(char const *path, bool write) {
     return std::string("cannot open ") + path + ": another program has it open without sharing";
 }
 
+bool CheckInputFile(char const *path) {
+    int fd = -1;
+    bool owned = false;
+    off_t size = 0;
+    std::string error;
+    if (!OpenInput(path, fd, owned, size, error)) return Fail("%s", error.c_str()) == 0;
+    if (owned) close(fd);
+    return true;
+}
+
+bool OutputIsAnInput(char const *output, std::initializer_list<char const *> others) {
+    struct stat out {};
+    bool exists = stat(output, &out) == 0;
+    for (char const *input : others) {
+        struct stat in {};
+        bool same = exists && stat(input, &in) == 0 ? in.st_dev == out.st_dev && in.st_ino == out.st_ino
+                                                    : std::strcmp(input, output) == 0;
+        if (same && std::strcmp(output, "-") != 0)
+            return Fail("%s would overwrite another file of the command; give the output its own path", output) != 0;
+    }
+    return false;
+}
+
+std::string WriteFailure(char const *path) {
+    std::string directory = path;
+    size_t slash = directory.rfind('/');
+    directory = slash == std::string::npos ? "." : slash == 0 ? "/" : directory.substr(0, slash);
+    struct stat status {};
+    int code = 0;
+    if (stat(path, &status) == 0)
+        code = S_ISDIR(status.st_mode) ? EISDIR : access(path, W_OK) != 0 ? errno : 0;
+    else if (errno != ENOENT)
+        code = errno;
+    else if (access(directory.c_str(), W_OK) != 0)
+        code = errno;
+    if (code) return SystemFailure("write", path, code);
+    return std::string("cannot write ") + path + " (the old file, if any, is unchanged)";
+}
+
 bool ReadTextInput(char const *path, std::string &text, std::string &error) {
     return ReadInput(path, kMaxTextInput, true, true, text, error);
 }
@@ -170,8 +223,19 @@ bool CLineReader::Next(std::string &line, std::string &error) {
     }
 }
 
+bool CLibraryPath::Take(char const *path) {
+    std::string bytes, error;
+    if (std::strcmp(path, "-") == 0 && !ReadInput(path, kMaxWholeInput, true, false, bytes, error))
+        return Fail("%s", error.c_str()) == 0;
+    if (!Make(path, bytes, error)) return Fail("%s", error.c_str()) == 0;
+    if (temporary_) standardInputCopy = path_;
+    return true;
+}
+
 CLibraryPath::~CLibraryPath() {
-    if (temporary_) unlink(path_.c_str());
+    if (!temporary_) return;
+    unlink(path_.c_str());
+    if (standardInputCopy == path_) standardInputCopy.clear();
 }
 
 bool CLibraryPath::Make(char const *path, std::string const &text, std::string &error) {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 
 #include "qv/files/MemFile.h"
@@ -21,6 +22,11 @@ constexpr size_t kMaxLineBytes = 4096;
 
 // "standard input" for "-", else the path.
 std::string InputName(char const *path);
+
+// message with the path of the temporary copy of standard input (made by
+// CLibraryPath::Take) written as "standard input", so that a message names
+// what the user gave.
+std::string NameStandardInput(std::string message);
 
 // Reads a whole text input into text.
 bool ReadTextInput(char const *path, std::string &text, std::string &error);
@@ -38,6 +44,23 @@ bool ReadInputHead(char const *path, size_t limit, std::string &bytes, std::stri
 // when the system refuses the path too ("cannot open x: Permission denied"),
 // else what the library refuses (a directory, a device, a file in use).
 std::string OpenFailure(char const *path, bool write);
+
+// Whether path ("-": standard input) can be opened for reading as a file;
+// when not, the sentence with the system's message ("cannot open x: Is a
+// directory") goes to standard error and the result is false. For commands
+// whose library loader would only say that the file is not of its kind.
+bool CheckInputFile(char const *path);
+
+// Whether the output path names the same file as one of the others (the
+// same existing file, or the same words; "-" is never one). Then a sentence
+// goes to standard error and the result is true: writing there would destroy
+// an input that the command is still reading, or another of its outputs.
+bool OutputIsAnInput(char const *output, std::initializer_list<char const *> others);
+
+// Why a whole-file write of path failed, as a sentence: the system's message
+// for the path or its directory where the system refuses them ("cannot write
+// x/y: No such file or directory"), else that the write failed.
+std::string WriteFailure(char const *path);
 
 // Reads a text input line by line, in constant memory.
 class CLineReader {
@@ -65,7 +88,8 @@ private:
 };
 
 // A path that a library loader can open for an input: the path itself, or
-// for "-" a temporary file holding text (removed again by the destructor).
+// for "-" a temporary file holding what was read (removed again by the
+// destructor).
 class CLibraryPath {
 public:
     CLibraryPath() = default;
@@ -74,6 +98,9 @@ public:
     CLibraryPath &operator=(CLibraryPath const &) = delete;
 
     bool Make(char const *path, std::string const &text, std::string &error);
+    // As Make, reading standard input for "-" (at most kMaxWholeInput bytes,
+    // binary or not); on a failure the sentence goes to standard error.
+    bool Take(char const *path);
     char const *Path() const { return path_.c_str(); }
 
 private:

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "Output.h"
 #include "qv/core/String.h"
 
 namespace qvtool {
@@ -48,7 +49,7 @@ void PrintNumber(std::FILE *out, double value, char const *before, int width) {
 bool LoadTape5(char const *path, qv::CModtranTape5File &tape5) {
     qv::CMemFile file;
     if (!ReadInput(path, file)) return false;
-    if (!tape5.Load(file)) return Fail("%s: %s", path, tape5.GetLastError()) == 0;
+    if (!tape5.Load(file)) return Fail("%s: %s", InputName(path).c_str(), Escaped(tape5.GetLastError()).c_str()) == 0;
     return true;
 }
 
@@ -56,9 +57,10 @@ bool LoadWholeTape7(char const *path, qv::CModtranTape7File &tape7) {
     qv::CMemFile file;
     if (!ReadInput(path, file)) return false;
     // The first load finds the layout; the second takes all it may.
-    if (!tape7.Load(file, T7::T7C_FREQ)) return Fail("%s is no tape7 table qv can read", path) == 0;
+    if (!tape7.Load(file, T7::T7C_FREQ)) return Fail("%s is no tape7 table qv can read", InputName(path).c_str()) == 0;
     file.Seek(0, 1);
-    if (!tape7.Load(file, tape7.GetColumns() & 0xFFFFFFFFu)) return Fail("%s: table does not load", path) == 0;
+    if (!tape7.Load(file, tape7.GetColumns() & 0xFFFFFFFFu))
+        return Fail("%s: table does not load", InputName(path).c_str()) == 0;
     return true;
 }
 

@@ -21,13 +21,14 @@ struct SValueOption {
     char const *word;
     unsigned bit;
     char const *SOptions::*field;
+    char const *value; // what the value is, for the message when it is missing
 };
 
 constexpr SValueOption kValueOptions[] = {
-    {"--tool", kTakesTool, &SOptions::tool},
-    {"--save", kTakesSave, &SOptions::save},
-    {"--inc", kTakesInc, &SOptions::inc},
-    {"--rows", kTakesRows, &SOptions::rows},
+    {"--tool", kTakesTool, &SOptions::tool, "a path"},
+    {"--save", kTakesSave, &SOptions::save, "a path"},
+    {"--inc", kTakesInc, &SOptions::inc, "a path"},
+    {"--rows", kTakesRows, &SOptions::rows, "a row range A:B"},
 };
 
 SValueOption const *FindValueOption(char const *word, unsigned accepted) {
@@ -54,7 +55,7 @@ bool ParseOptions(int count, char *const *words, unsigned accepted, SOptions &op
         } else if (std::strcmp(word, "--csv") == 0 && (accepted & kTakesCsv)) {
             options.csv = true;
         } else if (SValueOption const *option = FindValueOption(word, accepted)) {
-            if (i + 1 == count) return error = std::string(word) + " needs a path", false;
+            if (i + 1 == count) return error = std::string(word) + " needs " + option->value, false;
             options.*(option->field) = words[++i];
         } else {
             error = std::string("unknown option '") + word + "' (put -- before an operand that begins with a dash)";

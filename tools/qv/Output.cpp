@@ -6,6 +6,12 @@
 #include <cmath>
 #include <cstring>
 
+#include "Commands.h"
+#include "Input.h"
+#include "qv/core/String.h"
+#include "qv/files/IFile.h"
+#include "qv/filesystems/AtomicSave.h"
+
 namespace qvtool {
 
 namespace {
@@ -44,14 +50,47 @@ void AppendHex(std::string &out, char const *prefix, int code, int digits) {
     out += buffer;
 }
 
+// The reason the first failed write to standard output gave, or 0.
+int standardOutputError = 0;
+
+// Reads source from its start to its end, giving each block to put.
+template <class Put> bool CopyBlocks(qv::IFile &source, Put &&put) {
+    static char buffer[1 << 16];
+    source.SeekToBegin();
+    for (int64_t left = source.GetSize(); left > 0;) {
+        uint32_t n = source.Read(buffer, uint32_t(left < int64_t(sizeof buffer) ? left : int64_t(sizeof buffer)));
+        if (n == 0 || !put(buffer, n)) return false;
+        left -= n;
+    }
+    return true;
+}
+
 } // namespace
 
 bool FinishStandardOutput() {
     errno = 0;
     bool written = std::fflush(stdout) == 0 && !std::ferror(stdout);
     if (written) return true;
-    std::fprintf(stderr, "qv: cannot write to standard output: %s\n", std::strerror(errno ? errno : EIO));
+    int code = standardOutputError ? standardOutputError : errno ? errno : EIO;
+    std::fprintf(stderr, "qv: cannot write to standard output: %s\n", std::strerror(code));
     return false;
+}
+
+bool WriteStandardOutput(void const *bytes, size_t size) {
+    errno = 0;
+    if (std::fwrite(bytes, 1, size, stdout) == size) return true;
+    if (!standardOutputError) standardOutputError = errno ? errno : EIO;
+    return false;
+}
+
+bool CopyToOutput(qv::IFile &source, char const *path) {
+    if (std::strcmp(path, "-") == 0)
+        return CopyBlocks(source, [](char const *bytes, uint32_t n) { return WriteStandardOutput(bytes, n); });
+    bool written = qv::SaveAtomically(nullptr, qv::CString(path).GetUTF16(), [&](qv::IFile &out) {
+        return CopyBlocks(source, [&](char const *bytes, uint32_t n) { return out.WriteBytes(bytes, n); });
+    });
+    if (!written) Fail("%s", WriteFailure(path).c_str());
+    return written;
 }
 
 std::string Escaped(std::string_view bytes) {

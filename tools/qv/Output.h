@@ -6,12 +6,27 @@
 #include <string>
 #include <string_view>
 
+namespace qv {
+class IFile;
+}
+
 namespace qvtool {
 
 // Flushes standard output. False, with the system's message on standard
 // error, when any write to it failed (a full disk, a closed pipe): main then
 // exits non-zero, so that output cut short never passes for whole.
 bool FinishStandardOutput();
+
+// Writes bytes to standard output. On a failure the system's reason is kept
+// for FinishStandardOutput, which reports it once, and the result is false.
+bool WriteStandardOutput(void const *bytes, size_t size);
+
+// Copies the whole of source, from its start, to path ("-": standard
+// output). A file is written beside path and renamed over it, so that a
+// failure leaves the old file whole (or none). False when a read or write
+// failed; for a file the sentence goes to standard error, for standard
+// output FinishStandardOutput reports it.
+bool CopyToOutput(qv::IFile &source, char const *path);
 
 // Bytes from a file as safe terminal text: valid UTF-8 passes except control
 // characters (C0, DEL, C1), which become \xNN (C1 characters by their code,

@@ -1,11 +1,10 @@
-// qv pod export FILE --csv: the column names, then every row, as CSV on
-// standard output (a field with a comma, quote or line break is quoted, its
+// qv pod export [--csv] FILE: the column names, then every row, as CSV on
+// standard output (the only form, so --csv may be left out) (a field with a comma, quote or line break is quoted, its
 // quotes doubled).
 #include <cstdio>
 #include <string>
 
 #include "Commands.h"
-#include "Options.h"
 #include "Output.h"
 #include "PodFiles.h"
 
@@ -20,14 +19,14 @@ void PutCsvField(std::string const &text, bool first) {
         return;
     }
     std::string quoted = "\"";
-    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    for (char c : text)
+        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     std::fputs((quoted + "\"").c_str(), stdout);
 }
 
 } // namespace
 
 int RunPodExport(char *const *args) {
-    if (!GivenOptions().csv) return Fail("pod export writes CSV only; give --csv");
     qv::CPODFile pod;
     if (!OpenPod(args[0], pod)) return kExitFailed;
     for (uint32_t col = 0; col < pod.nParams(); ++col) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "Commands.h"
+#include "Input.h"
 #include "Output.h"
 #include "qv/core/String.h"
 #include "qv/filesystems/FileSystem.h"
@@ -10,6 +11,7 @@
 namespace qvtool {
 
 bool OpenPod(char const *path, qv::CPODFile &pod) {
+    if (!CheckInputFile(path)) return false;
     if (pod.Load(&qv::GetFileSystem(), qv::CString(path).GetUTF16(), true)) return true;
     if (*pod.GetError())
         Fail("%s: %s", path, qv::CString(pod.GetError()).GetUTF8());
@@ -35,6 +37,8 @@ bool PodCell(qv::CPODFile &pod, char const *rowText, char const *columnText, uin
            PodIndex(columnText, pod.nParams(), "column", col);
 }
 
-std::string PodText(char16_t const *value) { return value ? qv::CString(value).GetUTF8() : ""; }
+std::string PodText(char16_t const *value) {
+    return value ? qv::CString(value).GetUTF8() : "";
+}
 
 } // namespace qvtool

@@ -1,6 +1,7 @@
 // qv pod set FILE ROW COLUMN VALUE: changes one cell and saves the table
 // whole through a temporary file, so a failed save leaves the old file.
 #include "Commands.h"
+#include "Input.h"
 #include "Output.h"
 #include "PodFiles.h"
 #include "qv/core/String.h"
@@ -16,7 +17,7 @@ int RunPodSet(char *const *args) {
     if (!pod.PutValue(col, row, qv::CString(args[3]).GetUTF16()))
         return Fail("cannot store the value: a cell holds at most 255 characters");
     if (!pod.Save(&qv::GetFileSystem(), qv::CString(args[0]).GetUTF16(), false, false))
-        return Fail("cannot save %s; the file is as it was", args[0]);
+        return Fail("%s", WriteFailure(args[0]).c_str());
     return 0;
 }
 

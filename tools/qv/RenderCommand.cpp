@@ -5,12 +5,14 @@
 // TIFF as 32-bit floats. Each output replaces its file whole or leaves it.
 // qv render fit FRAMES POINTS RESPONSE ATMOSPHERE PNG TIFF builds the
 // calibration first, as `qv cal` does.
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "CalFiles.h"
 #include "Commands.h"
 #include "FalseColour.h"
+#include "Input.h"
 #include "qv/calibration/FrameTemperatures.h"
 #include "qv/core/String.h"
 #include "qv/files/File.h"
@@ -57,6 +59,14 @@ bool ReadTiffFrame(char const *path, SFrame &frame) {
 
 namespace {
 
+// Both outputs are files of their own: "-" names none here, and neither may
+// be an input or the other output.
+bool OutputsAreFree(char const *png, char const *tiff, std::initializer_list<char const *> inputs) {
+    for (char const *output : {png, tiff})
+        if (std::strcmp(output, "-") == 0) return Fail("render writes its PNG and TIFF to files; - names none") == 0;
+    return !OutputIsAnInput(png, inputs) && !OutputIsAnInput(tiff, inputs) && !OutputIsAnInput(tiff, {png});
+}
+
 int Render(char const *frames, qv::CRCalFile &cal, char const *png, char const *tiff) {
     SFrame frame;
     if (!ReadSafFrame(frames, frame) && !ReadTiffFrame(frames, frame))
@@ -68,9 +78,9 @@ int Render(char const *frames, qv::CRCalFile &cal, char const *png, char const *
     qv::HBITMAP picture = FalseColourPicture(celsius.data(), frame.width, frame.height);
     bool const saved = picture && qv::SaveHBITMAP(picture, qv::FileSystem, qv::CString(png).GetUTF16());
     qv::DeleteBitmap(picture);
-    if (!saved) return Fail("cannot write the picture %s", png);
+    if (!saved) return Fail("%s", WriteFailure(png).c_str());
     if (!qv::SaveTIFFRaw(qv::CString(tiff).GetUTF16(), celsius.data(), frame.width, frame.height, qv::DT_Float))
-        return Fail("cannot write the temperatures %s", tiff);
+        return Fail("%s", WriteFailure(tiff).c_str());
     return 0;
 }
 
@@ -80,6 +90,7 @@ int RunRender(char *const *args) {
     qv::CRCalFile cal;
     SCalFile file;
     std::string error;
+    if (!OutputsAreFree(args[2], args[3], {args[0], args[1]}) || !CheckInputFile(args[0])) return kExitFailed;
     if (!LoadCalFile(args[1], cal, file, error)) return Fail("%s", error.c_str());
     if (int failed = CheckCalPages(cal)) return failed;
     return Render(args[0], cal, args[2], args[3]);
@@ -87,6 +98,8 @@ int RunRender(char *const *args) {
 
 int RunRenderFit(char *const *args) {
     qv::CRCalFile cal;
+    if (!OutputsAreFree(args[4], args[5], {args[0], args[1], args[2], args[3]}) || !CheckInputFile(args[0]))
+        return kExitFailed;
     if (int failed = BuildCalibration(args[1], args[2], args[3], cal)) return failed;
     return Render(args[0], cal, args[4], args[5]);
 }

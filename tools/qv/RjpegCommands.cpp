@@ -3,8 +3,8 @@
 // copies the container out, put writes a JPEG with a container in it.
 #include "Commands.h"
 #include "Input.h"
+#include "Output.h"
 #include "VqrFiles.h"
-#include "qv/filesystems/AtomicSave.h"
 #include "qv/images/Images.h"
 #include "qv/images/RadiometricJPEG.h"
 
@@ -43,14 +43,15 @@ int RunRjpegList(char *const *args) {
 
 int RunRjpegExtract(char *const *args) {
     qv::CMemFile payload;
-    if (!ReadPayload(args[0], payload)) return kExitFailed;
-    if (!CopyToOutput(payload, args[1]))
-        return Fail("cannot write the radiometric data of %s to %s", InputName(args[0]).c_str(), args[1]);
-    return 0;
+    if (OutputIsAnInput(args[1], {args[0]}) || !ReadPayload(args[0], payload)) return kExitFailed;
+    return CopyToOutput(payload, args[1]) ? 0 : kExitFailed;
 }
 
 int RunRjpegPut(char *const *args) {
     qv::CMemFile jpeg, payload;
+    // OUT may be JPEG itself, which then carries the new container; the
+    // container file is no picture to replace.
+    if (OutputIsAnInput(args[2], {args[1]})) return kExitFailed;
     if (!ReadInput(args[0], jpeg) || !ReadInput(args[1], payload)) return kExitFailed;
     if (!qv::IsJPEG(&jpeg)) return Fail("%s is not a JPEG picture", InputName(args[0]).c_str());
     {
@@ -64,11 +65,7 @@ int RunRjpegPut(char *const *args) {
     if (!qv::WriteRadiometricJPEG(&jpeg, &payload, &out))
         return Fail("%s cannot carry radiometric data: a segment runs past its end or the end marker is missing",
                     InputName(args[0]).c_str());
-    bool saved = qv::SaveAtomically(&qv::GetFileSystem(), qv::CString(args[2]), [&](qv::IFile &file) {
-        return file.Write(out.GetData(), uint32_t(out.GetSize())) == out.GetSize();
-    });
-    if (!saved) return Fail("cannot write %s", args[2]);
-    return 0;
+    return CopyToOutput(out, args[2]) ? 0 : kExitFailed;
 }
 
 } // namespace qvtool

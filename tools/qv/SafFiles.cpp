@@ -1,6 +1,7 @@
 // What the SAF sub-commands share: messages and opening a file's header.
 #include <cstdarg>
 #include <cstdio>
+#include <string>
 
 #include "Commands.h"
 #include "Input.h"
@@ -11,10 +12,13 @@ namespace qvtool {
 int Fail(char const *format, ...) {
     va_list args;
     va_start(args, format);
-    std::fputs("qv: ", stderr);
-    std::vfprintf(stderr, format, args);
-    std::fputc('\n', stderr);
+    va_list again;
+    va_copy(again, args);
+    std::string message(size_t(std::vsnprintf(nullptr, 0, format, args)), '\0');
+    std::vsnprintf(message.data(), message.size() + 1, format, again);
+    va_end(again);
     va_end(args);
+    std::fprintf(stderr, "qv: %s\n", NameStandardInput(message).c_str());
     return kExitFailed;
 }
 

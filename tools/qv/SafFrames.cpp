@@ -1,13 +1,14 @@
 // qv saf frames FILE: the frames of a SAF image file (size, bits, bytes a
-// frame, data offset, count). qv saf frame FILE N --csv: frame N's counts,
-// one line a row, values separated by commas.
+// frame, data offset, count). qv saf frame [--csv] FILE N: frame N's counts
+// as CSV (the only form, so --csv may be left out): a heading x0,x1,...
+// naming the columns, then one line a row.
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 #include "Commands.h"
-#include "Options.h"
+#include "Input.h"
 #include "qv/core/String.h"
 #include "qv/formats/tagged/SAFFrames.h"
 
@@ -16,9 +17,9 @@ namespace qvtool {
 namespace {
 
 int OpenFrames(char const *path, qv::CSAFFrames &frames) {
+    if (!CheckInputFile(path)) return kExitFailed;
     if (!frames.Open(qv::CString(path).GetUTF16()))
-        return Fail("%s is not a SAF image file (KeyWrd IMG, BytOrd LH, DaType UInt16, xPixls, yPixls, IMSize)",
-                    path);
+        return Fail("%s is not a SAF image file (KeyWrd IMG, BytOrd LH, DaType UInt16, xPixls, yPixls, IMSize)", path);
     return 0;
 }
 
@@ -33,7 +34,6 @@ int RunSafFrames(char *const *args) {
 }
 
 int RunSafFrame(char *const *args) {
-    if (!GivenOptions().csv) return Fail("saf frame prints its counts only as --csv");
     qv::CSAFFrames frames;
     if (int failed = OpenFrames(args[0], frames)) return failed;
     char *end = nullptr;
@@ -43,6 +43,8 @@ int RunSafFrame(char *const *args) {
         return Fail("no frame '%s' in %s: it holds %u", args[1], args[0], frames.FrameCount());
     std::vector<uint16_t> counts(size_t(frames.Width()) * frames.Height());
     if (!frames.ReadFrame(uint32_t(n), counts.data())) return Fail("cannot read frame %lu of %s", n, args[0]);
+    for (uint32_t x = 0; x < frames.Width(); ++x)
+        std::printf("x%u%c", x, x + 1 < frames.Width() ? ',' : '\n');
     for (uint32_t y = 0; y < frames.Height(); ++y)
         for (uint32_t x = 0; x < frames.Width(); ++x)
             std::printf("%u%c", counts[size_t(y) * frames.Width() + x], x + 1 < frames.Width() ? ',' : '\n');

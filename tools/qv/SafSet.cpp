@@ -4,7 +4,6 @@
 // around a value). DATA and saf_padding are no tags to set: the writer makes
 // those lines itself, and a value given to them would never be written.
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 #include "Commands.h"
@@ -33,7 +32,6 @@ bool ReadBack(qv::CFile &file, qv::CString const &name, std::string &value) {
 
 int RunSafSet(char *const *args) {
     char const *path = args[0];
-    if (std::strcmp(path, "-") == 0) return Fail("saf set changes a file in place; standard input cannot be changed");
     if (!*args[1]) return Fail("a tag name cannot be empty");
     if (IsStructureTag(args[1]))
         return Fail("%s is not a tag one can set: the header writer makes the DATA and saf_padding lines itself",

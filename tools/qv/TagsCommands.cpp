@@ -24,7 +24,7 @@ bool LoadTags(char const *path, qv::CTagFile &tags) {
     qv::CMemFile input;
     if (!ReadInput(path, input)) return false;
     if (tags.Load(&input)) return true;
-    Fail("%s is not a tag dictionary in any of its forms (TAGF, SBF or XML)", path);
+    Fail("%s is not a tag dictionary in any of its forms (TAGF, SBF or XML)", InputName(path).c_str());
     return false;
 }
 
@@ -61,7 +61,8 @@ void PrintJson(char const *path, qv::CTagFile &tags) {
         json.Number("highBound", high);
         json.String("textValuesMode", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())));
         json.BeginArray("textValues");
-        for (uint32_t t = 0; t < e.nTextValues(); ++t) json.String(nullptr, Utf8(e.GetTextValue(t)));
+        for (uint32_t t = 0; t < e.nTextValues(); ++t)
+            json.String(nullptr, Utf8(e.GetTextValue(t)));
         json.EndArray();
         json.EndObject();
     }
@@ -84,17 +85,19 @@ int RunTagsShow(char *const *args) {
         bool use = false;
         double low = 0, high = 0;
         e.GetNumericBounds(use, low, high);
-        std::printf("%s: type %s, category %s, units %s, write %s, location %s", Utf8(e.GetName()).c_str(),
+        std::printf("%s: type %s, category %s, units %s, write %s, location %s", Escaped(Utf8(e.GetName())).c_str(),
                     Utf8(E::DataTypeToStr(e.GetDataType())).c_str(), Utf8(E::CategoryToStr(e.GetCategory())).c_str(),
                     Utf8(E::UnitsToStr(e.GetUnits())).c_str(), Utf8(E::WriteModeToStr(e.GetWriteMode())).c_str(),
                     Utf8(E::LocationToStr(e.GetLocation())).c_str());
-        if (use) std::printf(", bounds %s to %s", Utf8(qv::CString::FromFormat(u"%g", low)).c_str(),
-                             Utf8(qv::CString::FromFormat(u"%g", high)).c_str());
+        if (use)
+            std::printf(", bounds %s to %s", Utf8(qv::CString::FromFormat(u"%g", low)).c_str(),
+                        Utf8(qv::CString::FromFormat(u"%g", high)).c_str());
         if (e.GetTextValuesMode() != E::TVM_DISABLED || e.nTextValues()) {
             std::printf(", texts (%s)", Utf8(E::TextValuesModeToStr(e.GetTextValuesMode())).c_str());
-            for (uint32_t t = 0; t < e.nTextValues(); ++t) std::printf(" \"%s\"", Utf8(e.GetTextValue(t)).c_str());
+            for (uint32_t t = 0; t < e.nTextValues(); ++t)
+                std::printf(" \"%s\"", Escaped(Utf8(e.GetTextValue(t))).c_str());
         }
-        if (*e.GetDescription()) std::printf(": %s", Utf8(e.GetDescription()).c_str());
+        if (*e.GetDescription()) std::printf(": %s", Escaped(Utf8(e.GetDescription())).c_str());
         std::printf("\n");
     }
     std::printf("entries: %u\n", tags.nTagEntries());
@@ -110,7 +113,7 @@ int RunTagsConvert(char *const *args) {
                 : EndsWith(args[1], ".sbf") ? tags.SaveSBF(&out)
                                             : tags.SaveBinary(&out);
     if (!made) return Fail("cannot build the dictionary's new form");
-    return WriteOutput(args[1], out) ? 0 : kExitFailed;
+    return CopyToOutput(out, args[1]) ? 0 : kExitFailed;
 }
 
 } // namespace qvtool

@@ -1,6 +1,5 @@
 // What the tree-format sub-commands (sbf, xml, tags) share: reading a whole
-// input ("-": standard input) into memory and writing an output ("-":
-// standard output).
+// input ("-": standard input) into memory, and indenting a tree.
 #pragma once
 
 #include "Input.h"
@@ -10,10 +9,6 @@
 #include "qv/files/MemFile.h"
 
 namespace qvtool {
-
-// f's bytes to path through a temporary file and rename (or to standard
-// output). On failure the message is printed and false returned.
-bool WriteOutput(char const *path, qv::CMemFile &f);
 
 // A line of indentation for a depth.
 std::string Indent(unsigned depth);

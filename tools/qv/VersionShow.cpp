@@ -4,6 +4,8 @@
 #include <cstdio>
 
 #include "Commands.h"
+#include "Input.h"
+#include "Output.h"
 #include "qv/core/VersionInfo.h"
 
 namespace qvtool {
@@ -17,6 +19,7 @@ void PrintVersion(char const *label, uint32_t ms, uint32_t ls) {
 } // namespace
 
 bool ExtractVersion(char const *path, qv::CVersionInfo &info) {
+    if (!CheckInputFile(path)) return false;
     if (info.Extract(qv::CString(path).GetUTF16())) return true;
     Fail("%s has no readable version resource (it must be a PE32 or PE32+ executable with a well-formed "
          "resource of type 16, id 1)",
@@ -34,13 +37,14 @@ int RunVersionShow(char *const *args) {
     std::printf("prerelease: %s\n", beta ? "yes" : "no");
     for (uint32_t t = 0; t < info.stringTables.GetSize(); ++t) {
         qv::VS_STRINGTABLE const &table = info.stringTables[t];
-        std::printf("string table %s:\n", table.key.GetUTF8());
+        std::printf("string table %s:\n", Escaped(table.key.GetUTF8()).c_str());
         for (uint32_t s = 0; s < table.strings.GetSize(); ++s)
-            std::printf("  %s = %s\n", table.strings.GetAt(s).key.GetUTF8(), table.strings.GetAt(s).value.GetUTF8());
+            std::printf("  %s = %s\n", Escaped(table.strings.GetAt(s).key.GetUTF8()).c_str(),
+                        Escaped(table.strings.GetAt(s).value.GetUTF8()).c_str());
     }
     for (uint32_t v = 0; v < info.vars.GetSize(); ++v) {
         qv::VS_VAR const &var = info.vars[v];
-        std::printf("%s:", var.key.GetUTF8());
+        std::printf("%s:", Escaped(var.key.GetUTF8()).c_str());
         for (uint32_t i = 0; i + 1 < var.value.GetSize(); i += 2)
             std::printf(" %04x", unsigned(var.value.GetAt(i) | var.value.GetAt(i + 1) << 8));
         std::printf("\n");

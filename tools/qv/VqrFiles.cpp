@@ -40,20 +40,20 @@ bool ParseBlockAddress(char *const *args, SBlockAddress &address) {
     return true;
 }
 
-template <class TContainer>
-bool OpenAs(char const *path, bool write, TContainer &vqr, char const *kind) {
+template <class TContainer> bool OpenAs(char const *path, bool write, TContainer &vqr, char const *kind) {
     qv::CString wide(path);
     struct stat info {};
     bool regular = ::stat(path, &info) == 0 && S_ISREG(info.st_mode);
     if (write && !regular && errno == ENOENT) {
         if (vqr.Create(wide)) return true;
-        Fail("cannot create %s", path);
+        Fail("%s", WriteFailure(path).c_str());
         return false;
     }
     // Writers open for reading first and then reopen: a first open never writes.
     if (!vqr.Open(wide, true)) {
-        std::string why = regular && ::access(path, R_OK) == 0 ? std::string(path) + " is not a sound " + kind + " container"
-                                                               : OpenFailure(path, false);
+        std::string why = regular && ::access(path, R_OK) == 0
+                              ? std::string(path) + " is not a sound " + kind + " container"
+                              : OpenFailure(path, false);
         Fail("%s", why.c_str());
         return false;
     }
@@ -75,8 +75,7 @@ bool OpenContainer(char const *path, bool write, qv::CXDNFile &container) {
 uint32_t FindBlock(qv::CIndexedContainer const &vqr, SBlockAddress const &address) {
     for (uint32_t i = 0; i < vqr.GetIndexCount(); ++i) {
         qv::CIndexedContainer::CIndex const *index = vqr.GetIndexAt(i);
-        if (index->m_type == address.type && index->m_subtype == address.subtype && index->m_id == address.id)
-            return i;
+        if (index->m_type == address.type && index->m_subtype == address.subtype && index->m_id == address.id) return i;
     }
     return qv::CIndexedContainer::kNoIndex;
 }

@@ -32,17 +32,12 @@ bool OpenContainer(char const *path, bool write, qv::CXDNFile &container);
 // The place of the block with this type, subtype and id, or kNoIndex.
 uint32_t FindBlock(qv::CIndexedContainer const &container, SBlockAddress const &address);
 
-// Copies the whole of source into the disk file path ("-": standard output);
-// false, and no file left behind, when a read or write fails.
-bool CopyToOutput(qv::IFile &source, char const *path);
-
 // The bodies of list, extract (args: FILE TYPE SUBTYPE ID OUT) and put
 // (args: FILE TYPE SUBTYPE ID IN, address already parsed); exit codes.
 ///@{
 int ListBlocks(qv::CIndexedContainer &container);
 int ExtractBlock(qv::CIndexedContainer &container, SBlockAddress const &address, char *const *args);
-int PutBlock(qv::CIndexedContainer &container, SBlockAddress const &address, qv::CMemFile &input,
-             char *const *args);
+int PutBlock(qv::CIndexedContainer &container, SBlockAddress const &address, qv::CMemFile &input, char *const *args);
 ///@}
 
 } // namespace qvtool

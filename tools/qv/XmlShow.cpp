@@ -20,18 +20,23 @@ using CNode = qv::CXMLFile::CNode;
 
 char const *Kind(CNode const *n) {
     switch (n->type) {
-    case CNode::PROCESSING_INSTRUCTION: return "instruction";
-    case CNode::TEXT: return "text";
-    case CNode::COMMENT: return "comment";
-    default: return "element";
+    case CNode::PROCESSING_INSTRUCTION:
+        return "instruction";
+    case CNode::TEXT:
+        return "text";
+    case CNode::COMMENT:
+        return "comment";
+    default:
+        return "element";
     }
 }
 
 bool Print(CNode *n, uint32_t depth) {
-    std::printf("%s%s %s", Indent(depth).c_str(), Kind(n), n->name.GetUTF8());
+    std::printf("%s%s %s", Indent(depth).c_str(), Kind(n), Escaped(n->name.GetUTF8()).c_str());
     for (uint32_t i = 0; i < n->attributes.nItems(); ++i)
-        std::printf(" %s=\"%s\"", n->attributes[i].name.GetUTF8(), n->attributes[i].value.GetUTF8());
-    if (!n->value.IsEmpty()) std::printf(" value \"%s\"", n->value.GetUTF8());
+        std::printf(" %s=\"%s\"", Escaped(n->attributes[i].name.GetUTF8()).c_str(),
+                    Escaped(n->attributes[i].value.GetUTF8()).c_str());
+    if (!n->value.IsEmpty()) std::printf(" value \"%s\"", Escaped(n->value.GetUTF8()).c_str());
     std::printf("\n");
     return true;
 }
@@ -78,7 +83,7 @@ int RunXmlShow(char *const *args) {
     qv::CXMLFile xml;
     if (!xml.Load(&input))
         return Fail("%s is not XML the library reads (unclosed or mismatched tag, bare '>', CDATA or DOCTYPE)",
-                    args[0]);
+                    InputName(args[0]).c_str());
     xml.Root();
     if (GivenOptions().json) {
         PrintJson(args[0], xml.GetCurr());
