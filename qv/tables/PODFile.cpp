@@ -6,6 +6,7 @@
 #include <string>
 
 #include "qv/core/String.h"
+#include "qv/core/WideChar.h"
 #include "qv/files/File.h"
 #include "qv/files/IFile.h"
 #include "qv/files/OpenFlags.h"
@@ -20,6 +21,7 @@ namespace qv {
 namespace {
 
 constexpr uint32_t kLineSize = CPODFile::kLineSize;
+constexpr uint32_t kHeaderMagicSize = 6; // "HDSize", how every tagged header starts
 constexpr uint32_t kMaxColumns = kLineSize / 2; // a field takes at least a byte and a separator
 constexpr uint32_t kSeekStart = 1;
 constexpr uint8_t kNoSlot = 0xFF;
@@ -27,7 +29,6 @@ constexpr uint32_t kCellEmpty = 0, kCellSource = 1, kCellRowCache = 2, kCellDiff
                    kCellRemoved = 5;
 constexpr uint32_t kChanged = 1;
 constexpr size_t kFlushAt = 1 << 16;
-constexpr uint32_t kFirstLineSize = 2048; // of a plain text file, whose fields give the column count
 constexpr char16_t kDamaged[] = u"An edit failed half-way for a failed temporary file; the table cannot be saved.";
 constexpr char16_t kNotReopened[] = u"The table was saved, but reading it back failed.";
 constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while it was open.";
@@ -219,15 +220,24 @@ bool CPODFile::ReadSourceLine(uint32_t number) {
     return true;
 }
 
+// The line at position into the line buffer; length counts its LF, if any.
+// A read that stops short of both the buffer and the end of the file failed:
+// taken for the end, it would cut the line and make its rest a row.
+bool CPODFile::ReadLineAt(int64_t position, uint32_t &length) {
+    if (source->Seek(position, kSeekStart) != position) return false;
+    uint32_t got = source->Read(line.get(), kLineSize - 1);
+    if (got < kLineSize - 1 && position + got < source->GetSize()) return false;
+    char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
+    if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
+    length = lf ? uint32_t(lf - line.get() + 1) : got;
+    return true;
+}
+
 bool CPODFile::ReadHeaderLines(int64_t &position) {
     for (int kind = 0; kind < 4; ++kind) {
         if (!SizeTagSet(header, kSizeTags[kind])) continue;
-        if (source->Seek(position, kSeekStart) != position) return false;
-        uint32_t got = source->Read(line.get(), kLineSize - 1);
-        if (got == 0 && position < source->GetSize()) return false; // a failed read, not the end
-        char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
-        if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
-        uint32_t length = lf ? uint32_t(lf - line.get() + 1) : got;
+        uint32_t length = 0;
+        if (!ReadLineAt(position, length)) return false;
         SplitPODLine(line.get(), length, fields.data(), sourceFields);
         for (uint32_t col = 0; col < sourceFields; ++col) {
             size_t size;
@@ -239,12 +249,15 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
     return true;
 }
 
-// A plain text file has no NParam: the fields of its first line count the columns.
+// A plain text file has no NParam: the fields of its first line count the
+// columns. The whole line counts, as long as the header lines are read: one
+// cut short would drop the columns behind the cut on the next save.
 bool CPODFile::CountPlainColumns() {
-    if (source->Seek(0, kSeekStart) != 0) return false;
-    uint32_t got = source->Read(line.get(), kFirstLineSize);
-    char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
-    uint32_t length = lf ? uint32_t(lf - line.get()) : got;
+    uint32_t length = 0;
+    if (!ReadLineAt(0, length)) return false;
+    // A header that failed to load (a failed read) makes no plain table: its
+    // tags would pass for rows, and a save would write them back as data.
+    if (length >= kHeaderMagicSize && _strnicmp(line.get(), "HDSize", kHeaderMagicSize) == 0) return false;
     std::vector<char const *> all(kMaxColumns);
     return SetTag(header, u"NParam", Decimal(SplitPODLine(line.get(), length, all.data(), kMaxColumns)));
 }

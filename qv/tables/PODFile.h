@@ -133,6 +133,7 @@ private:
     bool SourceStillNamed(IFileSystem &fs, char16_t const *name);
     void Damaged();
     bool ReadSourceLine(uint32_t number);
+    bool ReadLineAt(int64_t position, uint32_t &length);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
     uint8_t TakeDiffSlot();

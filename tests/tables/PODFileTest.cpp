@@ -294,6 +294,80 @@ TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) 
     EXPECT_EQ(pod.nParams(), 0u);
 }
 
+// The first line of a plain text file counts its columns: one of 300 fields
+// (3,300 bytes) gives all 300, and the next save writes all of them back.
+TEST_F(PODFileTest, PlainTextWithALongFirstLineKeepsEveryColumn) {
+    constexpr uint32_t kColumns = 300;
+    std::string names, units, classes, row;
+    for (uint32_t c = 0; c < kColumns; ++c) {
+        std::string const sep = c ? "\t" : "";
+        names += sep + "column" + std::to_string(1000 + c);
+        units += sep + "u";
+        classes += sep + "k";
+        row += sep + std::to_string(c);
+    }
+    auto path = Path("wide.txt");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+        << names << "\r\n" << units << "\r\n" << classes << "\r\n" << row << "\r\n";
+    ASSERT_GT(names.size(), 2048u);
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nParams(), kColumns);
+    ASSERT_EQ(pod.nDPs(), 1u);
+    char16_t const *name = nullptr;
+    ASSERT_TRUE(pod.GetColumnInfo(kColumns - 1, &name, nullptr, nullptr, nullptr));
+    EXPECT_EQ(Narrow(name), "column1299");
+    EXPECT_EQ(Narrow(pod.GetValue(kColumns - 1, 0)), "299");
+
+    // A first line beyond the line buffer is refused, not cut.
+    auto huge = Path("huge.txt");
+    std::ofstream(std::string(huge.begin(), huge.end()), std::ios::binary)
+        << std::string(CPODFile::kLineSize, 'x') << " y\r\nu\r\nk\r\n1\r\n";
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), huge.c_str(), false));
+}
+
+// Loading under failing reads and seeks: a load either fails or gives the
+// table a clean load gives. A tagged table whose header read fails must not
+// come back as a plain text table of its header lines, and a header line cut
+// by a failed read must not make its rest a row.
+TEST_F(PODFileTest, FailingReadsNeverLoadAnotherTable) {
+    auto tagged = Path("tagged.pod");
+    auto plain = Path("plain.txt");
+    {
+        CPODFile maker;
+        MakeTable(maker, 5, tagged);
+    }
+    std::ofstream(std::string(plain.begin(), plain.end()), std::ios::binary)
+        << "Time Az\r\ns deg\r\nA B\r\n1 2\r\n3 4\r\n";
+    for (auto const &path : {tagged, plain}) {
+        std::string clean;
+        auto describe = [](CPODFile &pod) {
+            std::string out = std::to_string(pod.nParams()) + "x" + std::to_string(pod.nDPs());
+            for (uint32_t c = 0; c < pod.nParams(); ++c) {
+                char16_t const *name = nullptr;
+                out += pod.GetColumnInfo(c, &name, nullptr, nullptr, nullptr) ? " " + Narrow(name) : " ?";
+                for (uint32_t r = 0; r < pod.nDPs(); ++r) out += "," + Narrow(pod.GetValue(c, r));
+            }
+            return out;
+        };
+        std::unique_ptr<CPODFile> pod;
+        qv::test::RunUnderFaults(
+            [&] { pod = std::make_unique<CPODFile>(); },
+            [&] { return pod->Load(&qv::GetFileSystem(), path.c_str(), false); },
+            [&](qv::test::FaultRun const &run) {
+                if (run.IsClean()) {
+                    clean = describe(*pod);
+                    return;
+                }
+                if (run.succeeded) {
+                    EXPECT_EQ(describe(*pod), clean) << run.Describe();
+                }
+            },
+            {qv::test::Fault::kRead, qv::test::Fault::kLseek});
+        EXPECT_EQ(clean.substr(0, 3), path == tagged ? "2x5" : "2x2");
+    }
+}
+
 TEST_F(PODFileTest, ASourceChangedWhileOpenGivesNoCellsButAnErrorText) {
     CPODFile pod;
     auto path = Path("moving.pod");
