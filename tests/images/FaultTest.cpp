@@ -49,5 +49,36 @@ TEST(ImageFaults, TiffFramesByPathLoseNothing) {
     });
 }
 
+// Loads by path under failing reads and seeks: a picture comes back whole,
+// as the clean load gives it, or not at all. A failed read in the middle of
+// a JPEG is no cut file, whose rest may be painted grey.
+TEST(ImageFaults, BitmapLoadsUnderFailingReadsGiveTheWholePictureOrNone) {
+    test::ScratchDir dir;
+    test::Bitmap picture = test::Pattern(160, 120); // every format takes more than one read block
+    for (char const *name : {"p.png", "p.jpg", "p.bmp", "p.tif"}) {
+        SCOPED_TRACE(name);
+        std::string const path = dir.Path(name);
+        ASSERT_TRUE(SaveHBITMAP(picture.get(), &GetFileSystem(), CString(path.c_str())));
+        test::Bitmap clean, loaded;
+        qv::test::RunUnderFaults(
+            [] {},
+            [&] {
+                loaded.reset(LoadHBITMAP(&GetFileSystem(), CString(path.c_str())));
+                return loaded != nullptr;
+            },
+            [&](qv::test::FaultRun const &run) {
+                if (run.IsClean()) {
+                    clean = std::move(loaded);
+                    return;
+                }
+                if (loaded) {
+                    EXPECT_TRUE(test::SamePixels(*loaded, *clean)) << run.Describe();
+                }
+            },
+            {qv::test::Fault::kRead, qv::test::Fault::kLseek});
+        ASSERT_TRUE(clean);
+    }
+}
+
 } // namespace
 } // namespace qv
