@@ -554,6 +554,7 @@ bool CPODFile::WriteTable(IFile &out) {
         return ok;
     };
     auto writeLine = [&](auto &&valueOf) {
+        size_t const lineStart = text.size();
         bool first = true;
         for (uint32_t col = 0; col < ColumnCount(); ++col) {
             if (!columns[col].live) continue;
@@ -567,6 +568,9 @@ bool CPODFile::WriteTable(IFile &out) {
             AppendPODField(text, std::string_view(utf8, size_t(got > 0 ? got : 0)));
         }
         text += "\r\n";
+        // A line the load could not hold would make the saved table one that
+        // no longer opens: the old file stays instead.
+        if (text.size() - lineStart >= kLineSize) return SetError(kLineTooLong), false;
         return text.size() < kFlushAt || flush();
     };
     for (int kind = 0; kind < 4; ++kind) {

@@ -294,6 +294,35 @@ TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) 
     EXPECT_EQ(pod.nParams(), 0u);
 }
 
+// A row too long for the line buffer is refused on saving too: written, it
+// would make a table that no longer opens, and the reopen after the save
+// would drop the table from memory as well. The old file and the edits stay.
+TEST_F(PODFileTest, ASaveRefusesALineTheLoadCouldNotHold) {
+    auto path = Path("wide.pod");
+    {
+        CPODFile maker;
+        MakeTable(maker, 3, path);
+    }
+    std::string const before = Bytes(path);
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    std::u16string const full(255, u'w'); // 32 such cells: 8,193 bytes with their tabs and CR LF
+    for (uint32_t col = 2; col < 32; ++col) ASSERT_EQ(pod.AddColumn(u"W", u"", u"", u""), col);
+    for (uint32_t col = 0; col < 32; ++col) ASSERT_TRUE(pod.PutValue(col, 1, full.c_str()));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetError()), "A line of the table is longer than the 8,192-byte line buffer.");
+    EXPECT_EQ(Bytes(path), before);
+    ASSERT_TRUE(pod.IsOpen());
+    EXPECT_EQ(Narrow(pod.GetValue(31, 1)), Narrow(full.c_str()));
+
+    // Two bytes less (8,191, the longest line held): saved, and it opens again.
+    ASSERT_TRUE(pod.PutValue(31, 1, full.substr(2).c_str()));
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    CPODFile again;
+    ASSERT_TRUE(again.Load(&qv::GetFileSystem(), path.c_str(), true));
+    EXPECT_EQ(Narrow(again.GetValue(31, 1)), Narrow(full.substr(2).c_str()));
+}
+
 // The first line of a plain text file counts its columns: one of 300 fields
 // (3,300 bytes) gives all 300, and the next save writes all of them back.
 TEST_F(PODFileTest, PlainTextWithALongFirstLineKeepsEveryColumn) {
