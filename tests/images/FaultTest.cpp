@@ -59,24 +59,20 @@ TEST(ImageFaults, BitmapLoadsUnderFailingReadsGiveTheWholePictureOrNone) {
         SCOPED_TRACE(name);
         std::string const path = dir.Path(name);
         ASSERT_TRUE(SaveHBITMAP(picture.get(), &GetFileSystem(), CString(path.c_str())));
-        test::Bitmap clean, loaded;
-        qv::test::RunUnderFaults(
-            [] {},
+        test::Bitmap loaded;
+        auto pixels = [&] {
+            test::Bytes all;
+            for (int32_t y = 0; y < loaded->Height; ++y)
+                all.insert(all.end(), loaded->Row(y), loaded->Row(y) + size_t(loaded->Width) * 3);
+            return all;
+        };
+        test::Bytes const clean = qv::test::ExpectWholeLoadOrFailure(
             [&] {
                 loaded.reset(LoadHBITMAP(&GetFileSystem(), CString(path.c_str())));
                 return loaded != nullptr;
             },
-            [&](qv::test::FaultRun const &run) {
-                if (run.IsClean()) {
-                    clean = std::move(loaded);
-                    return;
-                }
-                if (loaded) {
-                    EXPECT_TRUE(test::SamePixels(*loaded, *clean)) << run.Describe();
-                }
-            },
-            {qv::test::Fault::kRead, qv::test::Fault::kLseek});
-        ASSERT_TRUE(clean);
+            pixels);
+        EXPECT_EQ(clean.size(), 160u * 120 * 3);
     }
 }
 
