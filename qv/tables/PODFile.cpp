@@ -33,6 +33,8 @@ constexpr char16_t kDamaged[] = u"An edit failed half-way for a failed temporary
 constexpr char16_t kNotReopened[] = u"The table was saved, but reading it back failed.";
 constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while it was open.";
 constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
+constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 characters.";
+constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -83,10 +85,14 @@ bool CopyText(char16_t *out, size_t size, char16_t const *text) {
     return true;
 }
 
-void Utf8ToField(char const *field, char16_t *out, int size) {
+// False when the text does not fit in size units with its terminator: out is
+// then empty, and the caller must not take it for the field's value.
+bool Utf8ToField(char const *field, char16_t *out, int size) {
     int n = int(std::strlen(field));
     int got = n ? CString::ConvertToTCHAR(field, n, out, size - 1) : 0;
-    out[got > 0 && got < size ? got : 0] = 0;
+    bool const fits = n == 0 || (got > 0 && got < size);
+    out[fits ? got : 0] = 0;
+    return fits;
 }
 
 // Only zero or missing against not zero counts in a size tag.
@@ -242,7 +248,7 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
         for (uint32_t col = 0; col < sourceFields; ++col) {
             size_t size;
             char16_t *out = ColumnField(columns[col], kind, size);
-            Utf8ToField(fields[col], out, int(size));
+            if (!Utf8ToField(fields[col], out, int(size))) return SetError(kColumnTextTooLong), false;
         }
         position += length;
     }
@@ -323,7 +329,8 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         out.flags = 0;
         out.value[0] = 0;
         if (cell.state == kCellSource && col < sourceFields) {
-            Utf8ToField(fields[col], out.value, kValueSize);
+            // Cut, the cell would be saved back changed: it is not read at all.
+            if (!Utf8ToField(fields[col], out.value, kValueSize)) return SetError(kCellTooLong), -1;
         } else if (cell.state == kCellDiffCache) {
             // The cell keeps its diff-cache slot whether or not the row had
             // source cells: dropping it would orphan the entry, which would

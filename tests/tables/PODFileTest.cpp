@@ -208,7 +208,11 @@ TEST_F(PODFileTest, HostileFilesAreRefused) {
     EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
     // A row the line buffer cannot hold would count yet never read: the
     // table is refused, in the middle or at the end, and says why.
-    auto line = [](uint32_t bytes) { return "1\t" + std::string(bytes - 2, 'z'); };
+    auto line = [](uint32_t bytes) { // "1", then "\tz" pairs: short cells, a long line
+        std::string text = "1";
+        while (text.size() < bytes) text += text.size() % 2 ? '\t' : 'z';
+        return text;
+    };
     uint32_t const most = CPODFile::kLineSize - 1;
     write(bytes + line(most - 1) + "\n" + line(most));
     ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
@@ -292,6 +296,33 @@ TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) 
     EXPECT_TRUE(pod.IsOpen());
     EXPECT_EQ(pod.nDPs(), 0u);
     EXPECT_EQ(pod.nParams(), 0u);
+}
+
+// A cell holds 255 characters: a longer one in the file cannot be read whole,
+// so it reads as no value (with a reason) rather than as another one, and a
+// save, which could only write it back changed, fails with the old file kept.
+TEST_F(PODFileTest, ACellTooLongToHoldIsNoValueAndBlocksTheSave) {
+    auto path = Path("longcell.txt");
+    std::string const longest(255, 'a'), tooLong(256, 'b');
+    std::string const text = "A B\r\nu u\r\nc c\r\n" + longest + " 1\r\n" + tooLong + " 2\r\n";
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << text;
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 2u);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 0)), longest);
+    EXPECT_EQ(pod.GetValue(0, 1), nullptr);
+    EXPECT_EQ(Narrow(pod.GetError()), "A cell of the table is longer than 255 characters.");
+    EXPECT_EQ(pod.GetValue(1, 1), nullptr); // the row is read whole or not at all
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), text);
+
+    // Column names hold 127 characters: a longer one refuses the table.
+    for (size_t length : {127u, 128u}) {
+        std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+            << std::string(length, 'n') << " B\r\nu u\r\nc c\r\n1 2\r\n";
+        EXPECT_EQ(pod.Load(&qv::GetFileSystem(), path.c_str(), false), length == 127) << length;
+    }
+    EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is too long.");
 }
 
 // A row too long for the line buffer is refused on saving too: written, it
