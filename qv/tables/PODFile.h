@@ -13,7 +13,11 @@
 ///
 /// Failures are results (false, null, kPODNone). Values longer than 255
 /// characters are refused, and so is a table with a line of kLineSize bytes
-/// or more. One thread at a time; see IPODFile.
+/// or more, or a column text longer than its field: on loading and on saving
+/// alike, so a saved table always opens again. A row of the file with a cell
+/// longer than 255 characters gives no values (null, with the reason in
+/// GetError), and a Save fails while it is in the table. One thread at a
+/// time; see IPODFile.
 
 #include <memory>
 #include <vector>
