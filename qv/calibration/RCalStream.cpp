@@ -47,8 +47,9 @@ bool CRCalReader::Finish() {
     return ok_;
 }
 
+// A seek that fails leaves the file elsewhere than the reader: it fails the read.
 void CRCalReader::HandBack() {
-    if (end_ > at_) file_.Seek(-int64_t(end_ - at_), 2);
+    if (end_ > at_ && file_.Seek(-int64_t(end_ - at_), 2) < 0) ok_ = false;
     at_ = end_ = 0;
 }
 
@@ -183,7 +184,7 @@ void CRCalReader::Skip(int64_t bytes) {
     if (bytes <= int64_t(buffered)) {
         at_ += uint32_t(bytes);
     } else {
-        file_.Seek(bytes - buffered, 2);
+        if (file_.Seek(bytes - buffered, 2) < 0) ok_ = false;
         at_ = end_ = 0;
     }
     unread_ -= bytes;

@@ -38,6 +38,15 @@ char *NextToken(char *&cursor) {
     return token;
 }
 
+// Whether Load reads every line of text (each ending in CR LF) whole.
+bool LinesReadBackWhole(std::string const &text) {
+    for (size_t start = 0, end; start < text.size(); start = end + 1) {
+        end = text.find('\n', start);
+        if (end == std::string::npos || end - start > kLineLimit) return false; // kLineLimit - 1 bytes and the CR
+    }
+    return true;
+}
+
 } // namespace
 
 // A plain key (no separator, no dot item) in a section whose path stays
@@ -119,6 +128,9 @@ bool CINIStore::Save(IFile *file) {
     if (!file) return false;
     std::string text;
     SaveNode(0, CString(u""), text);
+    // A line the load would cut would come back as another key or value:
+    // such a text is not written, and a save by name keeps the old file.
+    if (!LinesReadBackWhole(text)) return false;
     // One write: the text is formed in memory first.
     return text.size() <= UINT32_MAX && file->WriteBytes(text.data(), uint32_t(text.size()));
 }

@@ -18,7 +18,8 @@
 /// name, with the entry's leaves as "name=value\r\n", then its sub-entries,
 /// depth first in child order. Leaves always come before sub-entries: a leaf
 /// written after a sub-entry's header would come back inside that sub-entry on
-/// load, its own path lost.
+/// load, its own path lost. Save gives false, writing nothing, when a line
+/// would be longer than Load reads (a long value, a deep section path).
 #pragma once
 
 #include <string>

@@ -47,6 +47,8 @@ void InitSource(j_decompress_ptr) {}
 boolean FillInput(j_decompress_ptr cinfo) {
     SSource *src = reinterpret_cast<SSource *>(cinfo->src);
     uint32_t n = src->file->Read(src->buffer, kBlock);
+    // A read that fails before the end is no cut file: the picture fails.
+    if (n == 0 && src->file->GetRemaining() > 0) cinfo->err->error_exit(reinterpret_cast<j_common_ptr>(cinfo));
     if (n == 0) {
         // A cut file ends as if its end marker were there: libjpeg gives
         // what it has (the rest of the picture grey).

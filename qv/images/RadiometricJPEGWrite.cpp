@@ -29,6 +29,7 @@ public:
     explicit CForwardReader(IFile &file) : file(file) {}
 
     /// Whether n (at most kSize) bytes stand in the buffer; reads more if not.
+    /// False at the end of the file and when a read fails (see Failed).
     bool Have(size_t n) {
         if (end - start >= n) return true;
         std::memmove(buffer, buffer + start, end - start);
@@ -36,6 +37,7 @@ public:
         start = 0;
         while (end < n) {
             uint32_t got = file.Read(buffer + end, uint32_t(kSize - end));
+            failed = got == 0 && file.GetRemaining() > 0;
             if (got == 0) return false;
             end += got;
         }
@@ -44,9 +46,11 @@ public:
     uint8_t const *Data() const { return buffer + start; }
     size_t Available() const { return end - start; }
     void Skip(size_t n) { start += n; }
+    bool Failed() const { return failed; } ///< the last read failed short of the end
 
 private:
     IFile &file;
+    bool failed = false;
     size_t start = 0, end = 0;
     uint8_t buffer[kSize];
 };
@@ -119,7 +123,8 @@ private:
         return false; // the file ends inside a scan
     }
 
-    // The end marker and whatever the file holds after it.
+    // The end marker and whatever the file holds after it, to its real end:
+    // a failed read is not the end, or the copy would pass for whole.
     bool CopyEnd() {
         uint8_t code[2] = {0xFF, kEOI};
         if (!Put(code, 2)) return false;
@@ -127,7 +132,7 @@ private:
             if (!Put(in.Data(), in.Available())) return false;
             in.Skip(in.Available());
         }
-        return true;
+        return !in.Failed();
     }
 
     bool PutChunks() {

@@ -97,7 +97,9 @@ HBITMAP LoadTIFF(IFile *file) {
     HBITMAP bitmap = CreateBitmap(int32_t(form.width), int32_t(form.height), 24);
     uint32_t *rgba = static_cast<uint32_t *>(std::malloc(size_t(form.width) * form.height * 4));
     // TIFFReadRGBAImage delivers the rows bottom-up, as the bitmap holds them.
-    bool ok = bitmap && rgba && TIFFReadRGBAImage(handle.tiff, form.width, form.height, rgba, 0) == 1;
+    // It stops at a strip that cannot be read: going on would leave the
+    // strip's rows blank in a picture that passes for whole.
+    bool ok = bitmap && rgba && TIFFReadRGBAImage(handle.tiff, form.width, form.height, rgba, 1) == 1;
     for (uint32_t y = 0; ok && y < form.height; ++y) {
         uint8_t *row = bitmap->Row(int32_t(y));
         uint32_t const *in = rgba + size_t(y) * form.width;
@@ -283,9 +285,10 @@ bool CMultiPageTIFFFile::ReadPacked(void *buffer) {
         conversion = static_cast<uint8_t *>(std::malloc(bytes));
         conversionSize = conversion ? bytes : 0;
     }
-    // ORIENTATION_TOPLEFT: rows come top first, as the caller's buffer holds them.
+    // ORIENTATION_TOPLEFT: rows come top first, as the caller's buffer holds
+    // them. A strip that cannot be read fails the page (see LoadTIFF).
     if (!conversion || TIFFReadRGBAImageOriented(tiff, width, height, reinterpret_cast<uint32_t *>(conversion),
-                                                 ORIENTATION_TOPLEFT, 0) != 1)
+                                                 ORIENTATION_TOPLEFT, 1) != 1)
         return false;
     auto *out = static_cast<uint8_t *>(buffer);
     for (size_t i = 0; i < size_t(width) * height; ++i) std::memcpy(out + 3 * i, conversion + 4 * i, 3);

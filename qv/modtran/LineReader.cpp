@@ -18,16 +18,20 @@ bool IsBlank(char c) {
 } // namespace
 
 CLineReader::CLineReader(IFile &file, int lineBytes)
-    : file(file), lineBytes(lineBytes < kMaxLineBytes ? lineBytes : kMaxLineBytes), pushedBack(false),
+    : file(file), lineBytes(lineBytes < kMaxLineBytes ? lineBytes : kMaxLineBytes), pushedBack(false), failed(false),
       start(file.GetPosition()), used(0), length(0) {
     std::memset(line, 0, sizeof line);
 }
 
+// A read that stops short of both the block and the end of the file failed:
+// taken for the end, it would cut a line, and the next read would make the
+// line's rest a line of its own.
 bool CLineReader::Fill() {
     start += length;
     used = 0;
     length = file.Read(block, sizeof block);
-    return length > 0;
+    failed = length < sizeof block && file.GetRemaining() > 0;
+    return length > 0 && !failed;
 }
 
 bool CLineReader::Next() {
@@ -46,7 +50,7 @@ bool CLineReader::Next() {
             ended |= c == '\r' || c == '\0';
             if (!ended && kept < lineBytes - 1) line[kept++] = c;
         }
-        if (!Fill()) return true; // the last line, without LF
+        if (!Fill()) return !failed; // the last line, without LF
     }
 }
 

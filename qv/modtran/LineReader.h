@@ -30,9 +30,11 @@ public:
     CLineReader(CLineReader const &) = delete;
     CLineReader &operator=(CLineReader const &) = delete;
 
-    /// The next line; false at the end of the file.
+    /// The next line; false at the end of the file, or when a read failed
+    /// (Failed() tells which: a failed read is never taken for the end).
     ///@{
     bool Next();
+    bool Failed() const { return failed; }
     void PushBack() { pushedBack = true; }
     char const *Line() const { return line; }
     ///@}
@@ -54,6 +56,7 @@ private:
     IFile &file;
     int lineBytes;
     bool pushedBack;
+    bool failed;      ///< the last read stopped short of the end
     int64_t start;    ///< file position of block[0]
     uint32_t used;    ///< bytes of block taken
     uint32_t length;  ///< bytes in block

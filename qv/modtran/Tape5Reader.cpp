@@ -39,7 +39,8 @@ public:
 private:
     bool Line(char const *card) {
         if (cards.Next()) return true;
-        owner.SetLastError("Unexpected end of file at card %s.", card);
+        owner.SetLastError(cards.Failed() ? "The file could not be read at card %s." : "Unexpected end of file at card %s.",
+                           card);
         return false;
     }
     bool Count(char const *what, int n, int bound) {

@@ -40,7 +40,7 @@ public:
     // One run's block into run; kEnd at the end of the file.
     EResult ReadRun(TAPE7_RUN &run, int &mode, uint64_t &mask) {
         do // blank lines between blocks, or at the end, are no block
-            if (!lines.Next()) return kEnd;
+            if (!lines.Next()) return lines.Failed() ? kFailed : kEnd;
         while (IsBlank(lines.Line()));
         char digit = lines.Letter(14);
         if (digit < '0' || digit > '3') return kFailed;

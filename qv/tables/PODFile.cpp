@@ -6,6 +6,7 @@
 #include <string>
 
 #include "qv/core/String.h"
+#include "qv/core/WideChar.h"
 #include "qv/files/File.h"
 #include "qv/files/IFile.h"
 #include "qv/files/OpenFlags.h"
@@ -20,6 +21,7 @@ namespace qv {
 namespace {
 
 constexpr uint32_t kLineSize = CPODFile::kLineSize;
+constexpr uint32_t kHeaderMagicSize = 6; // "HDSize", how every tagged header starts
 constexpr uint32_t kMaxColumns = kLineSize / 2; // a field takes at least a byte and a separator
 constexpr uint32_t kSeekStart = 1;
 constexpr uint8_t kNoSlot = 0xFF;
@@ -27,11 +29,12 @@ constexpr uint32_t kCellEmpty = 0, kCellSource = 1, kCellRowCache = 2, kCellDiff
                    kCellRemoved = 5;
 constexpr uint32_t kChanged = 1;
 constexpr size_t kFlushAt = 1 << 16;
-constexpr uint32_t kFirstLineSize = 2048; // of a plain text file, whose fields give the column count
 constexpr char16_t kDamaged[] = u"An edit failed half-way for a failed temporary file; the table cannot be saved.";
 constexpr char16_t kNotReopened[] = u"The table was saved, but reading it back failed.";
 constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while it was open.";
 constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
+constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 characters.";
+constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -82,10 +85,14 @@ bool CopyText(char16_t *out, size_t size, char16_t const *text) {
     return true;
 }
 
-void Utf8ToField(char const *field, char16_t *out, int size) {
+// False when the text does not fit in size units with its terminator: out is
+// then empty, and the caller must not take it for the field's value.
+bool Utf8ToField(char const *field, char16_t *out, int size) {
     int n = int(std::strlen(field));
     int got = n ? CString::ConvertToTCHAR(field, n, out, size - 1) : 0;
-    out[got > 0 && got < size ? got : 0] = 0;
+    bool const fits = n == 0 || (got > 0 && got < size);
+    out[fits ? got : 0] = 0;
+    return fits;
 }
 
 // Only zero or missing against not zero counts in a size tag.
@@ -219,32 +226,44 @@ bool CPODFile::ReadSourceLine(uint32_t number) {
     return true;
 }
 
+// The line at position into the line buffer; length counts its LF, if any.
+// A read that stops short of both the buffer and the end of the file failed:
+// taken for the end, it would cut the line and make its rest a row.
+bool CPODFile::ReadLineAt(int64_t position, uint32_t &length) {
+    if (source->Seek(position, kSeekStart) != position) return false;
+    uint32_t got = source->Read(line.get(), kLineSize - 1);
+    if (got < kLineSize - 1 && position + got < source->GetSize()) return false;
+    char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
+    if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
+    length = lf ? uint32_t(lf - line.get() + 1) : got;
+    return true;
+}
+
 bool CPODFile::ReadHeaderLines(int64_t &position) {
     for (int kind = 0; kind < 4; ++kind) {
         if (!SizeTagSet(header, kSizeTags[kind])) continue;
-        if (source->Seek(position, kSeekStart) != position) return false;
-        uint32_t got = source->Read(line.get(), kLineSize - 1);
-        if (got == 0 && position < source->GetSize()) return false; // a failed read, not the end
-        char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
-        if (!lf && got == kLineSize - 1) return false; // longer than any line we hold
-        uint32_t length = lf ? uint32_t(lf - line.get() + 1) : got;
+        uint32_t length = 0;
+        if (!ReadLineAt(position, length)) return false;
         SplitPODLine(line.get(), length, fields.data(), sourceFields);
         for (uint32_t col = 0; col < sourceFields; ++col) {
             size_t size;
             char16_t *out = ColumnField(columns[col], kind, size);
-            Utf8ToField(fields[col], out, int(size));
+            if (!Utf8ToField(fields[col], out, int(size))) return SetError(kColumnTextTooLong), false;
         }
         position += length;
     }
     return true;
 }
 
-// A plain text file has no NParam: the fields of its first line count the columns.
+// A plain text file has no NParam: the fields of its first line count the
+// columns. The whole line counts, as long as the header lines are read: one
+// cut short would drop the columns behind the cut on the next save.
 bool CPODFile::CountPlainColumns() {
-    if (source->Seek(0, kSeekStart) != 0) return false;
-    uint32_t got = source->Read(line.get(), kFirstLineSize);
-    char const *lf = static_cast<char const *>(std::memchr(line.get(), '\n', got));
-    uint32_t length = lf ? uint32_t(lf - line.get()) : got;
+    uint32_t length = 0;
+    if (!ReadLineAt(0, length)) return false;
+    // A header that failed to load (a failed read) makes no plain table: its
+    // tags would pass for rows, and a save would write them back as data.
+    if (length >= kHeaderMagicSize && _strnicmp(line.get(), "HDSize", kHeaderMagicSize) == 0) return false;
     std::vector<char const *> all(kMaxColumns);
     return SetTag(header, u"NParam", Decimal(SplitPODLine(line.get(), length, all.data(), kMaxColumns)));
 }
@@ -310,7 +329,8 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         out.flags = 0;
         out.value[0] = 0;
         if (cell.state == kCellSource && col < sourceFields) {
-            Utf8ToField(fields[col], out.value, kValueSize);
+            // Cut, the cell would be saved back changed: it is not read at all.
+            if (!Utf8ToField(fields[col], out.value, kValueSize)) return SetError(kCellTooLong), -1;
         } else if (cell.state == kCellDiffCache) {
             // The cell keeps its diff-cache slot whether or not the row had
             // source cells: dropping it would orphan the entry, which would
@@ -541,6 +561,7 @@ bool CPODFile::WriteTable(IFile &out) {
         return ok;
     };
     auto writeLine = [&](auto &&valueOf) {
+        size_t const lineStart = text.size();
         bool first = true;
         for (uint32_t col = 0; col < ColumnCount(); ++col) {
             if (!columns[col].live) continue;
@@ -554,6 +575,9 @@ bool CPODFile::WriteTable(IFile &out) {
             AppendPODField(text, std::string_view(utf8, size_t(got > 0 ? got : 0)));
         }
         text += "\r\n";
+        // A line the load could not hold would make the saved table one that
+        // no longer opens: the old file stays instead.
+        if (text.size() - lineStart >= kLineSize) return SetError(kLineTooLong), false;
         return text.size() < kFlushAt || flush();
     };
     for (int kind = 0; kind < 4; ++kind) {

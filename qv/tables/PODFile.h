@@ -13,7 +13,11 @@
 ///
 /// Failures are results (false, null, kPODNone). Values longer than 255
 /// characters are refused, and so is a table with a line of kLineSize bytes
-/// or more. One thread at a time; see IPODFile.
+/// or more, or a column text longer than its field: on loading and on saving
+/// alike, so a saved table always opens again. A row of the file with a cell
+/// longer than 255 characters gives no values (null, with the reason in
+/// GetError), and a Save fails while it is in the table. One thread at a
+/// time; see IPODFile.
 
 #include <memory>
 #include <vector>
@@ -133,6 +137,7 @@ private:
     bool SourceStillNamed(IFileSystem &fs, char16_t const *name);
     void Damaged();
     bool ReadSourceLine(uint32_t number);
+    bool ReadLineAt(int64_t position, uint32_t &length);
     bool ReadHeaderLines(int64_t &position);
     bool WriteTable(IFile &out);
     uint8_t TakeDiffSlot();

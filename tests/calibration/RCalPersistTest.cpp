@@ -452,4 +452,24 @@ TEST(RCalFile, ASaveThatFailsHalfWayLeavesThePreviousFile) {
     EXPECT_TRUE(loaded.Load(nullptr, target, 0));
 }
 
+// Loads from disk under failing reads and seeks, with and without the
+// background images (skipped by a seek): each load fails, at the defaults, or
+// gives what the clean load gives.
+TEST(RCalFile, LoadsUnderFailingReadsAndSeeksGiveTheWholeFileOrFail) {
+    caltest::ScratchDir dir;
+    CString target = dir.Path("camera.cal");
+    CRCalFile cal;
+    BuildCalibration(cal);
+    std::vector<double> image(100 * 100, 7.0); // more than one read-ahead: a skip seeks
+    cal.AddBackgroundFile(1, 100, 100, image.data());
+    ASSERT_TRUE(cal.Save(nullptr, target, 0));
+    for (uint32_t flags : {0u, uint32_t(CRCalFile::kLoadSkipBackgrounds)}) {
+        SCOPED_TRACE(flags);
+        CRCalFile loaded;
+        Bytes const clean = qv::test::ExpectWholeLoadOrFailure([&] { return loaded.Load(nullptr, target, flags); },
+                                                               [&] { return SaveBytes(loaded); });
+        EXPECT_EQ(clean, SaveBytes(cal, flags ? uint32_t(CRCalFile::kSaveWithoutBackgrounds) : 0u));
+    }
+}
+
 } // namespace

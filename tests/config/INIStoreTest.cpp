@@ -102,6 +102,27 @@ TEST(INIStore, HostileLinesNeverStopTheLoad) {
     EXPECT_LE(names[0].GetLength(), 1023);
 }
 
+// Lines are read up to 1,023 bytes: a longer one would come back cut, so the
+// save refuses it and the old file stays.
+TEST(INIStore, ASaveRefusesALineTheLoadWouldCut) {
+    ScratchDir dir;
+    std::string const target = dir.Path("long.ini");
+    std::ofstream(target, std::ios::binary) << "[old]\r\nkept=1\r\n";
+    FaultBytes const before = FileBytes(target);
+    CINIStore store;
+    std::string const longest(1021, 'v'); // "k=" and these: 1,023 bytes
+    store.SetString(u"/k", CString(longest.c_str()));
+    store.SetString(u"/s/k", CString((longest + "v").c_str()));
+    EXPECT_FALSE(store.Save(CString(target.c_str())));
+    EXPECT_EQ(FileBytes(target), before);
+    store.SetString(u"/s/k", CString(longest.c_str()));
+    ASSERT_TRUE(store.Save(CString(target.c_str())));
+    CINIStore again;
+    ASSERT_TRUE(again.Load(CString(target.c_str())));
+    EXPECT_EQ(Utf8(again.GetString(u"/k", u"")), longest);
+    EXPECT_EQ(Utf8(again.GetString(u"/s/k", u"")), longest);
+}
+
 TEST(INIStore, ASaveThatFailsHalfWayLeavesThePreviousFile) {
     ScratchDir dir;
     std::string target = dir.Path("faults.ini");

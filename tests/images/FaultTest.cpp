@@ -49,5 +49,32 @@ TEST(ImageFaults, TiffFramesByPathLoseNothing) {
     });
 }
 
+// Loads by path under failing reads and seeks: a picture comes back whole,
+// as the clean load gives it, or not at all. A failed read in the middle of
+// a JPEG is no cut file, whose rest may be painted grey.
+TEST(ImageFaults, BitmapLoadsUnderFailingReadsGiveTheWholePictureOrNone) {
+    test::ScratchDir dir;
+    test::Bitmap picture = test::Pattern(160, 120); // every format takes more than one read block
+    for (char const *name : {"p.png", "p.jpg", "p.bmp", "p.tif"}) {
+        SCOPED_TRACE(name);
+        std::string const path = dir.Path(name);
+        ASSERT_TRUE(SaveHBITMAP(picture.get(), &GetFileSystem(), CString(path.c_str())));
+        test::Bitmap loaded;
+        auto pixels = [&] {
+            test::Bytes all;
+            for (int32_t y = 0; y < loaded->Height; ++y)
+                all.insert(all.end(), loaded->Row(y), loaded->Row(y) + size_t(loaded->Width) * 3);
+            return all;
+        };
+        test::Bytes const clean = qv::test::ExpectWholeLoadOrFailure(
+            [&] {
+                loaded.reset(LoadHBITMAP(&GetFileSystem(), CString(path.c_str())));
+                return loaded != nullptr;
+            },
+            pixels);
+        EXPECT_EQ(clean.size(), 160u * 120 * 3);
+    }
+}
+
 } // namespace
 } // namespace qv

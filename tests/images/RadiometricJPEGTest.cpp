@@ -5,6 +5,7 @@
 #include <string>
 
 #include "images/ImageTestSupport.h"
+#include "qv/files/File.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/IFileSystem.h"
 #include "qv/formats/indexed/VQRFile.h"
@@ -322,6 +323,45 @@ TEST(RadiometricJPEG, SavingByPathLosesNothing) {
             test::ExpectBeforeOrAfter(run, test::FileBytes(path), before, after);
         });
     EXPECT_EQ(Extract(after).payload, Filled(5000, 15));
+}
+
+// The source picture read from disk under failing reads: bytes behind its
+// end marker are copied to the source's real end, or the save fails and the
+// old file stays; a failed read never passes for that end.
+TEST(RadiometricJPEG, AFailedReadOfTheSourceNeverCutsTheCopy) {
+    test::ScratchDir dir;
+    std::string const source = dir.Path("source.jpg"), path = dir.Path("r.jpg");
+    test::Bytes picture = PlainJPEG();
+    test::Bytes const trailer = Filled(300000, 16); // read after the end marker, in more than one block
+    picture.insert(picture.end(), trailer.begin(), trailer.end());
+    test::WriteDisk(source, picture);
+    test::Bytes const before = WithSegments({Chunk({0, 1, 0, 1}, Filled(4000, 14))});
+    CFile jpeg;
+    ASSERT_TRUE(jpeg.Open(CString(source.c_str()), 0x12));
+    CMemFile payload;
+    test::Fill(payload, Filled(5000, 15));
+    test::FaultBytes after;
+    test::RunUnderFaults(
+        [&] {
+            test::WriteDisk(path, before);
+            jpeg.SeekToBegin();
+        },
+        [&] { return SaveRadiometricJPEG(&GetFileSystem(), CString(path.c_str()), &jpeg, &payload); },
+        [&](test::FaultRun const &run) {
+            if (run.IsClean()) {
+                after = test::FileBytes(path);
+                return;
+            }
+            test::FaultBytes const now = test::FileBytes(path);
+            if (run.succeeded) {
+                EXPECT_TRUE(now == after) << run.Describe();
+            } else {
+                EXPECT_TRUE(now == test::FaultBytes(before.begin(), before.end())) << run.Describe();
+            }
+        },
+        {test::Fault::kRead});
+    ASSERT_GT(after.size(), trailer.size());
+    EXPECT_TRUE(std::equal(trailer.begin(), trailer.end(), after.end() - std::ptrdiff_t(trailer.size())));
 }
 
 } // namespace

@@ -282,6 +282,25 @@ inline int RunUnderFaults(std::function<void()> const &prepare, std::function<bo
     return runs;
 }
 
+// Runs a reader under failing reads and seeks: each run must fail or give
+// what the clean run gives, as contents() tells it after a load (a failed
+// read is never taken for the end of the file). Returns the clean contents.
+template <class Contents>
+auto ExpectWholeLoadOrFailure(std::function<bool()> const &load, Contents const &contents) {
+    decltype(contents()) clean{};
+    RunUnderFaults(
+        [] {}, load,
+        [&](FaultRun const &run) {
+            if (run.IsClean()) {
+                clean = contents();
+            } else if (run.succeeded) {
+                EXPECT_EQ(contents(), clean);
+            }
+        },
+        {Fault::kRead, Fault::kLseek});
+    return clean;
+}
+
 // ---- Checks ----
 
 using FaultBytes = std::vector<uint8_t>;

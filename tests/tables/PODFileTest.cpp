@@ -208,7 +208,11 @@ TEST_F(PODFileTest, HostileFilesAreRefused) {
     EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
     // A row the line buffer cannot hold would count yet never read: the
     // table is refused, in the middle or at the end, and says why.
-    auto line = [](uint32_t bytes) { return "1\t" + std::string(bytes - 2, 'z'); };
+    auto line = [](uint32_t bytes) { // "1", then "\tz" pairs: short cells, a long line
+        std::string text = "1";
+        while (text.size() < bytes) text += text.size() % 2 ? '\t' : 'z';
+        return text;
+    };
     uint32_t const most = CPODFile::kLineSize - 1;
     write(bytes + line(most - 1) + "\n" + line(most));
     ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
@@ -292,6 +296,124 @@ TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) 
     EXPECT_TRUE(pod.IsOpen());
     EXPECT_EQ(pod.nDPs(), 0u);
     EXPECT_EQ(pod.nParams(), 0u);
+}
+
+// A cell holds 255 characters: a longer one in the file cannot be read whole,
+// so it reads as no value (with a reason) rather than as another one, and a
+// save, which could only write it back changed, fails with the old file kept.
+TEST_F(PODFileTest, ACellTooLongToHoldIsNoValueAndBlocksTheSave) {
+    auto path = Path("longcell.txt");
+    std::string const longest(255, 'a'), tooLong(256, 'b');
+    std::string const text = "A B\r\nu u\r\nc c\r\n" + longest + " 1\r\n" + tooLong + " 2\r\n";
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << text;
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 2u);
+    EXPECT_EQ(Narrow(pod.GetValue(0, 0)), longest);
+    EXPECT_EQ(pod.GetValue(0, 1), nullptr);
+    EXPECT_EQ(Narrow(pod.GetError()), "A cell of the table is longer than 255 characters.");
+    EXPECT_EQ(pod.GetValue(1, 1), nullptr); // the row is read whole or not at all
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), text);
+
+    // Column names hold 127 characters: a longer one refuses the table.
+    for (size_t length : {127u, 128u}) {
+        std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+            << std::string(length, 'n') << " B\r\nu u\r\nc c\r\n1 2\r\n";
+        EXPECT_EQ(pod.Load(&qv::GetFileSystem(), path.c_str(), false), length == 127) << length;
+    }
+    EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is too long.");
+}
+
+// A row too long for the line buffer is refused on saving too: written, it
+// would make a table that no longer opens, and the reopen after the save
+// would drop the table from memory as well. The old file and the edits stay.
+TEST_F(PODFileTest, ASaveRefusesALineTheLoadCouldNotHold) {
+    auto path = Path("wide.pod");
+    {
+        CPODFile maker;
+        MakeTable(maker, 3, path);
+    }
+    std::string const before = Bytes(path);
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), true));
+    std::u16string const full(255, u'w'); // 32 such cells: 8,193 bytes with their tabs and CR LF
+    for (uint32_t col = 2; col < 32; ++col) ASSERT_EQ(pod.AddColumn(u"W", u"", u"", u""), col);
+    for (uint32_t col = 0; col < 32; ++col) ASSERT_TRUE(pod.PutValue(col, 1, full.c_str()));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetError()), "A line of the table is longer than the 8,192-byte line buffer.");
+    EXPECT_EQ(Bytes(path), before);
+    ASSERT_TRUE(pod.IsOpen());
+    EXPECT_EQ(Narrow(pod.GetValue(31, 1)), Narrow(full.c_str()));
+
+    // Two bytes less (8,191, the longest line held): saved, and it opens again.
+    ASSERT_TRUE(pod.PutValue(31, 1, full.substr(2).c_str()));
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    CPODFile again;
+    ASSERT_TRUE(again.Load(&qv::GetFileSystem(), path.c_str(), true));
+    EXPECT_EQ(Narrow(again.GetValue(31, 1)), Narrow(full.substr(2).c_str()));
+}
+
+// The first line of a plain text file counts its columns: one of 300 fields
+// (3,300 bytes) gives all 300, and the next save writes all of them back.
+TEST_F(PODFileTest, PlainTextWithALongFirstLineKeepsEveryColumn) {
+    constexpr uint32_t kColumns = 300;
+    std::string names, units, classes, row;
+    for (uint32_t c = 0; c < kColumns; ++c) {
+        std::string const sep = c ? "\t" : "";
+        names += sep + "column" + std::to_string(1000 + c);
+        units += sep + "u";
+        classes += sep + "k";
+        row += sep + std::to_string(c);
+    }
+    auto path = Path("wide.txt");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+        << names << "\r\n" << units << "\r\n" << classes << "\r\n" << row << "\r\n";
+    ASSERT_GT(names.size(), 2048u);
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nParams(), kColumns);
+    ASSERT_EQ(pod.nDPs(), 1u);
+    char16_t const *name = nullptr;
+    ASSERT_TRUE(pod.GetColumnInfo(kColumns - 1, &name, nullptr, nullptr, nullptr));
+    EXPECT_EQ(Narrow(name), "column1299");
+    EXPECT_EQ(Narrow(pod.GetValue(kColumns - 1, 0)), "299");
+
+    // A first line beyond the line buffer is refused, not cut.
+    auto huge = Path("huge.txt");
+    std::ofstream(std::string(huge.begin(), huge.end()), std::ios::binary)
+        << std::string(CPODFile::kLineSize, 'x') << " y\r\nu\r\nk\r\n1\r\n";
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), huge.c_str(), false));
+}
+
+// Loading under failing reads and seeks: a load either fails or gives the
+// table a clean load gives. A tagged table whose header read fails must not
+// come back as a plain text table of its header lines, and a header line cut
+// by a failed read must not make its rest a row.
+TEST_F(PODFileTest, FailingReadsNeverLoadAnotherTable) {
+    auto tagged = Path("tagged.pod");
+    auto plain = Path("plain.txt");
+    {
+        CPODFile maker;
+        MakeTable(maker, 5, tagged);
+    }
+    std::ofstream(std::string(plain.begin(), plain.end()), std::ios::binary)
+        << "Time Az\r\ns deg\r\nA B\r\n1 2\r\n3 4\r\n";
+    for (auto const &path : {tagged, plain}) {
+        auto describe = [](CPODFile &pod) {
+            std::string out = std::to_string(pod.nParams()) + "x" + std::to_string(pod.nDPs());
+            for (uint32_t c = 0; c < pod.nParams(); ++c) {
+                char16_t const *name = nullptr;
+                out += pod.GetColumnInfo(c, &name, nullptr, nullptr, nullptr) ? " " + Narrow(name) : " ?";
+                for (uint32_t r = 0; r < pod.nDPs(); ++r) out += "," + Narrow(pod.GetValue(c, r));
+            }
+            return out;
+        };
+        CPODFile pod;
+        std::string const clean = qv::test::ExpectWholeLoadOrFailure(
+            [&] { return pod.Load(&qv::GetFileSystem(), path.c_str(), false); }, [&] { return describe(pod); });
+        EXPECT_EQ(clean.substr(0, 3), path == tagged ? "2x5" : "2x2");
+    }
 }
 
 TEST_F(PODFileTest, ASourceChangedWhileOpenGivesNoCellsButAnErrorText) {
