@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "qv/calibration/CountLookUp.h"
 #include "qv/calibration/RCalFile.h"
 #include "qv/core/Array.h"
 #include "qv/core/CpuPath.h"
@@ -20,6 +21,7 @@
 namespace qv {
 
 using namespace numerics_detail;
+using namespace calibration_detail;
 
 namespace {
 
@@ -100,22 +102,6 @@ template <class C> void Extremes(STypedData counts, uint32_t n, int64_t &low, in
     low = lo;
     high = hi;
 }
-
-// Four 16-bit counts as their places in a table that starts at count low,
-// one 16-bit place each. Signed counts are first moved to unsigned order (sign
-// bit flipped), so that no lane's difference borrows from the next: every
-// count is at least low, and its place is below 65536.
-template <class C> struct SFourPlaces {
-    static constexpr uint64_t kOrder = std::is_signed_v<C> ? 0x8000800080008000u : 0;
-    static constexpr uint64_t kLanes = 0x0001000100010001u;
-    uint64_t first;
-    explicit SFourPlaces(int64_t low) : first((uint64_t(uint16_t(low)) ^ (kOrder & 0xffff)) * kLanes) {}
-    uint64_t operator()(void const *counts) const {
-        uint64_t four;
-        std::memcpy(&four, counts, sizeof four);
-        return (four ^ kOrder) - first;
-    }
-};
 
 // The table's entries at four packed places, stored together at out (which
 // may be unaligned).
@@ -232,11 +218,15 @@ struct CFrameTemperatures::SState {
         auto *bytes = static_cast<unsigned char *>(out.Data);
         int64_t const low = tableLow;
         size_t i = 0;
-        if constexpr (sizeof(C) == 2) i = LookUpPacked<C, O>(in, table, low, bytes, n);
+        if constexpr (sizeof(C) == 2) {
+            if (size_t(n) * sizeof(O) >= kStreamedBytes && cpu::CpuPath() >= cpu::CP_AVX512)
+                i = LookUpStreamed<C, O>(in, table, low, bytes, n);
+            if (i == 0) i = LookUpPacked<C, O>(in, table, low, bytes, n);
+        }
         // The rest, and other widths: nothing but loads and stores, unrolled.
 #pragma GCC unroll 8
         for (; i < n; ++i)
-            StoreElement<O>(bytes, i, table[size_t(int64_t(LoadElement<C>(in, i)) - low)]);
+            StoreElement<O>(bytes, i, EntryOf<C>(in, i, table, low));
     }
 
     template <class C> void ConvertCounts(STypedData counts, STypedData out, uint32_t n) {

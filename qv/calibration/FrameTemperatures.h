@@ -20,6 +20,9 @@
 ///    within 1e-12 relative of the per-value road (it sums powers).
 /// Keep one object per page and reuse it frame after frame: the table is what
 /// makes frames cheap, and it is built from the counts it first meets.
+/// An output of a megabyte or more from 16-bit counts is written past the
+/// CPU caches where the CPU has AVX-512, as a frame that large would not stay
+/// cached anyway; the values are the same.
 ///
 /// Ownership: SetPage copies the page's coefficients; later changes to the
 /// calibration reach the object only through another SetPage. The caller owns

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -99,6 +100,45 @@ TEST(FrameTemperatures, SixteenBitCountsOnEveryPath) {
         ExpectBitIdentical<uint16_t, float>(p, Spread<uint16_t>(0, 1, 7), DT_UInt16, TT_Celsius);
     }
     cpu::LimitCpuPath(cpu::BestCpuPath());
+}
+
+// Frames of a megabyte of output and more go through a kernel of their own
+// where the CPU has one; outputs at byte offsets, which it takes element by
+// element up to a line boundary or leaves wholly to the plain loop, and a
+// ragged end.
+template <class C, class O> void ExpectLargeFrameBitIdentical(CalibratedPage &p, int64_t from, size_t offset) {
+    std::vector<C> const distinct = Spread<C>(from, 1, 3001);
+    std::vector<O> want;
+    for (C c : distinct)
+        want.push_back(PerValue<O>(p.cal, p.page, double(c), TT_Celsius));
+    size_t const n = (size_t(1) << 20) / sizeof(O) + 13;
+    std::vector<C> counts(n);
+    for (size_t i = 0; i < n; ++i)
+        counts[i] = distinct[i % distinct.size()];
+    std::vector<unsigned char> out(n * sizeof(O) + offset);
+    CFrameTemperatures frame;
+    ASSERT_TRUE(frame.SetPage(p.cal, p.page));
+    ASSERT_TRUE(frame.Convert({counts.data(), std::is_signed_v<C> ? DT_Int16 : DT_UInt16},
+                              {out.data() + offset, kOut<O>}, uint32_t(n)));
+    for (size_t i = 0; i < n; ++i)
+        ASSERT_EQ(std::memcmp(out.data() + offset + i * sizeof(O), &want[i % want.size()], sizeof(O)), 0)
+            << "output " << i << " at offset " << offset;
+}
+
+TEST(FrameTemperatures, LargeFramesOnEveryPath) {
+    CalibratedPage p;
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        ExpectLargeFrameBitIdentical<uint16_t, float>(p, 1500, 0);
+        ExpectLargeFrameBitIdentical<int16_t, double>(p, -1500, 0);
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
+    for (size_t offset : {size_t(1), size_t(12), size_t(40)}) {
+        ExpectLargeFrameBitIdentical<uint16_t, float>(p, 1500, offset);
+        ExpectLargeFrameBitIdentical<int16_t, float>(p, -1500, offset);
+        ExpectLargeFrameBitIdentical<uint16_t, double>(p, 1500, offset);
+        ExpectLargeFrameBitIdentical<int16_t, double>(p, -1500, offset);
+    }
 }
 
 // Buffers at odd addresses give the same values as aligned ones.
