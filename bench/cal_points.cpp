@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include "PairedTiming.h"
@@ -50,8 +51,10 @@ void AddManyPoints(benchmark::State &state) {
     for (int i = 0; i <= 200; ++i)
         reference.x.push_back(3.0 + 0.01 * i);
     double sink = 0;
+    std::string const work =
+        "AddAll of " + std::to_string(n) + " points with one refit, vs a sort and a fit of the same points";
     bench::RunPaired(
-        state, {"AddAll of n points with one refit, vs a sort and a fit of the same points", 1.0}, n,
+        state, {work.c_str(), 1.0}, n,
         [&] {
             qv::CRCalFile cal;
             cal.SetSpectralResponseTophat(3.0, 5.0, 0.01);
