@@ -71,7 +71,25 @@ void CThreadQueue::Close() {
 
 // Most queues are never watched by an outside loop: they skip the call.
 void CThreadQueue::Changed() {
-    if (signal.IsOpen()) signal.SetPending(!incoming.empty() || !posted.Empty() || quit);
+    bool const sending = !incoming.empty();
+    if (sendWaiting.load(std::memory_order_relaxed) != sending) sendWaiting.store(sending, std::memory_order_release);
+    if (signal.IsOpen()) signal.SetPending(sending || !posted.Empty() || !taken.Empty() || quit);
+}
+
+// Under the mutex, by the owner: once the taken part has run dry, every
+// posted message moves over to it in one swap.
+bool CThreadQueue::TakeOverPosted() {
+    std::lock_guard<std::mutex> takenLock(takenMutex);
+    if (taken.Empty()) std::swap(taken, posted);
+    return !taken.Empty();
+}
+
+bool CThreadQueue::HandOutTaken(SMessage &msg, bool remove) {
+    std::lock_guard<std::mutex> takenLock(takenMutex);
+    if (taken.Empty()) return false;
+    msg = taken.Front();
+    if (remove) taken.PopFront();
+    return true;
 }
 
 void CThreadQueue::WakeOwner() {
@@ -192,7 +210,12 @@ void CThreadQueue::Forget(CMessageWindow *window) {
     std::vector<SSent *> released;
     {
         Lock lock(mutex);
-        posted.RemoveIf([window](SMessage const &msg) { return msg.window == window; });
+        auto const toWindow = [window](SMessage const &msg) { return msg.window == window; };
+        {
+            std::lock_guard<std::mutex> takenLock(takenMutex);
+            taken.RemoveIf(toWindow);
+        }
+        posted.RemoveIf(toWindow);
         for (auto it = incoming.begin(); it != incoming.end();) {
             if ((*it)->window != window) {
                 ++it;
@@ -208,29 +231,37 @@ void CThreadQueue::Forget(CMessageWindow *window) {
 
 std::vector<SMessage> CThreadQueue::TakePosted(CMessageWindow *window, bool (*match)(SMessage const &, void *),
                                                void *context) {
-    std::vector<SMessage> taken;
-    Lock lock(mutex);
+    std::vector<SMessage> found;
     bool full = false;
-    posted.RemoveIf([&](SMessage const &msg) {
+    auto const take = [&](SMessage const &msg) {
         if (full || msg.window != window || !match(msg, context)) return false;
         try {
-            taken.push_back(msg);
+            found.push_back(msg);
         } catch (std::bad_alloc const &) {
             full = true;
         }
         return !full;
-    });
+    };
+    Lock lock(mutex);
+    {
+        std::lock_guard<std::mutex> takenLock(takenMutex);
+        taken.RemoveIf(take);
+    }
+    posted.RemoveIf(take);
     Changed();
-    return taken;
+    return found;
 }
 
+// Messages already taken over go out without the mutex unless a send waits
+// (sends come first) or an outside loop watches the descriptor.
 bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
+    bool const remove = (flags & kPeekRemove) != 0;
+    bool const postedToo = !(flags & kPeekSentOnly);
+    if (postedToo && !signal.IsOpen() && !sendWaiting.load(std::memory_order_acquire) && HandOutTaken(msg, remove))
+        return true;
     Lock lock(mutex);
     ServeSent(lock);
-    bool const remove = (flags & kPeekRemove) != 0;
-    if (!(flags & kPeekSentOnly) && !posted.Empty()) {
-        msg = posted.Front();
-        if (remove) posted.PopFront();
+    if (postedToo && TakeOverPosted() && HandOutTaken(msg, remove)) {
         Changed();
         return true;
     }
@@ -255,7 +286,7 @@ bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
 bool CThreadQueue::HasInput(uint32_t wakeMask, Clock::time_point now) const {
     if (!incoming.empty() || quit) return true;
     if (wakeMask != kWakeAll) return false;
-    return !posted.Empty() ||
+    return !posted.Empty() || !taken.Empty() ||
            std::any_of(timers.begin(), timers.end(), [now](STimer const &timer) { return timer.due <= now; });
 }
 

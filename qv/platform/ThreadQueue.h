@@ -15,8 +15,17 @@
 // Only the owning thread ever sleeps on a queue (in Wait, or awaiting the
 // reply to a send), so a post wakes it only when it sleeps, and posting to a
 // busy thread costs one lock and no system call.
+//
+// The owner takes posted messages over in one step (all that wait), then
+// hands them out one by one under a second lock that posters never take: a
+// stream of posts from another processor then meets the owner on the queue's
+// mutex once a batch instead of once a message. TakePosted and Forget search
+// both parts (queue's mutex first, then the taken part's). A queue watched
+// through Fd hands out under the queue's mutex, so the descriptor's level is
+// set with every message taken.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -92,11 +101,14 @@ private:
     static void Serve(SSent *sent);
     static void Complete(SSent *sent, intptr_t result);
     static void CompleteAll(std::vector<SSent *> const &sent);
+    // The owner, with or without the mutex.
+    bool HandOutTaken(SMessage &msg, bool remove);
     // Under the mutex.
     bool HasInput(uint32_t wakeMask, Clock::time_point now) const;
     STimer *DueTimer(Clock::time_point now);
     std::optional<Clock::time_point> NextTimerDue() const;
     void Changed();
+    bool TakeOverPosted();
     void WakeOwner();
     void Sleep(Lock &lock, Clock::time_point until);
     void Rearm();
@@ -109,12 +121,21 @@ private:
     bool ownerSleeping = false;
     bool quit = false;
     bool poked = false;
-    CQueueSignal signal;
     uint32_t const threadId;
     int32_t quitCode = 0;
     std::condition_variable changed;
     std::deque<SSent *> incoming;
     std::vector<STimer> timers;
+
+    // What the owner reads on every message without the mutex, apart from
+    // what posts write. sendWaiting mirrors !incoming.empty() and is written
+    // only when that changes.
+    alignas(64) std::atomic<bool> sendWaiting{false};
+    CQueueSignal signal;
+
+    // Posted messages that the owner took over, older than all in posted.
+    alignas(64) std::mutex takenMutex;
+    CMessageRing taken;
 };
 
 } // namespace qv

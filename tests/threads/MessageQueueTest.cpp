@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <future>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -121,6 +122,47 @@ TEST(MessageQueue, TakePostedLeavesTheOthersInOrder) {
         }
         EXPECT_EQ(other.seen[i], 0x2000 + i);
     }
+}
+
+// The first peek takes every posted message over from the posters' side at
+// once; what it took still counts as posted: a send overtakes it, TakePosted
+// and a window's end reach it, and an outside loop still sees it waiting.
+TEST(MessageQueue, MessagesTakenOverStayPosted) {
+    Recorder recorder, other;
+    CMessageWindow window(&recorder), kept(&other);
+    auto brief = std::make_unique<CMessageWindow>(&recorder);
+    for (uint32_t i = 0; i < 6; ++i)
+        ASSERT_TRUE(window.Post(0x1000 + i, i % 2, 0));
+    ASSERT_TRUE(brief->Post(0x3000, 0, 0));
+    ASSERT_TRUE(kept.Post(0x2000, 0, 0));
+    SMessage msg;
+    ASSERT_EQ(GetQueuedMessage(msg), 1);
+    DispatchQueuedMessage(msg);
+    ASSERT_TRUE(window.Post(0x1006, 1, 0));
+    brief.reset();
+
+    std::vector<SMessage> const taken =
+        window.TakePosted([](SMessage const &msg, void *) { return msg.wParam == 1; }, nullptr);
+    std::vector<uint32_t> takenNumbers;
+    for (SMessage const &one : taken)
+        takenNumbers.push_back(one.message);
+    EXPECT_EQ(takenNumbers, (std::vector<uint32_t>{0x1001, 0x1003, 0x1005, 0x1006})) << "oldest first, across both parts";
+
+    auto sender = test::Detached<intptr_t>([&] { return window.Send(0x900, 0, 0); });
+    EXPECT_EQ(WaitForObjectOrMessage(nullptr, kLimitMs, kWakeSent), EWakeReason::Message);
+    ASSERT_EQ(GetQueuedMessage(msg), 1);
+    ASSERT_TRUE(test::Finishes(sender));
+    EXPECT_EQ(msg.message, 0x1002u);
+    DispatchQueuedMessage(msg);
+    EXPECT_EQ(recorder.seen, (std::vector<uint32_t>{0x1000, 0x900, 0x1002}));
+
+    int const fd = GetMessageQueueFd();
+    ASSERT_GE(fd, 0);
+    EXPECT_TRUE(Readable(fd, 0)) << "messages taken over still wait";
+    EXPECT_TRUE(PumpMessages());
+    EXPECT_EQ(recorder.seen, (std::vector<uint32_t>{0x1000, 0x900, 0x1002, 0x1004}));
+    EXPECT_EQ(other.seen, std::vector<uint32_t>{0x2000});
+    EXPECT_FALSE(Readable(fd, 0));
 }
 
 // Two posters and a worker that sleeps whenever it runs dry: every message
