@@ -1,6 +1,7 @@
 // CsqliteStore: the settings tree as rows of the table nodes.
 #include "qv/config/SqliteStore.h"
 
+#include <climits>
 #include <sqlite3.h>
 #include <string>
 
@@ -49,8 +50,16 @@ private:
     sqlite3_stmt *statement;
 };
 
-void BindText(sqlite3_stmt *statement, int index, std::string const &text) {
-    sqlite3_bind_text(statement, index, text.data(), int(text.size()), SQLITE_TRANSIENT);
+// False when the bind fails (no memory, text over the length limit): a
+// statement run then would see NULL in that parameter. A size that does not
+// fit an int is refused before sqlite would take it as negative.
+bool BindText(sqlite3_stmt *statement, int index, std::string const &text) {
+    return text.size() <= size_t(INT_MAX) &&
+           sqlite3_bind_text(statement, index, text.data(), int(text.size()), SQLITE_TRANSIENT) == SQLITE_OK;
+}
+
+bool BindInteger(sqlite3_stmt *statement, int index, int64_t number) {
+    return sqlite3_bind_int64(statement, index, number) == SQLITE_OK;
 }
 
 // The value a double has after the "%.14e" text that the table keeps.
@@ -68,21 +77,18 @@ struct CsqliteStore::SValue {
     int64_t integer = 0;
     std::string text;
 
-    void Bind(sqlite3_stmt *statement, int index) const {
+    // False when the bind fails, as BindText.
+    bool Bind(sqlite3_stmt *statement, int index) const {
         switch (type) {
         case Double:
-            sqlite3_bind_double(statement, index, number);
-            break;
+            return sqlite3_bind_double(statement, index, number) == SQLITE_OK;
         case DWord:
         case Long:
-            sqlite3_bind_int64(statement, index, integer);
-            break;
+            return BindInteger(statement, index, integer);
         case String:
-            BindText(statement, index, text);
-            break;
+            return BindText(statement, index, text);
         default:
-            sqlite3_bind_null(statement, index);
-            break;
+            return sqlite3_bind_null(statement, index) == SQLITE_OK;
         }
     }
 
@@ -115,6 +121,12 @@ void CsqliteStore::SetBusyLimit(uint32_t milliseconds) {
         sqlite3_busy_timeout(db, busyLimit == kInfinite ? INT32_MAX : int(std::min<uint32_t>(busyLimit, INT32_MAX)));
 }
 
+void CsqliteStore::SetLengthLimit(uint32_t bytes) {
+    lengthLimit = bytes;
+    // sqlite holds the limit below its own ceiling.
+    if (db) sqlite3_limit(db, SQLITE_LIMIT_LENGTH, int(std::min<uint32_t>(lengthLimit, INT32_MAX)));
+}
+
 bool CsqliteStore::Open(char16_t const *path) {
     Close();
     if (!path) return false;
@@ -123,14 +135,14 @@ bool CsqliteStore::Open(char16_t const *path) {
         return false;
     }
     SetBusyLimit(busyLimit);
+    SetLengthLimit(lengthLimit);
     bool ready = Execute(kCreateTable);
     if (ready) {
         sqlite3_stmt *select = Statement(SelectId);
         CStatementUse use(select);
-        if (!select)
+        if (!select || sqlite3_bind_text(select, 1, "/", 1, SQLITE_STATIC) != SQLITE_OK)
             ready = false;
         else {
-            sqlite3_bind_text(select, 1, "/", 1, SQLITE_STATIC);
             int step = sqlite3_step(select);
             if (step == SQLITE_DONE)
                 ready = Execute(kInsertRoot);
@@ -200,7 +212,7 @@ int32_t CsqliteStore::GetType(char16_t const *path) {
     if (!select) return None;
     CStatementUse use(select);
     CString key = path::RemoveTrailingSlash(ExpandPath(path));
-    BindText(select, 1, key.IsEmpty() ? std::string("/") : Utf8(key));
+    if (!BindText(select, 1, key.IsEmpty() ? std::string("/") : Utf8(key))) return None;
     return sqlite3_step(select) == SQLITE_ROW ? sqlite3_column_int(select, 0) : int32_t(None);
 }
 
@@ -224,7 +236,7 @@ int64_t CsqliteStore::ParentOf(CString const &path, int depth) {
     int64_t id = 0;
     {
         CStatementUse use(select);
-        BindText(select, 1, Utf8(directory));
+        if (!BindText(select, 1, Utf8(directory))) return 0;
         int step = sqlite3_step(select);
         if (step == SQLITE_ROW)
             id = sqlite3_column_int64(select, 0);
@@ -253,12 +265,9 @@ bool CsqliteStore::InsertRow(CString const &path, int64_t parent, SValue const &
     sqlite3_stmt *insert = Statement(Insert);
     if (!insert) return false;
     CStatementUse use(insert);
-    BindText(insert, 1, Utf8(path::GetFilename(path)));
-    BindText(insert, 2, Utf8(path));
-    sqlite3_bind_int64(insert, 3, parent);
-    sqlite3_bind_int(insert, 4, value.type);
-    value.Bind(insert, 5);
-    return sqlite3_step(insert) == SQLITE_DONE;
+    bool bound = BindText(insert, 1, Utf8(path::GetFilename(path))) && BindText(insert, 2, Utf8(path)) &&
+                 BindInteger(insert, 3, parent) && BindInteger(insert, 4, value.type) && value.Bind(insert, 5);
+    return bound && sqlite3_step(insert) == SQLITE_DONE;
 }
 
 bool CsqliteStore::Write(CString const &path, SValue const &value) {
@@ -268,9 +277,8 @@ bool CsqliteStore::Write(CString const &path, SValue const &value) {
     bool written = false;
     if (update) {
         CStatementUse use(update);
-        value.Bind(update, 1);
-        BindText(update, 2, Utf8(path));
-        written = sqlite3_step(update) == SQLITE_DONE;
+        bool bound = value.Bind(update, 1) && BindText(update, 2, Utf8(path));
+        written = bound && sqlite3_step(update) == SQLITE_DONE;
     }
     if (written && sqlite3_changes(db) == 0) written = InsertNew(path, value);
     return Finish(own, written);
@@ -290,22 +298,26 @@ bool CsqliteStore::Finish(bool own, bool done) {
 }
 
 void CsqliteStore::ReadOrStore(CString const &path, SValue &value) {
-    if (Read(path, value)) return;
+    if (Read(path, value) != Missing) return;
     bool own = !locked;
     if (own && !Lock()) return;
     // Another process may have made the key since the first look.
-    Finish(own, Read(path, value) || InsertNew(path, value));
+    ERead again = Read(path, value);
+    Finish(own, again == Found || (again == Missing && InsertNew(path, value)));
 }
 
-// The row's value into value (typed as asked); false when there is no row.
-bool CsqliteStore::Read(CString const &path, SValue &value) {
+// The row's value into value (typed as asked), or why there is none; a
+// path that cannot be bound fails rather than reading as missing.
+CsqliteStore::ERead CsqliteStore::Read(CString const &path, SValue &value) {
     sqlite3_stmt *select = Statement(SelectValue);
-    if (!select) return false;
+    if (!select) return Failed;
     CStatementUse use(select);
-    BindText(select, 1, Utf8(path));
-    if (sqlite3_step(select) != SQLITE_ROW) return false;
+    if (!BindText(select, 1, Utf8(path))) return Failed;
+    int step = sqlite3_step(select);
+    if (step == SQLITE_DONE) return Missing;
+    if (step != SQLITE_ROW) return Failed;
     value.Take(select, 0);
-    return true;
+    return Found;
 }
 
 double CsqliteStore::GetDouble(char16_t const *name, double defaultValue) {
@@ -378,7 +390,7 @@ bool CsqliteStore::list(TArray<CString> &names, char16_t const *path) {
     CStatementUse use(select);
     CString parent = ExpandPath(path);
     if (parent.GetLength() > 1) parent = path::RemoveTrailingSlash(parent);
-    BindText(select, 1, Utf8(parent));
+    if (!BindText(select, 1, Utf8(parent))) return false;
     int step;
     while ((step = sqlite3_step(select)) == SQLITE_ROW) {
         auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(select, 0));

@@ -35,7 +35,11 @@
 ///
 /// Failures: Open gives false when the file cannot be opened or is not an
 /// SQLite database (or stays locked past the busy limit); the store is then
-/// closed. A closed store gives defaults and false. No message is kept.
+/// closed. A closed store gives defaults and false. A key or value that
+/// cannot be handed to SQLite (longer than the length limit, SetLengthLimit,
+/// or no memory) fails the operation whole: a write gives false and leaves
+/// the stored row as it was, a read gives its default and stores nothing,
+/// GetType gives None and list false. No message is kept.
 ///
 /// Threads: a store belongs to one thread at a time (the lock flag has no
 /// guard); other stores, also in other processes, may use the same file.
@@ -92,6 +96,13 @@ public:
     bool IsLocked() const { return locked; } ///< Whether a Lock transaction is open.
     /// Milliseconds that Lock, Unlock and statements wait for a busy database.
     void SetBusyLimit(uint32_t milliseconds);
+    /// The longest key, value or row in bytes of UTF-8 this store hands to or
+    /// takes from SQLite (kept across Open); longer ones fail as described
+    /// above, and a stored value over it reads as the default. It bounds what
+    /// a shared file can make a read allocate. It covers SQLite's own schema
+    /// rows too, so under about 200 bytes Open fails. By default, and at
+    /// most, SQLite's own ceiling.
+    void SetLengthLimit(uint32_t bytes);
 
     /// The EType of path's row; None when it is missing or the query fails.
     int32_t GetType(char16_t const *path);
@@ -114,14 +125,15 @@ public:
 
 private:
     enum EStatement { SelectType, SelectId, SelectValue, Insert, Update, ListNames, StatementCount };
-    struct SValue; ///< a typed value to bind
+    enum ERead { Found, Missing, Failed }; ///< what a look for a row found
+    struct SValue;                         ///< a typed value to bind
 
     sqlite3_stmt *Statement(EStatement which);
     bool Execute(char const *sql);
     bool RetryWhileBusy(char const *sql);
     int64_t ParentOf(CString const &path, int depth);
     bool Write(CString const &path, SValue const &value);
-    bool Read(CString const &path, SValue &value);
+    ERead Read(CString const &path, SValue &value);
     void ReadOrStore(CString const &path, SValue &value);
     bool InsertNew(CString const &path, SValue const &value);
     bool InsertRow(CString const &path, int64_t parent, SValue const &value);
@@ -132,6 +144,7 @@ private:
     sqlite3 *db = nullptr;
     bool locked = false;
     uint32_t busyLimit = 30000;
+    uint32_t lengthLimit = UINT32_MAX; ///< SQLite keeps it below its ceiling
     sqlite3_stmt *statements[StatementCount] = {};
     CString cachedDirectory; ///< the last directory row found in this transaction
     int64_t cachedParent = 0;

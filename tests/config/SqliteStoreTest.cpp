@@ -106,6 +106,65 @@ TEST_F(SqliteStore, ReopeningKeepsEverything) {
     EXPECT_EQ(again.GetLong(u"/batch/k99", -1), 99);
 }
 
+// Texts over the length limit cannot be bound: every operation on them fails
+// whole, and none of them runs with NULL in place of the text.
+TEST_F(SqliteStore, TextsOverTheLengthLimitFailWhole) {
+    ASSERT_TRUE(store.SetString(u"/kept", u"old"));
+    store.SetLengthLimit(256);
+    CString longValue(std::u16string(300, u'v').c_str());
+    CString longKey((u"/" + std::u16string(300, u'k')).c_str());
+    CString longDirectoryKey((u"/" + std::u16string(300, u'd') + u"/leaf").c_str());
+    EXPECT_FALSE(store.SetString(u"/kept", longValue));
+    EXPECT_EQ(Utf8(store.GetString(u"/kept", u"dflt")), "old") << "the stored value stays";
+    EXPECT_FALSE(store.SetString(u"/fresh/new", longValue));
+    EXPECT_EQ(store.GetType(u"/fresh/new"), CsqliteStore::None);
+    EXPECT_EQ(store.GetType(u"/fresh"), CsqliteStore::None) << "no directory row either";
+    EXPECT_EQ(Utf8(store.GetString(longKey, u"dflt")), "dflt");
+    EXPECT_EQ(store.GetLong(longKey, 3), 3);
+    EXPECT_FALSE(store.SetLong(longKey, 4));
+    EXPECT_EQ(store.GetType(longKey), CsqliteStore::None);
+    EXPECT_FALSE(store.isLeaf(longKey));
+    EXPECT_FALSE(store.isEntry(longKey));
+    EXPECT_EQ(Utf8(store.GetString(longDirectoryKey, u"dflt")), "dflt");
+    EXPECT_FALSE(store.SetDouble(longDirectoryKey, 1.5));
+    EXPECT_EQ(store.GetParent(longDirectoryKey), 0);
+    TArray<CString> names;
+    EXPECT_FALSE(store.list(names, longKey));
+    EXPECT_EQ(names.GetSize(), 0u);
+    // Inside a Lock the failures leave the transaction usable.
+    ASSERT_TRUE(store.Lock());
+    EXPECT_FALSE(store.SetString(u"/kept", longValue));
+    EXPECT_EQ(Utf8(store.GetString(longDirectoryKey, u"dflt")), "dflt");
+    EXPECT_TRUE(store.SetString(u"/locked", u"in the lock"));
+    EXPECT_TRUE(store.Unlock());
+    EXPECT_TRUE(store.SetString(u"/after", u"fine"));
+    EXPECT_EQ(Utf8(store.GetString(u"/after", u"dflt")), "fine");
+    EXPECT_EQ(Utf8(store.GetString(u"/locked", u"dflt")), "in the lock");
+    EXPECT_EQ(Utf8(store.GetString(u"/kept", u"dflt")), "old");
+    if (!HaveShell()) GTEST_SKIP() << "no sqlite3 shell";
+    EXPECT_EQ(Shell(dir.Path("s.db"), "SELECT count(*) FROM nodes WHERE name IS NULL OR path IS NULL OR "
+                                      "(type != 0 AND value IS NULL);"),
+              "0\n");
+    EXPECT_EQ(Rows(), "1||/|0|0|NULL\n"
+                      "2|kept|/kept|1|10|'old'\n"
+                      "3|locked|/locked|1|10|'in the lock'\n"
+                      "4|after|/after|1|10|'fine'\n");
+}
+
+TEST_F(SqliteStore, TheLengthLimitOutlivesReopeningAndCanBeRaised) {
+    CString longValue(std::u16string(300, u'v').c_str());
+    store.SetLengthLimit(64);
+    EXPECT_FALSE(store.Open(dir.Text("s.db"))) << "the table's own schema row is longer";
+    store.SetLengthLimit(256);
+    ASSERT_TRUE(store.Open(dir.Text("s.db")));
+    EXPECT_FALSE(store.SetString(u"/long", longValue));
+    store.SetLengthLimit(UINT32_MAX);
+    EXPECT_TRUE(store.SetString(u"/long", longValue));
+    EXPECT_EQ(Utf8(store.GetString(u"/long", u"")), Utf8(longValue));
+    store.SetLengthLimit(256);
+    EXPECT_EQ(Utf8(store.GetString(u"/long", u"dflt")), "dflt") << "a stored text over the limit is not read";
+}
+
 TEST(SqliteStoreHostile, AFileThatIsNotADatabaseDoesNotOpen) {
     ScratchDir dir;
     std::ofstream(dir.Path("junk.db"), std::ios::binary) << std::string(4096, '\x5A');
