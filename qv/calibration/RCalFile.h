@@ -251,7 +251,8 @@ public:
     /// are copied.
     bool AddBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
     /// Copies the image of that size into values (width * height; missing
-    /// stored values read 0); false if none.
+    /// stored values read 0); false if none, or if width * height passes
+    /// 32 bits (a key only a file can hold).
     bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
     bool HasBackgroundFile(int page, uint32_t width, uint32_t height);    ///< an image of that size exists
     bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); ///< true also if none
