@@ -217,7 +217,8 @@ public:
 
     int GetLookupSize(int page); ///< -1 when page is above the count
     /// Copies the page's lookup into the caller's buffers of GetLookupSize
-    /// values; a null buffer is skipped. False for a page above the count.
+    /// values (never more: a longer LookupTemperature is cut there); a null
+    /// buffer is skipped. False for a page above the count.
     bool GetLookup(int page, double *radiance, double *temperature);
     /// Rebuilds the lookup of a page (-1: all) and refits the temperature
     /// polynomial on it.
