@@ -3,6 +3,7 @@
 #include "qv/calibration/FrameTemperatures.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -32,6 +33,12 @@ constexpr uint32_t kWorkBlock = 256;
 bool IsScale(ETempType t) { return t >= TT_Celsius && t <= TT_Rankine; }
 
 bool IsTemperatureType(EDataType t) { return t == DT_Float || t == DT_Double; }
+
+bool AllFinite(TArray<double> const &c) {
+    for (uint32_t i = 0; i < c.GetSize(); ++i)
+        if (!std::isfinite(c.GetAt(i))) return false;
+    return true;
+}
 
 template <class T> constexpr bool kIsCount = std::is_integral_v<T>;
 
@@ -258,6 +265,9 @@ bool CFrameTemperatures::SetPage(CRCalFile &cal, int page, ETempType scale) {
     auto state = std::unique_ptr<SState>(new (std::nothrow) SState);
     if (!state) return false;
     if (!cal.GetCoefficients(page, state->radiance) || !cal.GetTempCoefficients(page, state->temperature)) return false;
+    // A fit over NaN radiances (a filter table holding NaN, say) leaves
+    // coefficients that are no number: every temperature would be NaN.
+    if (!AllFinite(state->radiance) || !AllFinite(state->temperature)) return false;
     state->scale = scale;
     m_state = std::move(state);
     return true;
