@@ -3,7 +3,6 @@
 #include "qv/calibration/FrameTemperatures.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -12,6 +11,7 @@
 
 #include "qv/calibration/CountLookUp.h"
 #include "qv/calibration/RCalFile.h"
+#include "qv/calibration/RCalStream.h"
 #include "qv/core/Array.h"
 #include "qv/core/CpuPath.h"
 #include "qv/numerics/Curve.h"
@@ -33,12 +33,6 @@ constexpr uint32_t kWorkBlock = 256;
 bool IsScale(ETempType t) { return t >= TT_Celsius && t <= TT_Rankine; }
 
 bool IsTemperatureType(EDataType t) { return t == DT_Float || t == DT_Double; }
-
-bool AllFinite(TArray<double> const &c) {
-    for (uint32_t i = 0; i < c.GetSize(); ++i)
-        if (!std::isfinite(c.GetAt(i))) return false;
-    return true;
-}
 
 template <class T> constexpr bool kIsCount = std::is_integral_v<T>;
 
