@@ -70,11 +70,14 @@ bool CRCalFile::AddBackgroundFile(int page, uint32_t width, uint32_t height, dou
 bool CRCalFile::GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values) {
     CAL_PAGE *p = ReachPage(page);
     BACKGROUND_FILE *image = p ? FindBackgroundFile(*p, width, height) : nullptr;
-    if (!image || !values) return false;
+    // A key from a file may name more values than any image can hold (32-bit
+    // product wrapped): no caller's buffer is that size, so none is written.
+    uint64_t n = uint64_t(width) * height;
+    if (!image || !values || n > UINT32_MAX) return false;
     // Width * Height values; a stored image may hold fewer (read from a
     // file), the rest of the caller's buffer then reads 0.
-    uint32_t n = width * height, have = image->Values.GetSize();
-    for (uint32_t i = 0; i < n; ++i)
+    uint32_t have = image->Values.GetSize();
+    for (uint32_t i = 0; i < uint32_t(n); ++i)
         values[i] = i < have ? image->Values.GetAt(i) : 0;
     return true;
 }

@@ -1,4 +1,5 @@
 // Reading a page's lookup, and the stored TP factor.
+#include <algorithm>
 #include <cstring>
 
 #include "qv/calibration/RCalFile.h"
@@ -13,10 +14,13 @@ int CRCalFile::GetLookupSize(int page) {
 bool CRCalFile::GetLookup(int page, double *radiance, double *temperature) {
     CAL_PAGE *p = ReachPage(page);
     if (!p) return false;
-    if (radiance && p->LookupRadiance.GetSize())
-        std::memcpy(radiance, p->LookupRadiance.GetData(), p->LookupRadiance.GetSize() * sizeof(double));
-    if (temperature && p->LookupTemperature.GetSize())
-        std::memcpy(temperature, p->LookupTemperature.GetData(), p->LookupTemperature.GetSize() * sizeof(double));
+    // The caller's buffers hold GetLookupSize values; the two arrays are
+    // public and a failed rebuild can leave them of different lengths.
+    uint32_t n = p->LookupRadiance.GetSize();
+    if (radiance && n) std::memcpy(radiance, p->LookupRadiance.GetData(), n * sizeof(double));
+    uint32_t temperatures = std::min(n, p->LookupTemperature.GetSize());
+    if (temperature && temperatures)
+        std::memcpy(temperature, p->LookupTemperature.GetData(), temperatures * sizeof(double));
     return true;
 }
 

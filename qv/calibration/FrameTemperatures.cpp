@@ -11,6 +11,7 @@
 
 #include "qv/calibration/CountLookUp.h"
 #include "qv/calibration/RCalFile.h"
+#include "qv/calibration/RCalStream.h"
 #include "qv/core/Array.h"
 #include "qv/core/CpuPath.h"
 #include "qv/numerics/Curve.h"
@@ -258,6 +259,9 @@ bool CFrameTemperatures::SetPage(CRCalFile &cal, int page, ETempType scale) {
     auto state = std::unique_ptr<SState>(new (std::nothrow) SState);
     if (!state) return false;
     if (!cal.GetCoefficients(page, state->radiance) || !cal.GetTempCoefficients(page, state->temperature)) return false;
+    // A fit over NaN radiances (a filter table holding NaN, say) leaves
+    // coefficients that are no number: every temperature would be NaN.
+    if (!AllFinite(state->radiance) || !AllFinite(state->temperature)) return false;
     state->scale = scale;
     m_state = std::move(state);
     return true;

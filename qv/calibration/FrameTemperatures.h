@@ -27,7 +27,8 @@
 /// Ownership: SetPage copies the page's coefficients; later changes to the
 /// calibration reach the object only through another SetPage. The caller owns
 /// both buffers of Convert, which may not overlap.
-/// Failures: SetPage gives false for a page out of range (the object is then
+/// Failures: SetPage gives false for a page out of range or one whose
+/// polynomials hold a coefficient that is not finite (the object is then
 /// empty); Convert gives false, writing nothing, when no page is set, when the
 /// counts have no arithmetic (7, DT_Packed, DT_Unknown) or when the output is
 /// not DT_Float or DT_Double. Nothing throws; the table may fail to grow, and
@@ -61,7 +62,8 @@ public:
     CFrameTemperatures &operator=(CFrameTemperatures const &) = delete;
 
     /// Takes page's two polynomials and the output scale; drops any table.
-    /// False for a page outside 0..count-1 or a scale outside 0..3.
+    /// False for a page outside 0..count-1, a coefficient that is not finite
+    /// or a scale outside 0..3.
     bool SetPage(CRCalFile &cal, int page, ETempType scale = TT_Celsius);
     /// temperatures[i] for counts[i], i in 0..n-1; true when written.
     bool Convert(STypedData counts, STypedData temperatures, uint32_t n);

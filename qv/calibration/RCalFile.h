@@ -217,7 +217,8 @@ public:
 
     int GetLookupSize(int page); ///< -1 when page is above the count
     /// Copies the page's lookup into the caller's buffers of GetLookupSize
-    /// values; a null buffer is skipped. False for a page above the count.
+    /// values (never more: a longer LookupTemperature is cut there); a null
+    /// buffer is skipped. False for a page above the count.
     bool GetLookup(int page, double *radiance, double *temperature);
     /// Rebuilds the lookup of a page (-1: all) and refits the temperature
     /// polynomial on it.
@@ -251,7 +252,8 @@ public:
     /// are copied.
     bool AddBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
     /// Copies the image of that size into values (width * height; missing
-    /// stored values read 0); false if none.
+    /// stored values read 0); false if none, or if width * height passes
+    /// 32 bits (a key only a file can hold).
     bool GetBackgroundFile(int page, uint32_t width, uint32_t height, double *values);
     bool HasBackgroundFile(int page, uint32_t width, uint32_t height);    ///< an image of that size exists
     bool RemoveBackgroundFile(int page, uint32_t width, uint32_t height); ///< true also if none

@@ -18,11 +18,14 @@ namespace qv {
 /// condition is not tested: callers keep the order low.
 /// False with c untouched if order is below 1 or the counts differ. Otherwise c
 /// becomes order + 1 zeros first; a singular system (a zero pivot) returns
-/// false with c left at those zeros; success fills c.
+/// false with c left at those zeros; success fills c. A solution that is not
+/// finite (an infinite or NaN sample) is no fit either: false, with c holding
+/// it, so that callers that ignore the result still see no number.
 QV_API bool LinearLeastSquareFit(TArray<double> &x, TArray<double> &y, int order, TArray<double> &c);
 
 /// y = a * exp(b * x), fitted as ln(y) = ln(a) + b * x. False if the counts
-/// differ or the line fit fails; a and b are then untouched.
+/// differ or the line fit fails (also for a y of 0 or below, whose logarithm
+/// is no number); a and b are then untouched.
 QV_API bool ExpLeastSquareFit(TArray<double> &x, TArray<double> &y, double &a, double &b);
 /// y = a * ln(x) + b, fitted as a line in ln(x).
 QV_API bool LogLeastSquareFit(TArray<double> &x, TArray<double> &y, double &a, double &b);

@@ -114,9 +114,16 @@ bool LinearLeastSquareFit(TArray<double> &x, TArray<double> &y, int order, TArra
     if (!basis || !system.Allocate(n)) return false;
     system.Accumulate(x.GetData(), y.GetData(), x.GetSize(), basis.get());
     if (!system.Solve()) return false;
-    for (uint32_t i = 0; i < n; ++i)
+    // An infinite or NaN sample (ln of 0 in the exponential fit, say) can
+    // pass every pivot test and leave no number in the solution: no fit. The
+    // solution stays in c, where chains that ignore the result (page refits)
+    // still show it as no number.
+    bool finite = true;
+    for (uint32_t i = 0; i < n; ++i) {
         c.GetData()[i] = system.b[i];
-    return true;
+        finite = finite && std::isfinite(system.b[i]);
+    }
+    return finite;
 }
 
 } // namespace qv

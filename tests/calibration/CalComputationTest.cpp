@@ -83,6 +83,28 @@ TEST(CalComputation, RangeFollowsEnabledPoints) {
     EXPECT_EQ(p.Range.getMinCounts(), p.Points[0].getMeasurement());
 }
 
+// The caller sizes both buffers by GetLookupSize, the count of the radiances;
+// a longer temperature array (both are public, and a rebuild that cannot
+// grow the radiances leaves them so) must not spill past it.
+TEST(CalComputation, GetLookupWritesNoMoreThanGetLookupSize) {
+    CRCalFile cal;
+    cal.Pages.Add();
+    CRCalFile::CAL_PAGE &page = cal.CalPages[0];
+    page.LookupRadiance.Empty();
+    page.LookupTemperature.Empty();
+    page.LookupRadiance.Add(0.5);
+    for (double t : {10.0, 20.0, 30.0})
+        page.LookupTemperature.Add(t);
+    ASSERT_EQ(cal.GetLookupSize(0), 1);
+    double r[3] = {-1, -1, -1}, t[3] = {-1, -1, -1};
+    EXPECT_TRUE(cal.GetLookup(0, r, t));
+    EXPECT_EQ(r[0], 0.5);
+    EXPECT_EQ(t[0], 10.0);
+    EXPECT_EQ(r[1], -1);
+    EXPECT_EQ(t[1], -1) << "past GetLookupSize";
+    EXPECT_EQ(t[2], -1);
+}
+
 TEST(CalComputation, LookupStepIsOnlyAWish) {
     CRCalFile cal;
     cal.SetSpectralResponseTophat(3, 5, 0.01);

@@ -346,6 +346,23 @@ TEST(CalModel, Backgrounds) {
     EXPECT_TRUE(cal.ClearBackgroundFiles(0));
 }
 
+// A file may key an image 65536 x 65537: the product wraps to 65536 in 32
+// bits, and a copy of that many values would pass for the whole image.
+TEST(CalModel, ABackgroundKeyBeyond32BitsIsNoImageToCopy) {
+    CRCalFile cal;
+    cal.Pages.Add();
+    CRCalFile::BACKGROUND_FILE huge;
+    huge.Width = 65536;
+    huge.Height = 65537;
+    huge.Values.Add(5.0);
+    ASSERT_TRUE(cal.CalPages[0].BackgroundFiles.Add(huge));
+    EXPECT_TRUE(cal.HasBackgroundFile(0, 65536, 65537));
+    std::vector<double> out(65536, -1.0);
+    EXPECT_FALSE(cal.GetBackgroundFile(0, 65536, 65537, out.data()));
+    EXPECT_EQ(out[0], -1.0);
+    EXPECT_FALSE(cal.AddBackgroundFile(0, 65536, 65537, out.data()));
+}
+
 } // namespace
 
 namespace {

@@ -276,3 +276,29 @@ TEST(FrameTemperatures, FailuresWriteNothing) {
     CFrameTemperatures moved = std::move(frame);
     EXPECT_TRUE(moved.Convert({counts, DT_UInt16}, {once, DT_Float}, 2));
 }
+
+// A filter table holding NaN makes every radiance NaN, and the refits leave
+// coefficients that are no number: such a page would give NaN for every
+// count, with success. It is refused, as is one given such values by hand.
+TEST(FrameTemperatures, APageWhosePolynomialsHoldNoNumberIsRefused) {
+    caltest::ScratchDir dir;
+    CalibratedPage p;
+    ASSERT_EQ(p.cal.AdditionalResponses.Add(dir.Write("nan.txt", "3 0.5\n4 nan\n5 0.5\n"), true), RS_ReadError);
+    ASSERT_EQ(p.cal.AdditionalResponses.Add(dir.Write("filter.txt", "3 0.5\n4 0.5\n5 0.5\n"), true), RS_OK);
+    CFrameTemperatures frame;
+    ASSERT_TRUE(frame.SetPage(p.cal, p.page));
+    p.cal.AdditionalResponses[0].setFile(dir.Write("nan.txt", "3 0.5\n4 nan\n5 0.5\n"));
+    ASSERT_EQ(p.cal.AdditionalResponses[0].getStatus(), RS_ReadError);
+    EXPECT_FALSE(frame.SetPage(p.cal, p.page));
+    uint16_t counts[] = {2000, 3000};
+    float out[] = {-7, -7};
+    EXPECT_FALSE(frame.Convert({counts, DT_UInt16}, {out, DT_Float}, 2));
+    EXPECT_EQ(out[0], -7.0f);
+
+    CalibratedPage q;
+    double used[] = {1.0, std::numeric_limits<double>::infinity()};
+    ASSERT_TRUE(q.cal.SetUsedTempCoefficients(q.page, 1, used, true));
+    EXPECT_FALSE(frame.SetPage(q.cal, q.page));
+    EXPECT_FALSE(CountsToTemperatures(q.cal, q.page, {counts, DT_UInt16}, {out, DT_Float}, 2));
+    EXPECT_EQ(out[0], -7.0f);
+}

@@ -70,6 +70,26 @@ TEST(Fits, TwoParameterForms) {
     EXPECT_EQ(b, 42);
 }
 
+// An infinite sample can get through every pivot and leave NaN in the
+// solution: that is no fit, and the exponential and power fits meet it for
+// any y of 0 (ln 0 is -inf).
+TEST(Fits, NoNumberInTheSolutionIsAFailure) {
+    TArray<double> x = ToArray({0, 1, 2, 3}), y = ToArray({1, -INFINITY, 5, 7}), c = ToArray({9.0});
+    EXPECT_FALSE(LinearLeastSquareFit(x, y, 1, c));
+    ASSERT_EQ(c.GetSize(), 2u);
+    EXPECT_FALSE(std::isfinite(c[0]) && std::isfinite(c[1])) << "the solution, no number, stays";
+    TArray<double> far = ToArray({0, 1, INFINITY}), farY = ToArray({1, 2, 3});
+    EXPECT_FALSE(LinearLeastSquareFit(far, farY, 1, c));
+
+    TArray<double> ex = ToArray({0, 1, 2}), zero = ToArray({1, 0, 2});
+    double a = 42, b = 42;
+    EXPECT_FALSE(ExpLeastSquareFit(ex, zero, a, b));
+    TArray<double> px = ToArray({1, 2, 3});
+    EXPECT_FALSE(PowLeastSquareFit(px, zero, a, b));
+    EXPECT_EQ(a, 42);
+    EXPECT_EQ(b, 42);
+}
+
 TEST(Fits, CalcR2) {
     TArray<double> x = ToArray({0, 1, 2, 3}), y = ToArray({1, 3, 5, 7}), line = ToArray({1, 2}),
                    constant = ToArray({5});
