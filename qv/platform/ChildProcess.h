@@ -9,7 +9,8 @@
 // still writes to an inherited pipe after that is not waited for.
 //
 // A process that ignores SIGCHLD has its children reaped by the system: the
-// status is then -1 (not known).
+// status is then -1 (not known). So is it when reading the output failed:
+// the pipe is then closed and the child reaped.
 //
 // Threads: any thread; blocks it for as long as the child runs, without a
 // time limit.

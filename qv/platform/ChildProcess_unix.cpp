@@ -72,9 +72,11 @@ int WaitForExit(pid_t pid, int options) {
     return -1;
 }
 
+enum class EDrain { Waiting, Ended, Failed };
+
 // Hands what waits in the pipe to sink, up to a bound so that a writer that
-// never stops can't hold the caller here; false at its end or on an error.
-bool Drain(int fd, ChildOutputSink sink, void *context) {
+// never stops can't hold the caller here.
+EDrain Drain(int fd, ChildOutputSink sink, void *context) {
     char block[4096];
     for (int blocks = 0; blocks < 256; ++blocks) {
         ssize_t n = SysRead(fd, block, sizeof block);
@@ -82,24 +84,31 @@ bool Drain(int fd, ChildOutputSink sink, void *context) {
             sink(block, size_t(n), context);
             continue;
         }
-        return n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+        if (n == 0) return EDrain::Ended;
+        return errno == EAGAIN || errno == EWOULDBLOCK ? EDrain::Waiting : EDrain::Failed;
     }
-    return true;
+    return EDrain::Waiting;
 }
 
-// Reads until the child has ended (or the pipe closed), then reaps it.
+// Reads until the child has ended (or the pipe closed), closes the pipe,
+// then reaps the child. Output that could not be read makes the status
+// unknown (-1), so that a caller scanning it never takes the part it saw for
+// the whole; closing first ends a child that would otherwise wait on a full
+// pipe for ever.
 int Collect(pid_t pid, int readEnd, ChildOutputSink sink, void *context) {
-    while (true) {
+    EDrain drained = EDrain::Waiting;
+    int status = -2;
+    while (drained == EDrain::Waiting && status == -2) {
         pollfd entry = {readEnd, POLLIN, 0};
         int ready = poll(&entry, 1, kPollMilliseconds);
-        if (ready < 0 && errno != EINTR) return WaitForExit(pid, 0);
-        if (ready > 0 && !Drain(readEnd, sink, context)) return WaitForExit(pid, 0);
-        int status = WaitForExit(pid, WNOHANG);
-        if (status != -2) {
-            Drain(readEnd, sink, context); // what it wrote just before it ended
-            return status;
-        }
+        if (ready < 0 && errno != EINTR) drained = EDrain::Failed;
+        if (ready > 0) drained = Drain(readEnd, sink, context);
+        if (drained == EDrain::Waiting) status = WaitForExit(pid, WNOHANG);
     }
+    if (drained == EDrain::Waiting) drained = Drain(readEnd, sink, context); // what it wrote just before it ended
+    SysClose(readEnd);
+    if (status == -2) status = WaitForExit(pid, 0);
+    return drained == EDrain::Failed ? -1 : status;
 }
 
 } // namespace
@@ -119,9 +128,7 @@ SChildExit RunChildProcess(char const *program, char const *directory, ChildOutp
     }
     int flags = SysGetFlags(ends[0]);
     if (flags >= 0) SysSetFlags(ends[0], flags | O_NONBLOCK);
-    int status = Collect(pid, ends[0], sink, context);
-    SysClose(ends[0]);
-    return {true, status};
+    return {true, Collect(pid, ends[0], sink, context)};
 }
 
 } // namespace qv

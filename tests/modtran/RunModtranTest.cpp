@@ -17,6 +17,7 @@
 #include "qv/modtran/ModtranTape5File.h"
 #include "qv/modtran/ModtranTape7File.h"
 #include "qv/modtran/RunModtran.h"
+#include "qv/platform/Syscalls.h"
 
 using namespace qv;
 using namespace qvtest;
@@ -173,4 +174,40 @@ TEST_F(RunModtranTest, GrandchildHoldingThePipeDoesNotHoldTheRun) {
     Tool("cp source.tp7 tape7\n(sleep 5 &) \nexit 0\n");
     T7 tape7;
     EXPECT_TRUE(Run(tape7));
+}
+
+
+namespace {
+
+SyscallTable realCalls;
+int pipeReadsLeft = 0; // pipe reads that still work
+
+ssize_t PipeReadFailing(int fd, void *buf, size_t n) {
+    struct stat st {};
+    if (fstat(fd, &st) == 0 && S_ISFIFO(st.st_mode) && pipeReadsLeft-- <= 0) {
+        errno = EIO;
+        return -1;
+    }
+    return realCalls.read(fd, buf, n);
+}
+
+} // namespace
+
+// Output that could not be read may have held the error marker: the run
+// fails rather than pass on what it could read. A tool that still writes is
+// not left waiting on a full pipe: it ends and is reaped.
+TEST_F(RunModtranTest, UnreadableOutputFailsTheRun) {
+    realCalls = Syscalls();
+    for (char const *output : {"echo 'MODTRAN done'\n", "head -c 6000000 /dev/zero\n"}) {
+        for (int working : {0, 1}) {
+            SCOPED_TRACE(testing::Message() << output << " after " << working << " pipe reads");
+            Tool(std::string("cp source.tp7 tape7\n") + output);
+            pipeReadsLeft = working;
+            Syscalls().read = &PipeReadFailing;
+            T7 tape7;
+            EXPECT_FALSE(Run(tape7));
+            Syscalls() = realCalls;
+        }
+    }
+    EXPECT_EQ(Problems(), "");
 }
