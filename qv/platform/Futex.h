@@ -9,9 +9,12 @@
 #include <atomic>
 #include <cstdint>
 
+#include "qv/core/Export.h"
+
 namespace qv::platform {
 
-void FutexWait(std::atomic<uint32_t> &word, uint32_t expected);
-void FutexWakeOne(std::atomic<uint32_t> &word);
+// Exported for the inline locks that call them (CWordLock) and their tests.
+QV_API void FutexWait(std::atomic<uint32_t> &word, uint32_t expected);
+QV_API void FutexWakeOne(std::atomic<uint32_t> &word);
 
 } // namespace qv::platform

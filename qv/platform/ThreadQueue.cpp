@@ -79,13 +79,13 @@ void CThreadQueue::Changed() {
 // Under the mutex, by the owner: once the taken part has run dry, every
 // posted message moves over to it in one swap.
 bool CThreadQueue::TakeOverPosted() {
-    std::lock_guard<std::mutex> takenLock(takenMutex);
+    std::lock_guard<CWordLock> takenLock(takenMutex);
     if (taken.Empty()) std::swap(taken, posted);
     return !taken.Empty();
 }
 
 bool CThreadQueue::HandOutTaken(SMessage &msg, bool remove) {
-    std::lock_guard<std::mutex> takenLock(takenMutex);
+    std::lock_guard<CWordLock> takenLock(takenMutex);
     if (taken.Empty()) return false;
     msg = taken.Front();
     if (remove) taken.PopFront();
@@ -212,7 +212,7 @@ void CThreadQueue::Forget(CMessageWindow *window) {
         Lock lock(mutex);
         auto const toWindow = [window](SMessage const &msg) { return msg.window == window; };
         {
-            std::lock_guard<std::mutex> takenLock(takenMutex);
+            std::lock_guard<CWordLock> takenLock(takenMutex);
             taken.RemoveIf(toWindow);
         }
         posted.RemoveIf(toWindow);
@@ -244,7 +244,7 @@ std::vector<SMessage> CThreadQueue::TakePosted(CMessageWindow *window, bool (*ma
     };
     Lock lock(mutex);
     {
-        std::lock_guard<std::mutex> takenLock(takenMutex);
+        std::lock_guard<CWordLock> takenLock(takenMutex);
         taken.RemoveIf(take);
     }
     posted.RemoveIf(take);

@@ -39,6 +39,7 @@
 #include "qv/platform/MessageRing.h"
 #include "qv/platform/QueueSignal.h"
 #include "qv/platform/Waitable.h"
+#include "qv/platform/WordLock.h"
 
 namespace qv {
 
@@ -134,7 +135,7 @@ private:
     CQueueSignal signal;
 
     // Posted messages that the owner took over, older than all in posted.
-    alignas(64) std::mutex takenMutex;
+    alignas(64) CWordLock takenMutex;
     CMessageRing taken;
 };
 
