@@ -46,7 +46,9 @@
 /// false. DeleteFileW answers true also for a path that is not there, as
 /// existing callers expect. RenameFileW moves an entry's name, replacing a
 /// file at the new path (capability kCapabilityRename); it is stored with the
-/// next flush. CreateDirectoryW and RemoveDirectoryW answer false.
+/// next flush. CreateFileW and RenameFileW refuse a path below a file ("/a/b"
+/// or "/a/" beside a file "/a"), which Open would refuse. CreateDirectoryW and
+/// RemoveDirectoryW answer false.
 ///
 /// Ownership: the host file is owned and closed by Close. Files from
 /// CreateFileW are the caller's to delete; they should go before the file
@@ -182,6 +184,7 @@ private:
     uint32_t WriteEntry(int index, int64_t position, void const *buffer, uint32_t n);
     void Forget(CCDFile *file);
     void RemoveEntry(int index);
+    bool HasFileAbove(char16_t const *full, int except) const;
 
     IFile *host = nullptr;
     char const *refusal = nullptr; ///< why the last Open refused, for Check
