@@ -228,6 +228,22 @@ IFileSystem::CDirectoryEntry CCDFileSystem::GetFileInfo(char16_t const *path) {
     return CFlatFileSystem::GetFileInfo(path);
 }
 
+// The working directory is read by every relative path, so it changes under the lock.
+bool CCDFileSystem::GetFullPath(char16_t *out, char16_t const *path, int size) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::GetFullPath(out, path, size);
+}
+
+bool CCDFileSystem::SetCurrentWorkingDirectory(char16_t const *path) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::SetCurrentWorkingDirectory(path);
+}
+
+bool CCDFileSystem::GetCurrentWorkingDirectory(char16_t *out, int size) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::GetCurrentWorkingDirectory(out, size);
+}
+
 void CCDFileSystem::Forget(CCDFile *file) {
     CAutoCriticalSection guard(&lock);
     file->index = -2;

@@ -55,9 +55,11 @@
 /// system, and one that outlives it only answers failures.
 ///
 /// Threads: one recursive lock (Lock/Unlock) guards the table and the host's
-/// position; every call takes it, the listings and GetFileInfo included, so one
-/// CCDFileSystem may be used from several threads. Each CCDFile belongs to one
-/// thread (its position is its own). Use Lock/Unlock around longer sequences.
+/// position; every call takes it, the listings, GetFileInfo and the working
+/// directory included, so one CCDFileSystem may be used from several threads.
+/// Each CCDFile belongs to one thread (its position is its own); its calls take
+/// the lock too, as a delete on another thread re-targets it. Use Lock/Unlock
+/// around longer sequences.
 #pragma once
 
 #include <cstdint>
@@ -156,6 +158,11 @@ public:
     bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override;
     CDirectoryListing GetDirectoryListing(char16_t const *dir, char16_t const *pattern) override;
     CDirectoryEntry GetFileInfo(char16_t const *path) override;
+    bool GetFullPath(char16_t *out, char16_t const *path, int size) override;
+    bool SetCurrentWorkingDirectory(char16_t const *path) override;
+    bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
+    using IFileSystem::GetCurrentWorkingDirectory; ///< the CString helper of IFileSystem
+    using IFileSystem::GetFullPath;                ///< the CString helper of IFileSystem
 
 private:
     struct SRegion {

@@ -3,6 +3,7 @@
 // turn, hostile tables that must be refused, and four threads on one table.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <random>
@@ -233,6 +234,42 @@ TEST(CDFileSystemThreads, FourThreadsShareOneFileSystem) {
         thread.join();
     EXPECT_EQ(failures, std::vector<int>(4, 0));
     EXPECT_EQ(cdfs.GetDirectoryListing(u"/", nullptr).GetSize(), 4u);
+}
+
+// Deletes ahead of a handle re-target it while its own thread flushes and
+// closes it; a working directory set meanwhile is read by relative paths.
+TEST(CDFileSystemThreads, HandlesCloseWhileOthersDeleteAndChangeDirectory) {
+    MemoryHosts hosts;
+    CCDFileSystem cdfs;
+    ASSERT_TRUE(cdfs.Create(&hosts, u"/h", false));
+    ASSERT_TRUE(WriteWhole(cdfs, u"/d/keep", "keep"));
+    int const ahead = 200;
+    for (int i = 0; i < ahead; ++i)
+        ASSERT_TRUE(WriteWhole(cdfs, CString((u"/a" + Number(i)).c_str()), "a"));
+    std::atomic<bool> done{false};
+    int failures = 0;
+    std::thread closer([&] {
+        while (!done) {
+            std::unique_ptr<IFile> file(cdfs.CreateFileW(u"/z/mine", 0x30));
+            failures += !file || file->Write("x", 1) != 1;
+            if (file) file->Flush();
+        }
+    });
+    std::thread deleter([&] {
+        for (int i = 0; i < ahead; ++i) {
+            cdfs.DeleteFileW((u"/a" + Number(i)).c_str());
+            cdfs.SetCurrentWorkingDirectory(i % 2 ? u"/d" : u"/");
+        }
+        done = true;
+    });
+    while (!done)
+        cdfs.GetFileInfo(u"keep");
+    closer.join();
+    deleter.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(cdfs.GetDirectoryListing(u"/", nullptr).GetSize(), 2u);
+    EXPECT_EQ(ReadWhole(cdfs, u"/d/keep"), "keep");
+    EXPECT_EQ(ReadWhole(cdfs, u"/z/mine"), "x");
 }
 
 } // namespace
