@@ -184,6 +184,29 @@ TEST(CDFileSystemHostile, RefusesTablesThatDoNotFitTheirHost) {
     EXPECT_FALSE(Opens(Host(manyProperties, 1)));
 }
 
+// Twenty thousand records, good ones and junk: the load copied its whole
+// array at every fifth record, so a megabyte of table held an open for minutes.
+TEST(CDFileSystemHostile, ManyRecordsLoadOrAreRefusedInOnePass) {
+    int const count = 20000;
+    int64_t const capacity = 0x200000;
+    std::string good, junk;
+    for (int i = 0; i < count; ++i) {
+        good += File("/" + std::to_string(i), 0, std::to_string(capacity), "0");
+        junk += RecordOf("", "", 2, 0, 0, {});
+    }
+    auto host = [&](std::string const &records) {
+        std::string bytes = ExpectedTable(0, capacity, Count(count) + records);
+        bytes.resize(size_t(capacity), '\0');
+        return bytes;
+    };
+    MemoryHosts hosts;
+    hosts.SetBytes(u"/h", host(good));
+    CCDFileSystem cdfs;
+    ASSERT_TRUE(cdfs.Open(&hosts, u"/h", true));
+    EXPECT_TRUE(cdfs.IsFile(u"/19999"));
+    EXPECT_FALSE(Opens(host(junk)));
+}
+
 TEST(CDFileSystemHostile, RefusesBadRootsAndFeet) {
     std::string table = ExpectedTable(0, 0x1000, Count(0));
     auto withCapacity = [&](std::string const &capacity) {
