@@ -22,23 +22,28 @@
 namespace qv::test {
 namespace {
 
+using Entries = std::map<std::u16string, std::string>;
+
+// A new CDFS on disk at host.cdfs in dir holding entries, made with the real calls.
+void MakeHost(ScratchDir const &dir, Entries const &entries) {
+    std::remove(dir.Path("host.cdfs").c_str());
+    CCDFileSystem made;
+    ASSERT_TRUE(made.Create(dir.Text("host.cdfs"), false));
+    for (auto const &[name, bytes] : entries)
+        ASSERT_TRUE(WriteWhole(made, CString(name.c_str()), bytes));
+}
+
 TEST(CDFileSystemSyscallFaults, AFailingDiskNeverReachesAnotherEntry) {
     ScratchDir dir;
     CString path = dir.Text("host.cdfs");
-    std::map<std::u16string, std::string> const start = {
+    Entries const start = {
         {u"/a", SeededBytes(3000, 1)}, {u"/b", SeededBytes(5000, 2)}, {u"/c", SeededBytes(0x280000, 3)}};
     std::string const more = SeededBytes(9000, 4);
     uint32_t written = 0;
     // Made in run, under the faults; closed in check, with the real calls.
     std::unique_ptr<CCDFileSystem> cdfs;
     std::unique_ptr<IFile> b;
-    auto prepare = [&] {
-        std::remove(dir.Path("host.cdfs").c_str());
-        CCDFileSystem made;
-        ASSERT_TRUE(made.Create(path, false));
-        for (auto const &[name, bytes] : start)
-            ASSERT_TRUE(WriteWhole(made, CString(name.c_str()), bytes));
-    };
+    auto prepare = [&] { MakeHost(dir, start); };
     auto run = [&] {
         cdfs = std::make_unique<CCDFileSystem>();
         written = 0;
@@ -72,8 +77,6 @@ TEST(CDFileSystemSyscallFaults, AFailingDiskNeverReachesAnotherEntry) {
     EXPECT_GT(runs, 20);
 }
 
-using Entries = std::map<std::u16string, std::string>;
-
 // Every file of the tree with its bytes.
 Entries Stored(CCDFileSystem &cdfs) {
     Entries found;
@@ -99,20 +102,14 @@ TEST(CDFileSystemSyscallFaults, DeletesRenamesAndAGrownTableAreStoredWholeOrNotA
     ScratchDir dir;
     CString path = dir.Text("host.cdfs");
     // /c is a little more than one block of a move.
-    Entries const before = {{u"/a", SeededBytes(3000, 1)}, {u"/b", SeededBytes(5000, 2)},
-                            {u"/c", SeededBytes(0x101000, 3)}};
+    Entries const before = {
+        {u"/a", SeededBytes(3000, 1)}, {u"/b", SeededBytes(5000, 2)}, {u"/c", SeededBytes(0x101000, 3)}};
     Entries after = {{u"/c", before.at(u"/c")}, {u"/renamed", before.at(u"/b")}};
     for (int i = 0; i < 40; ++i)
         after[u"/a fairly long directory name/and a long file name " + Number(i)] = "";
     std::unique_ptr<CCDFileSystem> cdfs;
     std::vector<std::unique_ptr<IFile>> made; // kept open: closing one would flush
-    auto prepare = [&] {
-        std::remove(dir.Path("host.cdfs").c_str());
-        CCDFileSystem start;
-        ASSERT_TRUE(start.Create(path, false));
-        for (auto const &[name, bytes] : before)
-            ASSERT_TRUE(WriteWhole(start, CString(name.c_str()), bytes));
-    };
+    auto prepare = [&] { MakeHost(dir, before); };
     auto run = [&] {
         cdfs = std::make_unique<CCDFileSystem>();
         if (!cdfs->Open(path, false) || !cdfs->DeleteFileW(u"/a") || !cdfs->RenameFileW(u"/b", u"/renamed"))
