@@ -71,11 +71,14 @@ bool CCDFileSystem::CCDFile::SetSize(int64_t size) {
 }
 
 void CCDFileSystem::CCDFile::Flush() {
-    if (owner && index >= -1) owner->Flush();
+    if (!owner) return;
+    CAutoCriticalSection guard(&owner->lock); // a delete on another thread re-targets index
+    if (index >= -1) owner->Flush();
 }
 
 void CCDFileSystem::CCDFile::Close() {
     if (!owner) return;
+    CAutoCriticalSection guard(&owner->lock); // a delete on another thread re-targets index
     if (index != -2) owner->Flush();
     owner->Forget(this);
 }

@@ -2,6 +2,7 @@
 // file-system calls that make, delete and rename them.
 #include <algorithm>
 
+#include "qv/core/StringFunctions.h"
 #include "qv/core/WideChar.h"
 #include "qv/filesystems/CDFileLayout.h"
 #include "qv/filesystems/CDFileSystem.h"
@@ -137,7 +138,7 @@ IFile *CCDFileSystem::CreateFileW(char16_t const *path, uint32_t flags) {
     int index = FindFullPath(full);
     if (index >= 0 ? (flags & 0x04) != 0 : (flags & 0x02) != 0 || readOnly) return nullptr;
     if (index < 0) {
-        if (IsDirectory(full)) return nullptr;
+        if (IsDirectory(full) || HasFileAbove(full, -1)) return nullptr;
         if (!entries.Add(MakeFileEntry(full))) return nullptr;
         if (!regions.Add(SRegion{0, 0})) {
             entries.Remove(entries.GetSize() - 1);
@@ -170,6 +171,20 @@ void CCDFileSystem::RemoveEntry(int index) {
     }
 }
 
+// Whether a file other than except stands where full needs a directory
+// ("/a" for "/a/b" or "/a/"): Open refuses a table that holds both.
+bool CCDFileSystem::HasFileAbove(char16_t const *full, int except) const {
+    char16_t parent[kNameLimit + 1];
+    StrCpy(parent, full, kNameLimit + 1);
+    for (size_t i = wcslen(parent); i-- > 1;) {
+        if (parent[i] != u'/') continue;
+        parent[i] = 0;
+        int index = FindFullPath(parent);
+        if (index >= 0 && index != except) return true;
+    }
+    return false;
+}
+
 bool CCDFileSystem::DeleteFileW(char16_t const *path) {
     CAutoCriticalSection guard(&lock);
     int index = host && !readOnly ? FindFile(path) : -1;
@@ -187,7 +202,7 @@ bool CCDFileSystem::RenameFileW(char16_t const *oldPath, char16_t const *newPath
     if (index < 0 || !newPath || !GetFullPath(full, newPath, kNameLimit + 1)) return false;
     int target = FindFullPath(full);
     if (target == index) return true;
-    if (target < 0 && IsDirectory(full)) return false;
+    if ((target < 0 && IsDirectory(full)) || HasFileAbove(full, index)) return false;
     if (target >= 0) {
         RemoveEntry(target);
         if (target < index) --index;
@@ -211,6 +226,22 @@ IFileSystem::CDirectoryListing CCDFileSystem::GetDirectoryListing(char16_t const
 IFileSystem::CDirectoryEntry CCDFileSystem::GetFileInfo(char16_t const *path) {
     CAutoCriticalSection guard(&lock);
     return CFlatFileSystem::GetFileInfo(path);
+}
+
+// The working directory is read by every relative path, so it changes under the lock.
+bool CCDFileSystem::GetFullPath(char16_t *out, char16_t const *path, int size) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::GetFullPath(out, path, size);
+}
+
+bool CCDFileSystem::SetCurrentWorkingDirectory(char16_t const *path) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::SetCurrentWorkingDirectory(path);
+}
+
+bool CCDFileSystem::GetCurrentWorkingDirectory(char16_t *out, int size) {
+    CAutoCriticalSection guard(&lock);
+    return CFlatFileSystem::GetCurrentWorkingDirectory(out, size);
 }
 
 void CCDFileSystem::Forget(CCDFile *file) {

@@ -46,16 +46,20 @@
 /// false. DeleteFileW answers true also for a path that is not there, as
 /// existing callers expect. RenameFileW moves an entry's name, replacing a
 /// file at the new path (capability kCapabilityRename); it is stored with the
-/// next flush. CreateDirectoryW and RemoveDirectoryW answer false.
+/// next flush. CreateFileW and RenameFileW refuse a path below a file ("/a/b"
+/// or "/a/" beside a file "/a"), which Open would refuse. CreateDirectoryW and
+/// RemoveDirectoryW answer false.
 ///
 /// Ownership: the host file is owned and closed by Close. Files from
 /// CreateFileW are the caller's to delete; they should go before the file
 /// system, and one that outlives it only answers failures.
 ///
 /// Threads: one recursive lock (Lock/Unlock) guards the table and the host's
-/// position; every call takes it, the listings and GetFileInfo included, so one
-/// CCDFileSystem may be used from several threads. Each CCDFile belongs to one
-/// thread (its position is its own). Use Lock/Unlock around longer sequences.
+/// position; every call takes it, the listings, GetFileInfo and the working
+/// directory included, so one CCDFileSystem may be used from several threads.
+/// Each CCDFile belongs to one thread (its position is its own); its calls take
+/// the lock too, as a delete on another thread re-targets it. Use Lock/Unlock
+/// around longer sequences.
 #pragma once
 
 #include <cstdint>
@@ -154,6 +158,11 @@ public:
     bool RenameFileW(char16_t const *oldPath, char16_t const *newPath) override;
     CDirectoryListing GetDirectoryListing(char16_t const *dir, char16_t const *pattern) override;
     CDirectoryEntry GetFileInfo(char16_t const *path) override;
+    bool GetFullPath(char16_t *out, char16_t const *path, int size) override;
+    bool SetCurrentWorkingDirectory(char16_t const *path) override;
+    bool GetCurrentWorkingDirectory(char16_t *out, int size) override;
+    using IFileSystem::GetCurrentWorkingDirectory; ///< the CString helper of IFileSystem
+    using IFileSystem::GetFullPath;                ///< the CString helper of IFileSystem
 
 private:
     struct SRegion {
@@ -182,6 +191,7 @@ private:
     uint32_t WriteEntry(int index, int64_t position, void const *buffer, uint32_t n);
     void Forget(CCDFile *file);
     void RemoveEntry(int index);
+    bool HasFileAbove(char16_t const *full, int except) const;
 
     IFile *host = nullptr;
     char const *refusal = nullptr; ///< why the last Open refused, for Check

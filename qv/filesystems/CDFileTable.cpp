@@ -153,6 +153,9 @@ bool CCDFileSystem::LoadFileTable() {
     TArray<CDirectoryEntry> loaded;
     for (uint32_t i = 0; i < count; ++i) {
         CDirectoryEntry entry;
+        // Doubling keeps a long table's load linear (the array grows linearly
+        // by its rate); the memory follows the records actually read.
+        if (i == loaded.GetCapacity()) loaded.SetGrowthRate(uint16_t(std::clamp<uint32_t>(i, 5, 0xFFFF)));
         if (!GetDirectoryEntry(&table, &entry) || !loaded.Add(entry)) return Refuse("an entry's record is cut short");
     }
     rootRegion = {0, capacity};
@@ -167,6 +170,7 @@ bool CCDFileSystem::LoadFileTable() {
 bool CCDFileSystem::AcceptTable(CDirectoryEntry const &stored, TArray<CDirectoryEntry> &loaded) {
     int64_t available = host->GetSize() - base;
     TArray<SRegion> found;
+    if (!found.SetCapacity(loaded.GetSize())) return Refuse("the table is too large for memory");
     std::vector<SRegion> used;
     for (uint32_t i = 0; i < loaded.GetSize(); ++i) {
         CDirectoryEntry &entry = loaded.GetItem(i);

@@ -3,6 +3,7 @@
 // turn, hostile tables that must be refused, and four threads on one table.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <random>
@@ -183,6 +184,29 @@ TEST(CDFileSystemHostile, RefusesTablesThatDoNotFitTheirHost) {
     EXPECT_FALSE(Opens(Host(manyProperties, 1)));
 }
 
+// Twenty thousand records, good ones and junk: the load copied its whole
+// array at every fifth record, so a megabyte of table held an open for minutes.
+TEST(CDFileSystemHostile, ManyRecordsLoadOrAreRefusedInOnePass) {
+    int const count = 20000;
+    int64_t const capacity = 0x200000;
+    std::string good, junk;
+    for (int i = 0; i < count; ++i) {
+        good += File("/" + std::to_string(i), 0, std::to_string(capacity), "0");
+        junk += RecordOf("", "", 2, 0, 0, {});
+    }
+    auto host = [&](std::string const &records) {
+        std::string bytes = ExpectedTable(0, capacity, Count(count) + records);
+        bytes.resize(size_t(capacity), '\0');
+        return bytes;
+    };
+    MemoryHosts hosts;
+    hosts.SetBytes(u"/h", host(good));
+    CCDFileSystem cdfs;
+    ASSERT_TRUE(cdfs.Open(&hosts, u"/h", true));
+    EXPECT_TRUE(cdfs.IsFile(u"/19999"));
+    EXPECT_FALSE(Opens(host(junk)));
+}
+
 TEST(CDFileSystemHostile, RefusesBadRootsAndFeet) {
     std::string table = ExpectedTable(0, 0x1000, Count(0));
     auto withCapacity = [&](std::string const &capacity) {
@@ -233,6 +257,42 @@ TEST(CDFileSystemThreads, FourThreadsShareOneFileSystem) {
         thread.join();
     EXPECT_EQ(failures, std::vector<int>(4, 0));
     EXPECT_EQ(cdfs.GetDirectoryListing(u"/", nullptr).GetSize(), 4u);
+}
+
+// Deletes ahead of a handle re-target it while its own thread flushes and
+// closes it; a working directory set meanwhile is read by relative paths.
+TEST(CDFileSystemThreads, HandlesCloseWhileOthersDeleteAndChangeDirectory) {
+    MemoryHosts hosts;
+    CCDFileSystem cdfs;
+    ASSERT_TRUE(cdfs.Create(&hosts, u"/h", false));
+    ASSERT_TRUE(WriteWhole(cdfs, u"/d/keep", "keep"));
+    int const ahead = 200;
+    for (int i = 0; i < ahead; ++i)
+        ASSERT_TRUE(WriteWhole(cdfs, CString((u"/a" + Number(i)).c_str()), "a"));
+    std::atomic<bool> done{false};
+    int failures = 0;
+    std::thread closer([&] {
+        while (!done) {
+            std::unique_ptr<IFile> file(cdfs.CreateFileW(u"/z/mine", 0x30));
+            failures += !file || file->Write("x", 1) != 1;
+            if (file) file->Flush();
+        }
+    });
+    std::thread deleter([&] {
+        for (int i = 0; i < ahead; ++i) {
+            cdfs.DeleteFileW((u"/a" + Number(i)).c_str());
+            cdfs.SetCurrentWorkingDirectory(i % 2 ? u"/d" : u"/");
+        }
+        done = true;
+    });
+    while (!done)
+        cdfs.GetFileInfo(u"keep");
+    closer.join();
+    deleter.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(cdfs.GetDirectoryListing(u"/", nullptr).GetSize(), 2u);
+    EXPECT_EQ(ReadWhole(cdfs, u"/d/keep"), "keep");
+    EXPECT_EQ(ReadWhole(cdfs, u"/z/mine"), "x");
 }
 
 } // namespace

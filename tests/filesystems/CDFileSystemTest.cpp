@@ -188,6 +188,28 @@ TEST(CDFileSystemEntries, OpenFlagsAndRenames) {
     EXPECT_EQ(again.GetDirectoryListing(u"/x", nullptr).GetSize(), 1u);
 }
 
+// A file below a file would make a table that Open refuses, losing every entry.
+TEST(CDFileSystemEntries, NoFileIsMadeOrRenamedBelowAFile) {
+    MemoryHosts hosts;
+    {
+        CCDFileSystem cdfs;
+        ASSERT_TRUE(cdfs.Create(&hosts, u"/h", false));
+        ASSERT_TRUE(WriteWhole(cdfs, u"/d/a", "a"));
+        ASSERT_TRUE(WriteWhole(cdfs, u"/x", "x"));
+        EXPECT_EQ(cdfs.CreateFileW(u"/d/a/b", 0x28), nullptr);
+        EXPECT_EQ(cdfs.CreateFileW(u"/D/A/", 0x28), nullptr);
+        EXPECT_EQ(cdfs.CreateFileW(u"/d/a//b", 0x28), nullptr);
+        EXPECT_FALSE(cdfs.RenameFileW(u"/x", u"/d/A/b"));
+        EXPECT_TRUE(cdfs.RenameFileW(u"/d/a", u"/d/a/b")); // its own name makes way
+        EXPECT_TRUE(WriteWhole(cdfs, u"/d/ab", "ab"));
+    }
+    CCDFileSystem again;
+    ASSERT_TRUE(again.Open(&hosts, u"/h", true));
+    EXPECT_EQ(ReadWhole(again, u"/d/a/b"), "a");
+    EXPECT_EQ(ReadWhole(again, u"/x"), "x");
+    EXPECT_EQ(ReadWhole(again, u"/d/ab"), "ab");
+}
+
 TEST(CDFileSystemEntries, ATableThatOutgrowsItsBlockMovesEveryRegion) {
     MemoryHosts hosts;
     std::map<std::u16string, std::string> expected;
