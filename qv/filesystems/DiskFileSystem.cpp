@@ -89,12 +89,15 @@ bool CFileSystem::DeleteFileW(char16_t const *path) {
     if (!path) return false;
     // Making the file normal first lets a read-only file go; existing callers
     // depend on that. A name that is not there asks for read-only and hidden,
-    // which fails harmlessly.
+    // which fails harmlessly. A file that stays gets its own back.
     DiskEntryStatus status;
     bool exists = GetDiskEntryStatus(path, status);
     if (exists && status.directory && !status.link) return false; // its permissions stay as they are
+    DiskAttributeState const before = KeepDiskAttributes(path);
     SetFileAttributesW(path, (exists ? AttributesOf(status) : 0xFFFFFFFF) & ~1u);
-    return RemoveDiskName(path);
+    if (RemoveDiskName(path)) return true;
+    RestoreDiskAttributes(path, before);
+    return false;
 }
 
 bool CFileSystem::RenameFileW(char16_t const *oldPath, char16_t const *newPath) {

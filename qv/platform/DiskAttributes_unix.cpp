@@ -41,6 +41,23 @@ bool SetDiskAttributes(char16_t const *path, bool readOnly, bool hidden) {
     return true;
 }
 
+DiskAttributeState KeepDiskAttributes(char16_t const *path) {
+    std::string name = ToDiskName(path);
+    struct stat st;
+    DiskAttributeState state;
+    if (name.empty() || ::lstat(name.c_str(), &st) != 0 || S_ISLNK(st.st_mode)) return state;
+    char value;
+    return DiskAttributeState{true, uint32_t(st.st_mode & 07777),
+                              ::getxattr(name.c_str(), kHiddenAttribute, &value, 1) == 1};
+}
+
+void RestoreDiskAttributes(char16_t const *path, DiskAttributeState const &state) {
+    if (!state.kept) return;
+    std::string name = ToDiskName(path);
+    ::chmod(name.c_str(), mode_t(state.mode));
+    MarkHidden(name.c_str(), state.hidden);
+}
+
 bool SetDiskModifiedTime(char16_t const *path, uint64_t ticks) {
     struct timespec times[2];
     times[0].tv_sec = 0;

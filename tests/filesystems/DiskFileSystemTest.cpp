@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
@@ -48,6 +50,45 @@ TEST(DiskFileSystem, ReadOnlyIsTheWritePermissionAndHiddenAnExtendedAttribute) {
     EXPECT_TRUE(FileSystem->SetFileAttributesW(CString(path.c_str()), 0));
     EXPECT_FALSE(HasHiddenMark(path));
     EXPECT_FALSE(FileSystem->SetFileAttributesW(CString(dir.Path("missing").c_str()), 0));
+}
+
+// Sets or clears the immutable flag of a directory, which stops even root
+// from removing names in it; false where the file system has no such flag.
+bool SetImmutable(std::string const &path, bool on) {
+    int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY);
+    int flags = 0;
+    bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+    flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+    done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+    if (fd >= 0) ::close(fd);
+    return done;
+}
+
+// Deleting clears read-only so that the name can go; a file that stays (the
+// removal failed) keeps its read-only mark, and deleting a link never changes
+// the file it points to.
+TEST(DiskFileSystem, DeleteChangesNoPermissionsOfWhatStays) {
+    ScratchDir dir;
+    ASSERT_TRUE(FileSystem->CreateDirectoryW(dir.Text("locked"), false));
+    std::string const kept = dir.Path("locked/f");
+    ASSERT_TRUE(WriteWhole(*FileSystem, CString(kept.c_str()), "x"));
+    ASSERT_TRUE(FileSystem->SetFileAttributesW(CString(kept.c_str()), kAttributeReadOnly | kAttributeHidden));
+    bool const hidden = HasHiddenMark(kept);
+    if (SetImmutable(dir.Path("locked"), true)) {
+        EXPECT_FALSE(FileSystem->DeleteFileW(CString(kept.c_str())));
+        EXPECT_TRUE(SetImmutable(dir.Path("locked"), false));
+        EXPECT_EQ(ModeOf(kept), 0444u);
+        EXPECT_EQ(HasHiddenMark(kept), hidden);
+    }
+
+    ::chmod(kept.c_str(), 0444);
+    std::string const link = dir.Path("link");
+    ASSERT_EQ(::symlink(kept.c_str(), link.c_str()), 0);
+    EXPECT_TRUE(FileSystem->DeleteFileW(CString(link.c_str())));
+    EXPECT_NE(::access(link.c_str(), F_OK), 0);
+    EXPECT_EQ(ModeOf(kept), 0444u) << "the link went, its target is untouched";
+    EXPECT_TRUE(FileSystem->DeleteFileW(CString(kept.c_str())));
+    EXPECT_NE(::access(kept.c_str(), F_OK), 0);
 }
 
 TEST(DiskFileSystem, TemporaryFilesAreLeftEmptyInTheTemporaryDirectory) {
