@@ -76,16 +76,11 @@ void CThreadQueue::Changed() {
     if (signal.IsOpen()) signal.SetPending(sending || !posted.Empty() || !taken.Empty() || quit);
 }
 
-// Under the mutex, by the owner: once the taken part has run dry, every
+// refill, only under the mutex: once the taken part has run dry, every
 // posted message moves over to it in one swap.
-bool CThreadQueue::TakeOverPosted() {
+bool CThreadQueue::HandOutTaken(SMessage &msg, bool remove, bool refill) {
     std::lock_guard<CWordLock> takenLock(takenMutex);
-    if (taken.Empty()) std::swap(taken, posted);
-    return !taken.Empty();
-}
-
-bool CThreadQueue::HandOutTaken(SMessage &msg, bool remove) {
-    std::lock_guard<CWordLock> takenLock(takenMutex);
+    if (refill && taken.Empty()) std::swap(taken, posted);
     if (taken.Empty()) return false;
     msg = taken.Front();
     if (remove) taken.PopFront();
@@ -210,12 +205,7 @@ void CThreadQueue::Forget(CMessageWindow *window) {
     std::vector<SSent *> released;
     {
         Lock lock(mutex);
-        auto const toWindow = [window](SMessage const &msg) { return msg.window == window; };
-        {
-            std::lock_guard<CWordLock> takenLock(takenMutex);
-            taken.RemoveIf(toWindow);
-        }
-        posted.RemoveIf(toWindow);
+        RemovePostedIf([window](SMessage const &msg) { return msg.window == window; });
         for (auto it = incoming.begin(); it != incoming.end();) {
             if ((*it)->window != window) {
                 ++it;
@@ -243,11 +233,7 @@ std::vector<SMessage> CThreadQueue::TakePosted(CMessageWindow *window, bool (*ma
         return !full;
     };
     Lock lock(mutex);
-    {
-        std::lock_guard<CWordLock> takenLock(takenMutex);
-        taken.RemoveIf(take);
-    }
-    posted.RemoveIf(take);
+    RemovePostedIf(take);
     Changed();
     return found;
 }
@@ -257,11 +243,12 @@ std::vector<SMessage> CThreadQueue::TakePosted(CMessageWindow *window, bool (*ma
 bool CThreadQueue::Peek(SMessage &msg, uint32_t flags) {
     bool const remove = (flags & kPeekRemove) != 0;
     bool const postedToo = !(flags & kPeekSentOnly);
-    if (postedToo && !signal.IsOpen() && !sendWaiting.load(std::memory_order_acquire) && HandOutTaken(msg, remove))
+    if (postedToo && !signal.IsOpen() && !sendWaiting.load(std::memory_order_acquire) &&
+        HandOutTaken(msg, remove, false))
         return true;
     Lock lock(mutex);
     ServeSent(lock);
-    if (postedToo && TakeOverPosted() && HandOutTaken(msg, remove)) {
+    if (postedToo && HandOutTaken(msg, remove, true)) {
         Changed();
         return true;
     }

@@ -102,14 +102,22 @@ private:
     static void Serve(SSent *sent);
     static void Complete(SSent *sent, intptr_t result);
     static void CompleteAll(std::vector<SSent *> const &sent);
-    // The owner, with or without the mutex.
-    bool HandOutTaken(SMessage &msg, bool remove);
+    // The owner, with the mutex when refill is set.
+    bool HandOutTaken(SMessage &msg, bool remove, bool refill);
+    // Under the mutex: takes out, in order, the messages of both parts for
+    // which take(msg) is true.
+    template <class Take> void RemovePostedIf(Take take) {
+        {
+            std::lock_guard<CWordLock> takenLock(takenMutex);
+            taken.RemoveIf(take);
+        }
+        posted.RemoveIf(take);
+    }
     // Under the mutex.
     bool HasInput(uint32_t wakeMask, Clock::time_point now) const;
     STimer *DueTimer(Clock::time_point now);
     std::optional<Clock::time_point> NextTimerDue() const;
     void Changed();
-    bool TakeOverPosted();
     void WakeOwner();
     void Sleep(Lock &lock, Clock::time_point until);
     void Rearm();
