@@ -27,4 +27,13 @@ inline double *Fresh(TArray<double> &out, TArray<double> const &axis) {
     return out.GetData();
 }
 
+/// Fresh for a caller that writes every entry: the same results without
+/// first filling the array with zeros it will overwrite.
+inline double *FreshToOverwrite(TArray<double> &out, TArray<double> const &axis) {
+    uint32_t const n = &out == &axis ? 0 : axis.GetSize();
+    if (n != 0 && out.SetSize(n)) return out.GetData();
+    out.Empty();
+    return nullptr;
+}
+
 } // namespace qv::numerics_detail
