@@ -12,7 +12,9 @@ struct DiskCopyResult {
 };
 
 // Moves up to n bytes from the present position of from to the present
-// position of to (CFile handles), advancing both. Thread-safe in itself.
+// position of to (CFile handles), advancing both. On ext2/3/4 the target's
+// space for the n bytes is claimed first (its size unchanged): a target that
+// cannot hold them moves nothing. Thread-safe in itself.
 DiskCopyResult CopyDiskFileRange(intptr_t from, intptr_t to, uint32_t n);
 
 } // namespace qv

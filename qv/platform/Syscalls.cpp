@@ -32,7 +32,7 @@ void *MapSharedDefault(int fd, off_t offset, size_t length) {
 constexpr SyscallTable kSystem{
     &OpenDefault, &::close,      &::read,  &::write,  &::lseek,    &::ftruncate,          &::fsync,
     &LockDefault, &FlagsDefault, &::fstat, &::unlink, &DupDefault, &CopyFileRangeDefault, &::rename,
-    &::fallocate,    &MapSharedDefault, &::munmap,
+    &::fallocate,    &MapSharedDefault, &::munmap,    &::fstatfs,
 };
 
 SyscallTable table = kSystem;
@@ -107,6 +107,9 @@ void *SysMapShared(int fd, off_t offset, size_t length) {
 }
 int SysUnmap(void *view, size_t length) {
     return table.unmap(view, length);
+}
+int SysFstatfs(int fd, struct statfs *st) {
+    return Retry([&] { return table.fstatfs(fd, st); });
 }
 
 } // namespace qv

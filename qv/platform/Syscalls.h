@@ -15,6 +15,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/types.h>
 
 #include "qv/core/Export.h"
@@ -42,6 +43,7 @@ struct SyscallTable {
     // A shared, writable view of [offset, offset + length) of fd (offset page-aligned); MAP_FAILED on failure.
     void *(*mapShared)(int fd, off_t offset, size_t length);
     int (*unmap)(void *view, size_t length);
+    int (*fstatfs)(int fd, struct statfs *st);
 };
 
 // The live table; tests replace entries and call ResetSyscalls() after.
@@ -67,5 +69,6 @@ int SysRename(char const *from, char const *to);
 int SysFallocate(int fd, int mode, off_t offset, off_t length);
 void *SysMapShared(int fd, off_t offset, size_t length);
 int SysUnmap(void *view, size_t length);
+int SysFstatfs(int fd, struct statfs *st);
 
 } // namespace qv

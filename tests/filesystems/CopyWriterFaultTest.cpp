@@ -2,6 +2,9 @@
 // buffer: a copy over an existing file leaves it whole unless it succeeds, a
 // copy to a new name leaves nothing there unless it succeeds, neither leaves
 // a temporary file behind, and the source is never touched.
+#include <linux/magic.h>
+#include <sys/statfs.h>
+
 #include <cerrno>
 #include <filesystem>
 
@@ -14,6 +17,20 @@ namespace {
 
 ssize_t CrossDevice(int, int, size_t) {
     errno = EXDEV;
+    return -1;
+}
+
+// Every copy takes the road of ext4, which claims the target's space ahead,
+// whatever file system the scratch directory is on.
+int OnExt4(int fd, struct statfs *st) {
+    int result = ::fstatfs(fd, st);
+    st->f_type = EXT4_SUPER_MAGIC;
+    return result;
+}
+
+// A file system that cannot claim space ahead: the kernel copy goes on without.
+int NoReservation(int, int, off_t, off_t) {
+    errno = EOPNOTSUPP;
     return -1;
 }
 
@@ -36,6 +53,7 @@ protected:
     std::string old = "the old target, which must survive a failed copy";
 
     void SetUp() override {
+        Syscalls().fstatfs = &OnExt4;
         for (size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = char(i * 7 + i / 4096);
         ASSERT_TRUE(WriteWhole(disk, source, bytes));
@@ -83,6 +101,12 @@ TEST_F(CopyWriterFaults, KernelCopyOverAFile) {
 }
 
 TEST_F(CopyWriterFaults, KernelCopyToANewName) {
+    Check(false);
+}
+
+TEST_F(CopyWriterFaults, KernelCopyWithoutReservation) {
+    Syscalls().fallocate = &NoReservation;
+    Check(true);
     Check(false);
 }
 
