@@ -467,6 +467,16 @@ TEST_F(QvTool, SafRefusesWhatItCannotDo) {
     ExpectRefused({"saf", "show", dir}, 1, "cannot open " + dir + ": Is a directory");
     ExpectRefused({"saf", "show", Write("junk.saf", "not a header\n")}, 1, "could not be read as a SAF file");
     ExpectRefused({"saf", "show", "-"}, 1, "standard input is not a SAF file", Write("junk.saf", "x\n"));
+    // A header cut short would show as whole, its data offset at the cut.
+    std::string const cut = Write("cut.saf", ReadFile(kSaf).substr(0, 120));
+    ExpectRefused({"saf", "show", cut}, 1, cut + " ends inside its header (no DATA line): the file is cut short");
+    ExpectRefused({"saf", "show", "-"}, 1, "standard input ends inside its header", cut);
+    ExpectRefused({"saf", "set", cut, "Camera", "x"}, 1, "ends inside its header");
+    SRun headerOnly = Run({"saf", "show", Write("header.saf", "HdSize auto\r\nCamera c\r\ndata\r\n")});
+    EXPECT_EQ(headerOnly.status, 0) << headerOnly.err;
+    EXPECT_TRUE(Contains(headerOnly.out, "data offset: 29\n")) << headerOnly.out;
+    SRun fixedSize = Run({"saf", "show", Write("fixed.saf", "HdSize 20\r\nCamera c\r\n")});
+    EXPECT_EQ(fixedSize.status, 0) << fixedSize.err;
     if (geteuid() != 0) {
         std::filesystem::permissions(copy, std::filesystem::perms::owner_read);
         ExpectRefused({"saf", "set", copy, "Camera", "x"}, 1, "cannot open " + copy + ": Permission denied");

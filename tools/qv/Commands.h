@@ -53,6 +53,11 @@ int Fail(char const *format, ...) __attribute__((format(printf, 1, 2)));
 // Opens path with the CFile flags and loads its SAF header; on failure the
 // message is printed and false returned.
 bool OpenSaf(char const *path, uint32_t flags, qv::CFile &file, qv::CSAFFile &saf);
+// True when saf's header, loaded from f, runs into the end of f without its
+// DATA line: the file was cut short, and its tags and data offset are not the
+// whole header's (a load takes the end of a file for the end of the header).
+bool HeaderCutShort(qv::IFile &f, qv::CSAFFile &saf);
+inline constexpr char kCutShort[] = "%s ends inside its header (no DATA line): the file is cut short";
 
 // Opens the CDFS at path (read-only, or made when missing); on failure the
 // message, with the reason a table was refused, is printed and false returned.

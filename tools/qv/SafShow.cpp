@@ -51,6 +51,7 @@ bool LoadStandardInput(qv::CMemFile &memory, qv::CSAFFile &saf) {
     if (memory.Write(head.data(), uint32_t(head.size())) != head.size() || memory.Seek(0, 1) != 0)
         return Fail("cannot hold standard input in memory"), false;
     if (!saf.Load(&memory)) return Fail("standard input is not a SAF file (it must begin with an HdSize line)"), false;
+    if (HeaderCutShort(memory, saf)) return Fail(kCutShort, "standard input"), false;
     return true;
 }
 
