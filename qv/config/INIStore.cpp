@@ -47,6 +47,20 @@ bool LinesReadBackWhole(std::string const &text) {
     return true;
 }
 
+// Whether a "name=value" line reads back as written: no
+// separator of the load in either part ('=', tab, CR, LF), and a name neither
+// empty nor opening with '[' (a section's header) nor holding '\' (read as
+// a path's slash).
+bool LeafReadsBack(std::string const &name, std::string const &value) {
+    return !name.empty() && name[0] != '[' && name.find_first_of(kDelimiters) == std::string::npos &&
+           name.find('\\') == std::string::npos && value.find_first_of(kDelimiters) == std::string::npos;
+}
+
+// Whether a section's path reads back from its "[path]" line.
+bool SectionReadsBack(std::string const &path) {
+    return path.find_first_of("\r\n\\") == std::string::npos;
+}
+
 } // namespace
 
 // A plain key (no separator, no dot item) in a section whose path stays
@@ -107,30 +121,34 @@ bool CINIStore::Load(IFile *file) {
     return complete;
 }
 
-void CINIStore::SaveNode(int32_t node, CString const &parentPath, std::string &text) const {
+bool CINIStore::SaveNode(int32_t node, CString const &parentPath, std::string &text) const {
     SNode const &self = nodes.GetAt(uint32_t(node));
     CString nodePath = node == 0 ? self.name : path::MakePath(parentPath, self.name, u'/');
-    if (node != 0) text.append("[").append(nodePath.GetUTF8()).append("]\r\n");
+    std::string const header = nodePath.GetUTF8();
+    if (node != 0 && !SectionReadsBack(header)) return false;
+    if (node != 0) text.append("[").append(header).append("]\r\n");
     // A node's leaves go before its sub-entries: written after a sub-entry's
     // header they would read back inside it, and the key would be lost from
     // its own path. Depth is bounded: paths are cut at IConfigStore::PathSize
     // units, so a tree holds at most PathSize / 2 levels.
     for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling) {
         SNode const &leaf = nodes.GetAt(uint32_t(child));
-        if (leaf.firstChild < 0)
-            text.append(leaf.name.GetUTF8()).append("=").append(leaf.value.GetUTF8()).append("\r\n");
+        if (leaf.firstChild >= 0) continue;
+        std::string const name = leaf.name.GetUTF8(), value = leaf.value.GetUTF8();
+        if (!LeafReadsBack(name, value)) return false;
+        text.append(name).append("=").append(value).append("\r\n");
     }
     for (int32_t child = self.firstChild; child >= 0; child = nodes.GetAt(uint32_t(child)).nextSibling)
-        if (nodes.GetAt(uint32_t(child)).firstChild >= 0) SaveNode(child, nodePath, text);
+        if (nodes.GetAt(uint32_t(child)).firstChild >= 0 && !SaveNode(child, nodePath, text)) return false;
+    return true;
 }
 
 bool CINIStore::Save(IFile *file) {
     if (!file) return false;
     std::string text;
-    SaveNode(0, CString(u""), text);
-    // A line the load would cut would come back as another key or value:
-    // such a text is not written, and a save by name keeps the old file.
-    if (!LinesReadBackWhole(text)) return false;
+    // A line the load would cut or split would come back as another key or
+    // value: such a text is not written, and a save by name keeps the old file.
+    if (!SaveNode(0, CString(u""), text) || !LinesReadBackWhole(text)) return false;
     // One write: the text is formed in memory first.
     return text.size() <= UINT32_MAX && file->WriteBytes(text.data(), uint32_t(text.size()));
 }

@@ -18,8 +18,11 @@
 /// name, with the entry's leaves as "name=value\r\n", then its sub-entries,
 /// depth first in child order. Leaves always come before sub-entries: a leaf
 /// written after a sub-entry's header would come back inside that sub-entry on
-/// load, its own path lost. Save gives false, writing nothing, when a line
-/// would be longer than Load reads (a long value, a deep section path).
+/// load, its own path lost. Save gives false, writing nothing, when the text
+/// would not load back as the store: a line longer than Load reads (a long
+/// value, a deep section path); a name or value holding '=', a tab, CR or LF;
+/// a name that is empty, opens with '[' or holds '\'; a section path holding
+/// CR, LF or '\'.
 #pragma once
 
 #include <string>
@@ -46,7 +49,7 @@ private:
     };
     static bool IsPlainKey(char const *key, SSection const &section);
     void LoadLine(char *line, SSection &section);
-    void SaveNode(int32_t node, CString const &parentPath, std::string &text) const;
+    bool SaveNode(int32_t node, CString const &parentPath, std::string &text) const;
 };
 
 } // namespace qv

@@ -123,6 +123,37 @@ TEST(INIStore, ASaveRefusesALineTheLoadWouldCut) {
     EXPECT_EQ(Utf8(again.GetString(u"/s/k", u"")), longest);
 }
 
+// A name or value the load would split, or read as a section or a path,
+// would come back as something else: the save refuses it, the old file stays,
+// and the same store saves once the value is plain again.
+TEST(INIStore, ASaveRefusesWhatTheLoadWouldReadAsSomethingElse) {
+    ScratchDir dir;
+    std::string const target = dir.Path("split.ini");
+    std::ofstream(target, std::ios::binary) << "[old]\r\nkept=1\r\n";
+    FaultBytes const before = FileBytes(target);
+    struct SCase {
+        char16_t const *path;
+        char16_t const *value;
+    };
+    SCase const refused[] = {{u"/s/k", u"a=b"},  {u"/s/k", u"a\tb"}, {u"/s/k", u"a\r\nz=1"}, {u"/s/[k", u"v"},
+                             {u"/s/k\tx", u"v"}, {u"/s/k=x", u"v"}, {u"/s\nt/k", u"v"}};
+    for (SCase const &c : refused) {
+        CINIStore store;
+        store.SetString(u"/plain", u"1");
+        store.SetString(c.path, c.value);
+        EXPECT_FALSE(store.Save(CString(target.c_str()))) << Utf8(c.path) << " = " << Utf8(c.value);
+        EXPECT_EQ(FileBytes(target), before);
+        store.SetString(c.path, u"v");
+        if (std::u16string(c.path) == u"/s/k") {
+            ASSERT_TRUE(store.Save(CString(target.c_str())));
+            CINIStore again;
+            ASSERT_TRUE(again.Load(CString(target.c_str())));
+            EXPECT_EQ(Utf8(again.GetString(u"/s/k", u"")), "v");
+            std::ofstream(target, std::ios::binary) << "[old]\r\nkept=1\r\n";
+        }
+    }
+}
+
 TEST(INIStore, ASaveThatFailsHalfWayLeavesThePreviousFile) {
     ScratchDir dir;
     std::string target = dir.Path("faults.ini");
