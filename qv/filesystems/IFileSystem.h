@@ -38,7 +38,9 @@
 /// copy); progress, if not null, is called with (count, 0) first and with
 /// (count, done) after each write. Between two disk files the system copies
 /// without the block, and when progress is null in steps of up to 1 GiB
-/// (much faster than small steps). Zero bytes succeed and report (0, 0) once.
+/// (much faster than small steps); on ext2/3/4 each step first claims the
+/// destination's space (its size unchanged), so a disk too full for the copy
+/// fails it before a byte is written. Zero bytes succeed and report (0, 0) once.
 /// A source that ends early, a short write or a negative count give false.
 /// A copy to a path first tries to create it as a new file (0x24, must not
 /// exist): with no old bytes to protect it is written in place, without a
