@@ -33,7 +33,10 @@ template <class Real>
     y = emissivity * (kFirstRadiationConstant / l5) * 1.0 / (ex - 1.0);
 }
 
+// A wavelength of zero or below emits nothing; the formula would give NaN or
+// a huge meaningless value there (a top hat may start below zero).
 [[gnu::always_inline]] inline double PlanckOf(double l, double kelvin, double emissivity) {
+    if (l <= 0.0) return 0.0;
     double ex;
     numerics_detail::Exp(Exponent(l, kelvin), ex);
     double y;
@@ -49,12 +52,29 @@ template <class Vector>
     exponent = kSecondRadiationConstant / (lanes * kelvin);
 }
 
+// What the vector loop met that the scalar formula must redo: exponents
+// beyond the vector's range (their lanes all ones in outside) and negative
+// wavelengths (the sign bits of all of them, gathered in one operation a
+// vector; a wavelength of +0 always has an exponent beyond the range).
+template <class Bits> struct SRedo {
+    Bits outside{};
+    Bits signs{};
+
+    bool Any() const {
+        Bits const none{}, negative = signs >> 63;
+        return __builtin_memcmp(&outside, &none, sizeof none) != 0 ||
+               __builtin_memcmp(&negative, &none, sizeof none) != 0;
+    }
+};
+
 // The radiances of a vector of wavelengths from their exponents.
 template <class Vector, class Bits, class Square>
-[[gnu::always_inline]] inline void Radiances(double const *l, Vector const &exponent, double emissivity, double *out) {
+[[gnu::always_inline]] inline void Radiances(double const *l, Vector const &exponent, double emissivity, double *out,
+                                             SRedo<Bits> &redo) {
     Vector ex, lanes, y;
     numerics_detail::ExpInRange<Vector, Bits, Square>(exponent, ex);
     std::memcpy(&lanes, l, sizeof lanes);
+    redo.signs |= __builtin_bit_cast(Bits, lanes);
     Radiance(lanes, ex, emissivity, y);
     std::memcpy(out, &y, sizeof y);
 }
@@ -63,8 +83,8 @@ template <class Vector, class Bits, class Square>
 // ahead: the divider then works beside the exponentials, whose additions
 // bound the loop, rather than before or after them (a third faster than
 // three separate passes). The rare wavelengths whose exponential leaves the
-// vector's range (a result of 0 or NaN, far beyond any calibration) are
-// redone one by one.
+// vector's range (a result of 0 or NaN, far beyond any calibration) and
+// those of zero or below are redone one by one.
 template <class Vector, class Bits, class Square = numerics_detail::SDekkerSquare>
 [[gnu::always_inline]] inline void PlanckLoop(double const *l, double *out, uint32_t n, double kelvin,
                                               double emissivity) {
@@ -73,33 +93,33 @@ template <class Vector, class Bits, class Square = numerics_detail::SDekkerSquar
     uint32_t const pairs = n / kStep * kStep;
     uint32_t const whole = n / kLanes * kLanes;
     Vector first, second;
-    Bits outside{};
+    SRedo<Bits> redo;
     if (pairs) {
         Exponents(l, kelvin, first);
         Exponents(l + kLanes, kelvin, second);
     }
     for (uint32_t i = 0; i < pairs; i += kStep) {
         Vector const thisFirst = first, thisSecond = second;
-        numerics_detail::MarkOutside(thisFirst, outside);
-        numerics_detail::MarkOutside(thisSecond, outside);
+        numerics_detail::MarkOutside(thisFirst, redo.outside);
+        numerics_detail::MarkOutside(thisSecond, redo.outside);
         if (i + kStep < pairs) {
             Exponents(l + i + kStep, kelvin, first);
             Exponents(l + i + kStep + kLanes, kelvin, second);
         }
-        Radiances<Vector, Bits, Square>(l + i, thisFirst, emissivity, out + i);
-        Radiances<Vector, Bits, Square>(l + i + kLanes, thisSecond, emissivity, out + i + kLanes);
+        Radiances<Vector, Bits, Square>(l + i, thisFirst, emissivity, out + i, redo);
+        Radiances<Vector, Bits, Square>(l + i + kLanes, thisSecond, emissivity, out + i + kLanes, redo);
     }
     if (pairs < whole) {
         Exponents(l + pairs, kelvin, first);
-        numerics_detail::MarkOutside(first, outside);
-        Radiances<Vector, Bits, Square>(l + pairs, first, emissivity, out + pairs);
+        numerics_detail::MarkOutside(first, redo.outside);
+        Radiances<Vector, Bits, Square>(l + pairs, first, emissivity, out + pairs, redo);
     }
     for (uint32_t k = whole; k < n; ++k)
         out[k] = PlanckOf(l[k], kelvin, emissivity);
-    Bits none{};
-    if (__builtin_memcmp(&outside, &none, sizeof none) == 0) return;
+    if (!redo.Any()) return;
     for (uint32_t k = 0; k < whole; ++k)
-        if (!numerics_detail::ExpInRangeFor(Exponent(l[k], kelvin))) out[k] = PlanckOf(l[k], kelvin, emissivity);
+        if (l[k] <= 0.0 || !numerics_detail::ExpInRangeFor(Exponent(l[k], kelvin)))
+            out[k] = PlanckOf(l[k], kelvin, emissivity);
 }
 
 using Kernel = void (*)(double const *, double *, uint32_t, double, double);

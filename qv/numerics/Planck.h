@@ -17,6 +17,8 @@ namespace qv {
 /// bits nearly everywhere and is within 1e-13 of them always. The two
 /// constants are the ones every stored calibration was computed with: other
 /// (even more exact) values would make recomputed radiances disagree with them.
+/// A wavelength of 0 or below emits nothing: y is 0 there (the formula would
+/// give NaN or a huge meaningless value; a top hat may start below zero).
 QV_API void Planck(TArray<double> &x, TArray<double> &y, double temperature, double emissivity);
 
 } // namespace qv

@@ -46,6 +46,20 @@ TEST(CalComputation, RadianceIsTheRightHandSumOfTheProduct) {
     EXPECT_EQ(cal.CalcRadiance(37.5, 0.9), IntegrateRectTR(x, planck));
 }
 
+// A top hat that starts at or below zero adds nothing there: its radiance is
+// that of the part above zero (up to the steps of each axis), never NaN or a
+// huge meaningless number.
+TEST(CalComputation, ATopHatBelowZeroWavelengthAddsNothingThere) {
+    CRCalFile fromZero, fromBelow, fromAbove;
+    fromZero.SetSpectralResponseTophat(0, 5, 0.01);
+    fromBelow.SetSpectralResponseTophat(-1, 5, 0.01);
+    fromAbove.SetSpectralResponseTophat(0.01, 5, 0.01);
+    double const above = fromAbove.CalcRadiance(37.5, 0.9);
+    ASSERT_GT(above, 0);
+    EXPECT_NEAR(fromZero.CalcRadiance(37.5, 0.9), above, 1e-5 * above);
+    EXPECT_NEAR(fromBelow.CalcRadiance(37.5, 0.9), above, 1e-5 * above);
+}
+
 TEST(CalComputation, OnePointKeepsTheOldRangeWithZeroCoefficients) {
     CRCalFile cal;
     cal.SetSpectralResponseTophat(3, 5, 0.01);

@@ -61,6 +61,29 @@ TEST(Curve, PlanckAtKnownPoints) {
     EXPECT_NEAR(y[0], 0.5 * 9.92403333007e-4, 1e-3 * 4.97e-4);
 }
 
+// No radiance at a wavelength of zero or below (a top hat may start there),
+// on every path, whatever the vector lanes around it hold.
+TEST(Curve, PlanckIsZeroAtAndBelowZeroWavelength) {
+    TArray<double> x;
+    XAxis(x, -1.0, 4.0, uint32_t(37));
+    x[5] = 0.0;
+    x[6] = -0.0;
+    for (int path = cpu::BestCpuPath(); path >= 0; --path) {
+        cpu::LimitCpuPath(cpu::ECpuPath(path));
+        TArray<double> y;
+        Planck(x, y, 25.0, 1.0);
+        for (uint32_t i = 0; i < x.GetSize(); ++i) {
+            double const l = x[i], l2 = l * l, l5 = l2 * l2 * l;
+            double const formula = 1.0 * (11910.06 / l5) * 1 / (std::exp(14388.3 / (l * 298.15)) - 1);
+            if (l <= 0)
+                EXPECT_EQ(y[i], 0.0) << "path " << path << " l " << l;
+            else
+                EXPECT_NEAR(y[i], formula, 1e-13 * formula) << "path " << path << " l " << l;
+        }
+    }
+    cpu::LimitCpuPath(cpu::BestCpuPath());
+}
+
 // Planck gives the same bits on every path, within 1e-13 of the formula with
 // the C library's exp (and its very bits nearly everywhere: stored
 // calibrations were made with them) over wavelengths and temperatures far
