@@ -32,6 +32,19 @@ TEST(Semaphore, CountsWithinItsMaximum) {
     EXPECT_TRUE(semaphore.Acquire(3, 0)) << "and takes nothing from the original";
 }
 
+TEST(Semaphore, RequestBeyondTheMaximumFailsAtOnce) {
+    CSemaphore semaphore(2);
+    ASSERT_TRUE(semaphore.Acquire(1, 0));
+    // It could never be served: waiting would hang and hold up the queue.
+    auto beyond = test::Async([&] { return semaphore.Acquire(3, kInfinite); });
+    ASSERT_TRUE(test::Finishes(beyond));
+    EXPECT_FALSE(beyond.get());
+    EXPECT_TRUE(semaphore.Acquire(1, 0)) << "nothing was left in the queue";
+    EXPECT_TRUE(semaphore.Release(2));
+    CSemaphore none(0);
+    EXPECT_TRUE(none.Acquire(0, kInfinite));
+}
+
 TEST(Semaphore, QueueHeadBlocksLaterRequests) {
     CSemaphore semaphore(3);
     ASSERT_TRUE(semaphore.Acquire(2, 0));
