@@ -299,6 +299,26 @@ TEST_F(DirectoryMonitorTest, StartsOnlyOnADirectoryAndStopsAnyNumberOfTimes) {
     EXPECT_EQ(std::count(seen.begin(), seen.end(), "added marker"), 1);
 }
 
+TEST_F(DirectoryMonitorTest, RemovedDirectoryEndsTheWatchAndStartWatchesAnew) {
+    Watch(IDirectoryMonitor::kWatchNames);
+    Touch(tree / "file");
+    ASSERT_TRUE(recorder.events.WaitFor("added file"));
+    fs::remove_all(tree);
+    // Start answers true while the old watch still runs, then, once its
+    // thread has ended, tries anew and fails: the directory is gone.
+    bool ended = false;
+    for (auto start = std::chrono::steady_clock::now(); !ended && std::chrono::steady_clock::now() - start < kTimeLimit;)
+        ended = !monitor->Start();
+    ASSERT_TRUE(ended);
+    EXPECT_TRUE(recorder.events.Contains("removed file"));
+    fs::create_directories(tree);
+    ASSERT_TRUE(monitor->Start());
+    Lines seen = UpToMarker("marker");
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), "added marker"), 1);
+    monitor->Stop();
+    monitor->Stop();
+}
+
 TEST_F(DirectoryMonitorTest, AHandlerMayStopRestartOrDeleteItsMonitor) {
     Watch(IDirectoryMonitor::kWatchNames);
     recorder.action = CRecorder::EAction::StopTwice;
