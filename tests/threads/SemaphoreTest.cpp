@@ -125,5 +125,31 @@ TEST(Semaphore, NeverHandsOutMoreThanItHas) {
     EXPECT_TRUE(semaphore.Acquire(3, 0)) << "every permit came back";
 }
 
+// Waiters that give up at their time limit leave the queue to the others:
+// nobody is left asleep behind a request that went, and no permit is lost.
+TEST(Semaphore, WaitersThatTimeOutHandTheQueueOn) {
+    CSemaphore semaphore(3);
+    std::atomic<bool> failed{false};
+    std::atomic<int> starting{3};
+    std::vector<std::thread> threads;
+    for (uint32_t want = 1; want <= 3; ++want) {
+        threads.emplace_back([&, want] {
+            for (--starting; starting != 0;)
+                std::this_thread::yield();
+            for (int i = 0; i < 300; ++i) {
+                if (!semaphore.Acquire(want, uint32_t(i % 3))) continue;
+                std::this_thread::yield(); // hold a moment, so that others queue
+                if (!semaphore.Release(want)) failed = true;
+            }
+            // A patient request at the end: it must be served.
+            if (!semaphore.Acquire(want, kLimitMs) || !semaphore.Release(want)) failed = true;
+        });
+    }
+    for (auto &thread : threads)
+        thread.join();
+    EXPECT_FALSE(failed);
+    EXPECT_TRUE(semaphore.Acquire(3, 0)) << "every permit came back";
+}
+
 } // namespace
 } // namespace qv
