@@ -57,6 +57,34 @@ TEST(RWLock, RepeatedReadWhileAWriterWaitsGoesThrough) {
     EXPECT_TRUE(writing);
 }
 
+// A lone reader that wants to write while another thread's writer waits for
+// it: the waiting writer must step back instead of both waiting for ever.
+TEST(RWLock, ReaderWritesWhileAnotherWriterWaitsForIt) {
+    CRWLock lock;
+    CEvent readerIn(false, true);
+    std::atomic<bool> readerWrote{false};
+    std::atomic<bool> writerSawIt{false};
+    auto writer = test::AsyncVoid([&] {
+        ASSERT_TRUE(readerIn.Wait(test::kLimitMs));
+        lock.WriteLock();
+        writerSawIt = readerWrote.load();
+        lock.WriteUnlock();
+    });
+    auto reader = test::AsyncVoid([&] {
+        lock.ReadLock();
+        readerIn.Signal();
+        // Gives the writer time to set its mark; the outcome must not depend on it.
+        Sleep(50);
+        lock.WriteLock();
+        readerWrote = true;
+        lock.WriteUnlock();
+        lock.ReadUnlock();
+    });
+    ASSERT_TRUE(test::Finishes(reader)) << "reader and writer wait for each other";
+    ASSERT_TRUE(test::Finishes(writer));
+    EXPECT_TRUE(writerSawIt) << "the writer came after the reader it waited for";
+}
+
 TEST(RWLock, WriterExcludesReadersAndWriters) {
     CRWLock lock;
     int first = 0, second = 0;
@@ -85,6 +113,48 @@ TEST(RWLock, WriterExcludesReadersAndWriters) {
     EXPECT_FALSE(torn);
     EXPECT_EQ(first, 600);
     EXPECT_EQ(second, 600);
+}
+
+// One thread that reads and then writes, among plain writers and readers:
+// everyone gets through, and no write is seen half done.
+TEST(RWLock, ReaderThatWritesAmongWritersAndReaders) {
+    CRWLock lock;
+    int first = 0, second = 0;
+    std::atomic<bool> torn{false};
+    auto write = [&] {
+        lock.WriteLock();
+        ++first;
+        std::this_thread::yield();
+        ++second;
+        lock.WriteUnlock();
+    };
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] {
+        for (int i = 0; i < 300; ++i) {
+            lock.ReadLock();
+            if (first != second) torn = true;
+            write();
+            lock.ReadUnlock();
+        }
+    });
+    for (int t = 0; t < 2; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 300; ++i)
+                write();
+        });
+    }
+    threads.emplace_back([&] {
+        for (int i = 0; i < 300; ++i) {
+            lock.ReadLock();
+            if (first != second) torn = true;
+            lock.ReadUnlock();
+        }
+    });
+    for (auto &thread : threads)
+        thread.join();
+    EXPECT_FALSE(torn);
+    EXPECT_EQ(first, 900);
+    EXPECT_EQ(second, 900);
 }
 
 } // namespace
