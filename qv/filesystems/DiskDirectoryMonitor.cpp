@@ -19,7 +19,13 @@ bool CWin32DirectoryMonitor::Start() {
     try {
         auto starting = std::make_shared<CDiskMonitorWorker>(this);
         if (!starting->Begin()) return false;
-        thread = std::thread([run = starting] { run->Run(); });
+        // A run let go from within a handler may still be running handlers:
+        // the new one fires only after it.
+        thread = std::thread([run = starting, before = leaving] {
+            if (before) before->WaitEnded();
+            run->Run();
+        });
+        leaving.reset();
         worker = std::move(starting);
         worker->Go();
         return true;
@@ -32,10 +38,12 @@ void CWin32DirectoryMonitor::Stop() {
     if (!worker) return;
     worker->RequestStop();
     // The thread holds its own share of the worker, so letting it go is safe.
-    if (thread.get_id() == std::this_thread::get_id())
+    if (thread.get_id() == std::this_thread::get_id()) {
         thread.detach();
-    else
+        leaving = worker;
+    } else {
         thread.join();
+    }
     worker.reset();
 }
 

@@ -34,7 +34,8 @@
 /// further event (the other handlers of the current one still run, from a
 /// copy of the handler list), never touches the monitor again, and ends as
 /// soon as the handlers return. So a handler may stop, restart or delete its
-/// monitor.
+/// monitor; a monitor restarted so fires nothing before those handlers have
+/// returned.
 #pragma once
 
 #include <cstdint>
@@ -67,6 +68,7 @@ public:
 private:
     std::shared_ptr<CDiskMonitorWorker> worker; ///< shared with the thread
     std::thread thread;
+    std::shared_ptr<CDiskMonitorWorker> leaving; ///< let go by a handler's Stop, maybe still running
 };
 
 /// A new, stopped disk monitor of dir with the watch flags; the caller owns

@@ -55,6 +55,7 @@ void CDiskMonitorWorker::Run() {
             break;
     }
     ended = true;
+    ended.notify_all();
 }
 
 void CDiskMonitorWorker::RequestStop() {

@@ -8,7 +8,7 @@
 /// away while the thread finishes its last handler call.
 ///
 /// Threads: Begin runs on the starting thread before the thread exists; Run
-/// on the monitor's thread; RequestStop and HasEnded on any thread.
+/// on the monitor's thread; RequestStop, HasEnded and WaitEnded on any thread.
 #pragma once
 
 #include <atomic>
@@ -41,6 +41,7 @@ public:
     void Run();
     void RequestStop();
     bool HasEnded() const { return ended; }
+    void WaitEnded() const { ended.wait(false); }
     ///@}
 
 private:

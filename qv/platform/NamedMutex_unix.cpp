@@ -154,10 +154,11 @@ int TimedLock(pthread_mutex_t *mutex, uint32_t timeout) {
     }
 }
 #else
+// The deadline is on the monotonic clock: a wall clock set back or forward
+// meanwhile must not stretch or cut the wait.
 struct timespec DeadlineAfter(uint32_t milliseconds) {
-    // The mutex clock is the wall clock: timed locks on robust mutexes take it.
     struct timespec t {};
-    clock_gettime(CLOCK_REALTIME, &t);
+    clock_gettime(CLOCK_MONOTONIC, &t);
     t.tv_sec += time_t(milliseconds / 1000);
     t.tv_nsec += long(milliseconds % 1000) * 1000000;
     if (t.tv_nsec >= 1000000000) {
@@ -169,7 +170,7 @@ struct timespec DeadlineAfter(uint32_t milliseconds) {
 
 int TimedLock(pthread_mutex_t *mutex, uint32_t timeout) {
     struct timespec deadline = DeadlineAfter(timeout);
-    return pthread_mutex_timedlock(mutex, &deadline);
+    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &deadline);
 }
 #endif
 

@@ -13,8 +13,10 @@ CEvent::CEvent(CEvent const &other) : manualReset(other.manualReset), signalled(
 
 CEvent::~CEvent() = default;
 
+// A pulse counts only for waits begun before it; an auto-reset one only
+// until one of them took it.
 bool CEvent::Ready(uint64_t pulsesAtStart) const {
-    return signalled || pulses != pulsesAtStart;
+    return signalled || (pulses != pulsesAtStart && (manualReset || pulsePending));
 }
 
 void CEvent::Take() {
@@ -25,11 +27,8 @@ void CEvent::Take() {
 
 void CEvent::Leave() {
     --waiters;
-    // A pulse nobody is left to take must not linger as a signal.
-    if (waiters == 0 && pulsePending) {
-        signalled = false;
-        pulsePending = false;
-    }
+    // A pulse nobody is left to take must not linger.
+    if (waiters == 0) pulsePending = false;
 }
 
 bool CEvent::Wait(uint32_t timeout, bool pumpMessages) {
@@ -45,7 +44,7 @@ bool CEvent::Wait(uint32_t timeout, bool pumpMessages) {
     } else if (!got && timeout != 0) {
         got = changed.wait_for(lock, std::chrono::milliseconds(timeout), ready);
     }
-    if (got && signalled) Take();
+    if (got) Take();
     Leave();
     return got;
 }
@@ -79,7 +78,7 @@ uint64_t CEvent::BeginWait(CWaker *waker) {
 bool CEvent::TryTake(uint64_t pulsesAtStart) {
     std::lock_guard<std::mutex> lock(mutex);
     if (!Ready(pulsesAtStart)) return false;
-    if (signalled) Take();
+    Take();
     return true;
 }
 
@@ -110,18 +109,16 @@ bool CEvent::Reset() {
 
 bool CEvent::Pulse() {
     std::lock_guard<std::mutex> lock(mutex);
+    signalled = false;
     if (manualReset) {
-        signalled = false;
         ++pulses;
         changed.notify_all();
         wakers.WakeAll();
     } else if (waiters != 0) {
-        signalled = true;
+        ++pulses;
         pulsePending = true;
         changed.notify_one();
         wakers.WakeAll();
-    } else {
-        signalled = false;
     }
     return true;
 }

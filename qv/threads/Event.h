@@ -64,7 +64,7 @@ private:
     std::condition_variable changed;
     bool signalled;
     uint32_t waiters = 0;
-    uint64_t pulses = 0;       ///< manual-reset pulses so far
+    uint64_t pulses = 0;       ///< pulses that found waiters, so far
     bool pulsePending = false; ///< an auto-reset pulse that no waiter took yet
     CWakerList wakers;         ///< pumping waits in progress
 };

@@ -117,7 +117,15 @@ public:
     bool HasHandlers() const { return Array::nItems() != 0; }
 
     void Fire(void *sender, Args... args) {
-        for (uint32_t i = 0; i < Array::nItems(); ++i) {
+        bool const never = false;
+        FireUnless(never, sender, args...);
+    }
+
+    /// Fire for an event whose owner a handler may destroy: the owner sets
+    /// gone (which outlives it) as it goes, and no later handler runs; the
+    /// event is not touched again.
+    void FireUnless(bool const &gone, void *sender, Args... args) {
+        for (uint32_t i = 0; !gone && i < Array::nItems(); ++i) {
             // A copy: a handler that adds handlers may move the block.
             HANDLER const handler = Array::GetAt(i);
             if (!handler.invoker)

@@ -39,8 +39,11 @@ bool CMultiLock::Enter(bool wait) {
     if (wait) {
         row.shared = 1;
         lock.unlock();
-        semaphore.Acquire(1, kInfinite);
-        return true;
+        if (semaphore.Acquire(1, kInfinite)) return true;
+        // A lock without slots: no entry can ever be had.
+        lock.lock();
+        Row().shared = 0;
+        return false;
     }
     if (!semaphore.Acquire(1, 0)) return false;
     ++row.shared;

@@ -35,7 +35,7 @@ public:
     ~CMultiLock();
 
     /// Takes one permit (none if the thread is in already). With wait false,
-    /// true only when a permit was free at once.
+    /// true only when a permit was free at once; false on a lock without slots.
     bool Enter(bool wait);
     /// Takes every permit (the remaining ones for a thread already in);
     /// EnterExclusive(false) answers the other way round

@@ -8,8 +8,9 @@ namespace qv {
 
 namespace {
 
-constexpr uint32_t kWriter = 0x80000000u; // a writer has set its mark
-constexpr uint32_t kReads = ~kWriter;
+constexpr uint32_t kWriter = 0x80000000u;  // a writer has set its mark
+constexpr uint32_t kUpgrade = 0x40000000u; // a thread that reads waits to write
+constexpr uint32_t kReads = ~(kWriter | kUpgrade);
 
 uintptr_t ThisThread() { return reinterpret_cast<uintptr_t>(__builtin_thread_pointer()); }
 
@@ -80,21 +81,39 @@ void CRWLock::WriteLock() {
         writeDepth.fetch_add(1, std::memory_order_relaxed);
         return;
     }
+    uint32_t const mine = ReadsOfThisThread(this);
+    while (!MarkAndDrain(me, mine)) {
+    }
+}
+
+// Sets the writer's mark, then waits for the reads of other threads to end.
+// A writer that reads nothing itself steps back (false) when a thread that
+// reads wants to write: that thread's read would otherwise never end.
+bool CRWLock::MarkAndDrain(uintptr_t me, uint32_t mine) {
     uint32_t s = state.load(std::memory_order_relaxed);
     for (;;) {
-        if ((s & kWriter) == 0) {
-            if (state.compare_exchange_weak(s, s | kWriter, std::memory_order_acquire, std::memory_order_relaxed)) break;
-        } else {
-            SwitchToThread();
-            s = state.load(std::memory_order_relaxed);
+        // While a reader waits to write, the mark is left to it.
+        if ((s & kWriter) == 0 && (mine != 0 || (s & kUpgrade) == 0)) {
+            if (state.compare_exchange_weak(s, (s | kWriter) & ~kUpgrade, std::memory_order_acquire,
+                                            std::memory_order_relaxed))
+                break;
+            continue;
         }
+        if (mine != 0 && (s & kUpgrade) == 0) state.fetch_or(kUpgrade, std::memory_order_relaxed);
+        SwitchToThread();
+        s = state.load(std::memory_order_relaxed);
     }
     writer.store(me, std::memory_order_relaxed);
     writeDepth.store(1, std::memory_order_relaxed);
     // The mark is set: only reads already held remain; this thread's own do not count.
-    uint32_t const mine = ReadsOfThisThread(this);
-    while ((state.load(std::memory_order_acquire) & kReads) > mine)
+    while (((s = state.load(std::memory_order_acquire)) & kReads) > mine) {
+        if (mine == 0 && (s & kUpgrade) != 0) {
+            WriteUnlock();
+            return false;
+        }
         SwitchToThread();
+    }
+    return true;
 }
 
 // Unchecked, as it always was: whichever thread calls it gives back one
@@ -105,7 +124,7 @@ void CRWLock::WriteUnlock() {
     }
     if (depth != 1) return;
     writer.store(0, std::memory_order_relaxed);
-    state.fetch_and(kReads, std::memory_order_release);
+    state.fetch_and(~kWriter, std::memory_order_release);
 }
 
 } // namespace qv

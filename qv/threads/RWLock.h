@@ -6,8 +6,9 @@
 /// mark, new readers wait, and the writer then waits for the readers present
 /// to leave. The writer may lock again (recursively) and may also read; a
 /// reader may read again at once, even while a writer waits. A thread that
-/// reads may take the write lock when no other thread reads; two readers that
-/// both try to write wait for each other for ever (callers avoid that).
+/// reads may take the write lock when no other thread reads (a writer that
+/// waits for it steps back); two readers that both try to write wait for
+/// each other for ever (callers avoid that).
 /// Unlocks do not check that the caller holds a lock. A copy is a new,
 /// unlocked lock. Thread-safe.
 ///
@@ -43,7 +44,9 @@ public:
     ///@}
 
 private:
-    std::atomic<uint32_t> state{0};      ///< kWriter, plus the reads held
+    bool MarkAndDrain(uintptr_t me, uint32_t mine);
+
+    std::atomic<uint32_t> state{0};      ///< kWriter, kUpgrade, plus the reads held
     std::atomic<uintptr_t> writer{0};    ///< the marking thread; only it stores its own value
     std::atomic<uint32_t> writeDepth{0}; ///< the writer's locks
 };

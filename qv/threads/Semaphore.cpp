@@ -100,6 +100,8 @@ void CSemaphore::LeaveQueue(CEvent *event, bool granted) {
 }
 
 bool CSemaphore::Acquire(uint32_t n, uint32_t timeout) {
+    // Never servable: waiting would only hold up the queue behind it.
+    if (n > maximum) return false;
     mutex.lock();
     if (requests.GetSize() == 0 && n <= count) {
         count -= n;

@@ -9,7 +9,8 @@
 /// A copy is a new, full semaphore with the same maximum. Thread-safe.
 ///
 /// Failure: Acquire gives false at its time limit (and at once with timeout 0
-/// when it cannot be served without waiting); Release beyond the maximum
+/// when it cannot be served without waiting, and at once for more permits
+/// than the maximum); Release beyond the maximum
 /// gives false and changes nothing. When the system has no memory for a
 /// waiter's record, that waiter stays out of the queue and times out.
 #pragma once
@@ -33,7 +34,8 @@ public:
     ~CSemaphore();
 
     /// Takes count permits, waiting in turn; timeout in milliseconds,
-    /// 0xFFFFFFFF without limit. False at the time limit.
+    /// 0xFFFFFFFF without limit. False at the time limit, or at once for more
+    /// than the maximum.
     bool Acquire(uint32_t count, uint32_t timeout);
     /// Gives count permits back; false, changing nothing, beyond the maximum.
     bool Release(uint32_t count);

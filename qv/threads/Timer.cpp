@@ -51,6 +51,7 @@ CTimerTable &Lookup() {
 } // namespace
 
 CTimer::~CTimer() {
+    if (gone) *gone = true;
     Stop();
 }
 
@@ -97,8 +98,18 @@ bool CTimer::Restart() {
     return Start();
 }
 
+// A handler may delete the timer, even from a tick nested in another (a
+// handler that pumps): each tick then stops firing and leaves the object alone.
 void CTimer::Tick() {
-    if (running) OnTick.Fire(this);
+    if (!running) return;
+    bool deleted = false;
+    bool *const outer = gone;
+    gone = &deleted;
+    OnTick.FireUnless(deleted, this);
+    if (!deleted)
+        gone = outer;
+    else if (outer)
+        *outer = true;
 }
 
 void CTimer::Callback(uint32_t timerId) {

@@ -8,7 +8,9 @@
 /// Stop is called fires nothing. The interval is 1000 after construction;
 /// Create sets it; SetInterval on a running timer restarts it with the new
 /// value and on a stopped timer only stores it. The destructor stops the
-/// timer, so a timer destroyed while its tick waits in the queue is safe.
+/// timer, so a timer destroyed while its tick waits in the queue is safe. A
+/// handler may stop or delete its timer; after a delete no further handler
+/// of that tick runs.
 ///
 /// Results: Start false when no system timer could be set; the other bool
 /// operations give true (SetInterval and Restart give Start's answer when
@@ -52,6 +54,7 @@ private:
     uint32_t interval = 1000;
     bool running = false;
     uint32_t timerId = 0;
+    bool *gone = nullptr; ///< while Tick fires: set by the destructor
 };
 
 } // namespace qv

@@ -299,6 +299,26 @@ TEST_F(DirectoryMonitorTest, StartsOnlyOnADirectoryAndStopsAnyNumberOfTimes) {
     EXPECT_EQ(std::count(seen.begin(), seen.end(), "added marker"), 1);
 }
 
+TEST_F(DirectoryMonitorTest, RemovedDirectoryEndsTheWatchAndStartWatchesAnew) {
+    Watch(IDirectoryMonitor::kWatchNames);
+    Touch(tree / "file");
+    ASSERT_TRUE(recorder.events.WaitFor("added file"));
+    fs::remove_all(tree);
+    // Start answers true while the old watch still runs, then, once its
+    // thread has ended, tries anew and fails: the directory is gone.
+    bool ended = false;
+    for (auto start = std::chrono::steady_clock::now(); !ended && std::chrono::steady_clock::now() - start < kTimeLimit;)
+        ended = !monitor->Start();
+    ASSERT_TRUE(ended);
+    EXPECT_TRUE(recorder.events.Contains("removed file"));
+    fs::create_directories(tree);
+    ASSERT_TRUE(monitor->Start());
+    Lines seen = UpToMarker("marker");
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), "added marker"), 1);
+    monitor->Stop();
+    monitor->Stop();
+}
+
 TEST_F(DirectoryMonitorTest, AHandlerMayStopRestartOrDeleteItsMonitor) {
     Watch(IDirectoryMonitor::kWatchNames);
     recorder.action = CRecorder::EAction::StopTwice;
@@ -312,6 +332,58 @@ TEST_F(DirectoryMonitorTest, AHandlerMayStopRestartOrDeleteItsMonitor) {
     Touch(tree / "second");
     ASSERT_TRUE(recorder.events.WaitFor("added second"));
     static_cast<void>(monitor.release()); // the handler deleted it
+}
+
+// A handler that restarts its monitor, then waits a moment for the new
+// watch to report a file it makes; it counts handlers running at once.
+class CRestarter : public IEventTarget {
+public:
+    CLines events;
+    std::atomic<int> inside{0}, most{0};
+    fs::path tree;
+
+    void OnAdded(void *sender, char16_t const *path) {
+        int const now = ++inside;
+        for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
+        }
+        if (!restarted.exchange(true)) {
+            auto *monitor = static_cast<IDirectoryMonitor *>(sender);
+            monitor->Stop();
+            started = monitor->Start();
+            Touch(tree / "during");
+            std::unique_lock<std::mutex> hold(lock);
+            reported.wait_for(hold, std::chrono::milliseconds(200), [&] { return sawDuring; });
+        }
+        if (Units(path) == "during") {
+            std::lock_guard<std::mutex> hold(lock);
+            sawDuring = true;
+            reported.notify_all();
+        }
+        events.Add("added " + Units(path));
+        --inside;
+    }
+    std::atomic<bool> started{false};
+
+private:
+    std::atomic<bool> restarted{false};
+    std::mutex lock;
+    std::condition_variable reported;
+    bool sawDuring = false;
+};
+
+TEST_F(DirectoryMonitorTest, RestartFromAHandlerWaitsForTheOldThreadsHandlers) {
+    CRestarter restarter;
+    restarter.tree = tree;
+    monitor.reset(CreateDiskDirectoryMonitor(CString(tree.c_str()).GetUTF16(), IDirectoryMonitor::kWatchNames));
+    ASSERT_NE(monitor, nullptr);
+    monitor->FileAdded.AddHandlerEx(&restarter, &CRestarter::OnAdded);
+    ASSERT_TRUE(monitor->Start());
+    Touch(tree / "first");
+    ASSERT_TRUE(restarter.events.WaitFor("added first"));
+    EXPECT_TRUE(restarter.started);
+    EXPECT_TRUE(restarter.events.WaitFor("added during")) << "the new watch reports";
+    EXPECT_EQ(restarter.most, 1) << "the new thread fired while the old one still ran a handler";
+    monitor.reset();
 }
 
 TEST_F(DirectoryMonitorTest, StopWaitsForARunningHandler) {

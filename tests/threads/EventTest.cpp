@@ -103,5 +103,51 @@ TEST(Event, WaiterThatTimesOutLeavesNoPulseBehind) {
     EXPECT_FALSE(event.Wait(0));
 }
 
+// An auto-reset pulse belongs to a thread that was waiting when it came: a
+// Wait begun after it must not take it and leave that thread asleep.
+TEST(Event, AutoResetPulseGoesOnlyToAThreadThatWasWaiting) {
+    CEvent event(false, false);
+    auto waiting = test::Async([&] { return event.Wait(kLimitMs); });
+    bool stolen = false;
+    EXPECT_TRUE(test::Eventually([&] {
+        event.Pulse();
+        stolen = stolen || event.Wait(0);
+        return stolen || waiting.wait_for(std::chrono::milliseconds(0)) == std::future_status::ready;
+    }));
+    EXPECT_FALSE(stolen) << "a later Wait took the pulse";
+    EXPECT_TRUE(waiting.get());
+    EXPECT_FALSE(event.Wait(0));
+}
+
+// Every signal of an auto-reset event releases exactly one waiter, whether
+// the waiters block or pump, so none is lost and none counted twice.
+TEST(Event, AutoResetHandsEachSignalToExactlyOneWaiter) {
+    constexpr int kRounds = 1000;
+    CEvent go(false, false), ack(false, false);
+    std::atomic<int> taken{0};
+    std::atomic<bool> stop{false};
+    auto waiter = [&](bool pump) {
+        return [&, pump] {
+            while (go.Wait(kLimitMs, pump) && !stop) {
+                ++taken;
+                ack.Signal();
+            }
+            return bool(stop);
+        };
+    };
+    std::future<bool> waiters[] = {test::Async(waiter(false)), test::Async(waiter(false)), test::Async(waiter(true))};
+    for (int i = 0; i < kRounds; ++i) {
+        go.Signal();
+        ASSERT_TRUE(ack.Wait(kLimitMs)) << "round " << i;
+    }
+    stop = true;
+    for (auto &w : waiters) {
+        while (w.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+            go.Signal();
+        EXPECT_TRUE(w.get());
+    }
+    EXPECT_EQ(taken, kRounds);
+}
+
 } // namespace
 } // namespace qv

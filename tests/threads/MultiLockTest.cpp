@@ -107,6 +107,16 @@ TEST(MultiLock, ExclusiveWithoutWaitAnswersTheOtherWayRound) {
     EXPECT_EQ(busy.GetLockCount(), 2);
 }
 
+TEST(MultiLock, EntryToALockWithoutSlotsFails) {
+    CMultiLock lock(-1);
+    auto entered = test::Async([&] { return lock.Enter(true); });
+    ASSERT_TRUE(test::Finishes(entered)) << "no slot will ever free";
+    EXPECT_FALSE(entered.get());
+    EXPECT_EQ(lock.GetLockCount(), 0);
+    EXPECT_TRUE(lock.EnterExclusive(true)) << "all of no permits";
+    lock.LeaveExclusive();
+}
+
 TEST(MultiLock, BlockedExclusiveEntryLeavesTheTableFree) {
     CMultiLock lock(2);
     Holder in(lock, false);

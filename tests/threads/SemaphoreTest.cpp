@@ -32,6 +32,19 @@ TEST(Semaphore, CountsWithinItsMaximum) {
     EXPECT_TRUE(semaphore.Acquire(3, 0)) << "and takes nothing from the original";
 }
 
+TEST(Semaphore, RequestBeyondTheMaximumFailsAtOnce) {
+    CSemaphore semaphore(2);
+    ASSERT_TRUE(semaphore.Acquire(1, 0));
+    // It could never be served: waiting would hang and hold up the queue.
+    auto beyond = test::Async([&] { return semaphore.Acquire(3, kInfinite); });
+    ASSERT_TRUE(test::Finishes(beyond));
+    EXPECT_FALSE(beyond.get());
+    EXPECT_TRUE(semaphore.Acquire(1, 0)) << "nothing was left in the queue";
+    EXPECT_TRUE(semaphore.Release(2));
+    CSemaphore none(0);
+    EXPECT_TRUE(none.Acquire(0, kInfinite));
+}
+
 TEST(Semaphore, QueueHeadBlocksLaterRequests) {
     CSemaphore semaphore(3);
     ASSERT_TRUE(semaphore.Acquire(2, 0));
@@ -109,6 +122,32 @@ TEST(Semaphore, NeverHandsOutMoreThanItHas) {
         thread.join();
     EXPECT_FALSE(failed);
     EXPECT_LE(worst, 3);
+    EXPECT_TRUE(semaphore.Acquire(3, 0)) << "every permit came back";
+}
+
+// Waiters that give up at their time limit leave the queue to the others:
+// nobody is left asleep behind a request that went, and no permit is lost.
+TEST(Semaphore, WaitersThatTimeOutHandTheQueueOn) {
+    CSemaphore semaphore(3);
+    std::atomic<bool> failed{false};
+    std::atomic<int> starting{3};
+    std::vector<std::thread> threads;
+    for (uint32_t want = 1; want <= 3; ++want) {
+        threads.emplace_back([&, want] {
+            for (--starting; starting != 0;)
+                std::this_thread::yield();
+            for (int i = 0; i < 300; ++i) {
+                if (!semaphore.Acquire(want, uint32_t(i % 3))) continue;
+                std::this_thread::yield(); // hold a moment, so that others queue
+                if (!semaphore.Release(want)) failed = true;
+            }
+            // A patient request at the end: it must be served.
+            if (!semaphore.Acquire(want, kLimitMs) || !semaphore.Release(want)) failed = true;
+        });
+    }
+    for (auto &thread : threads)
+        thread.join();
+    EXPECT_FALSE(failed);
     EXPECT_TRUE(semaphore.Acquire(3, 0)) << "every permit came back";
 }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <functional>
+#include <utility>
 
 #include "ThreadTestSupport.h"
 #include "qv/platform/MessageQueue.h"
@@ -79,6 +80,37 @@ TEST(Thread, FunctionAndInvokableForms) {
     EXPECT_TRUE(thread.JoinWithTimeout(kLimitMs));
     EXPECT_EQ(calls, 7);
     EXPECT_EQ(deleted, 1);
+}
+
+// Dropping a thread object, or starting another thread with it, leaves the
+// running thread alone: it finishes, and the last one is the object's.
+TEST(Thread, ObjectLetGoWhileItsThreadRunsLetsItFinish) {
+    CEvent go(false, true);
+    std::atomic<int> finished{0};
+    auto body = [](void *p) {
+        auto *state = static_cast<std::pair<CEvent *, std::atomic<int> *> *>(p);
+        state->first->Wait(kLimitMs);
+        ++*state->second;
+        return uint32_t(0);
+    };
+    std::pair<CEvent *, std::atomic<int> *> state{&go, &finished};
+    CThread kept;
+    {
+        CThread dropped;
+        ASSERT_TRUE(dropped.Create(body, &state));
+        ASSERT_TRUE(kept.Create(body, &state));
+        void *first = kept.getHandle();
+        ASSERT_TRUE(kept.Create(body, &state));
+        EXPECT_NE(kept.getHandle(), first);
+    }
+    for (int i = 0; i < 100; ++i) {
+        CThread quick;
+        ASSERT_TRUE(quick.Create(body, &state));
+    }
+    EXPECT_TRUE(kept.getRunning());
+    go.Signal();
+    EXPECT_TRUE(kept.JoinWithTimeout(kLimitMs));
+    EXPECT_TRUE(test::Eventually([&] { return finished == 103; }));
 }
 
 // A thread that invokes on its creator before it ends: Join(true) serves the

@@ -102,5 +102,50 @@ TEST(Timer, DestroyedWhileItsTickWaitsIsSafe) {
     EXPECT_EQ(counter.ticks, 0);
 }
 
+// Deletes its timer from inside a tick: at once, or from a tick nested in
+// the first (as a handler that pumps would meet).
+struct SelfDeleting {
+    CTimer *timer = nullptr;
+    bool nest = false;
+    int ticks = 0;
+    CEvent done{false, false};
+    void OnTick(void *) {
+        if (++ticks == 1 && nest) return timer->Tick();
+        delete timer;
+        timer = nullptr;
+        done.Signal();
+    }
+};
+
+CTimer *StartedTimer(SelfDeleting &deleter, TickCounter &after) {
+    auto *timer = new CTimer;
+    timer->OnTick.AddHandlerEx(&deleter, &SelfDeleting::OnTick);
+    timer->OnTick.AddHandlerEx(&after, &TickCounter::OnTick);
+    timer->Create(1);
+    EXPECT_TRUE(timer->Start());
+    return timer;
+}
+
+TEST(Timer, HandlerMayDeleteItsOwnTimer) {
+    SelfDeleting deleter;
+    TickCounter after;
+    deleter.timer = StartedTimer(deleter, after);
+    ASSERT_TRUE(deleter.done.Wait(kLimitMs, true));
+    EXPECT_EQ(deleter.timer, nullptr);
+    EXPECT_EQ(deleter.ticks, 1);
+    EXPECT_FALSE(after.ticked.Wait(30, true)) << "no later handler runs, and no tick follows";
+    EXPECT_EQ(after.ticks, 0);
+    EXPECT_EQ(deleter.ticks, 1);
+
+    SelfDeleting nested;
+    nested.nest = true;
+    nested.timer = StartedTimer(nested, after);
+    nested.timer->Tick();
+    EXPECT_EQ(nested.timer, nullptr);
+    EXPECT_EQ(nested.ticks, 2);
+    EXPECT_EQ(after.ticks, 0) << "neither the inner nor the outer tick goes on";
+    EXPECT_TRUE(PumpMessages());
+}
+
 } // namespace
 } // namespace qv
