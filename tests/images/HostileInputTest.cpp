@@ -95,6 +95,21 @@ TEST(PNG16, ReadsSamplesAndSpreadsToFourTimesTheSize) {
     EXPECT_FALSE(LoadPNG16(&file, spread.data(), 8)); // neither the picture nor four times it
 }
 
+// The same picture with a transparency chunk (grey 0x0304) after its header:
+// the samples come back as they stand, one word a pixel, and no alpha word
+// runs past the end of a buffer of exactly the picture's size.
+TEST(HostileInput, Png16WithTransparencyKeepsOneSampleAPixel) {
+    test::Bytes png(std::begin(kGrey16), std::end(kGrey16));
+    unsigned char const transparency[] = {0x00, 0x00, 0x00, 0x02, 0x74, 0x52, 0x4E, 0x53,
+                                          0x03, 0x04, 0x5A, 0xD3, 0x5A, 0xE2};
+    png.insert(png.begin() + 33, std::begin(transparency), std::end(transparency));
+    CMemFile file;
+    test::Fill(file, png);
+    std::vector<unsigned short> exact(4);
+    ASSERT_TRUE(LoadPNG16(&file, exact.data(), 4));
+    EXPECT_EQ(exact, (std::vector<unsigned short>{0x0102, 0x0304, 0x0506, 0xA0B0}));
+}
+
 TEST(HostileInput, Png16RefusesOtherDepthsAndSmallBuffers) {
     test::Bytes png = Saved(SavePNG); // 8-bit colour
     CMemFile file;
