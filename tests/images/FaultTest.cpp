@@ -49,6 +49,39 @@ TEST(ImageFaults, TiffFramesByPathLoseNothing) {
     });
 }
 
+// Counting the pages of a multi-page file under failing reads and seeks: a
+// failure in the chain of directories is no last page, so the count is the
+// whole one or the call fails.
+TEST(ImageFaults, TiffPageCountsUnderFailingReadsAreWholeOrFail) {
+    test::ScratchDir dir;
+    std::string const path = dir.Path("pages.tif");
+    std::vector<uint16_t> frame(8 * 4, 0x0102);
+    {
+        CMultiPageTIFFFile file;
+        ASSERT_TRUE(file.Create(CString(path.c_str()), 8, 4, DT_UInt16));
+        for (int page = 0; page < 3; ++page) ASSERT_TRUE(file.WriteImage(frame.data()));
+        ASSERT_TRUE(file.Close());
+    }
+    unsigned long pages = 0;
+    EXPECT_EQ(qv::test::ExpectWholeLoadOrFailure(
+                  [&] {
+                      IFile *file = GetFileSystem().CreateFileW(CString(path.c_str()), 0x12);
+                      unsigned long width = 0, height = 0;
+                      EDataType type = DT_Unknown;
+                      pages = 0;
+                      bool ok = file && GetTIFFInfo(file, width, height, type, pages);
+                      if (file) file->Close();
+                      delete file;
+                      return ok;
+                  },
+                  [&] { return pages; }),
+              3u);
+    CMultiPageTIFFFile reader;
+    EXPECT_EQ(qv::test::ExpectWholeLoadOrFailure([&] { return reader.Open(CString(path.c_str())); },
+                                                 [&] { return reader.GetNumImages(); }),
+              3u);
+}
+
 // Loads by path under failing reads and seeks: a picture comes back whole,
 // as the clean load gives it, or not at all. A failed read in the middle of
 // a JPEG is no cut file, whose rest may be painted grey.
