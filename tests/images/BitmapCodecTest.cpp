@@ -67,6 +67,23 @@ TEST(BMP, RefusesWhatItDoesNotWrite) {
     EXPECT_FALSE(loads(test::Bytes{'X', 'M'}, 100));
 }
 
+// A size field smaller than the rows (here the 18 bytes of 3 x 2 pixels
+// without the rows' padding) reads all 24 bytes of the rows, and a file that
+// holds only the 18 is cut, not a picture with a blank end.
+TEST(BMP, ASizeFieldBelowTheRowsNeitherCutsNorPassesACutFile) {
+    CMemFile file;
+    test::Bytes whole = BmpHeader(3, 2, 24, 0, 18);
+    whole.resize(54 + 24, 0x55);
+    test::Fill(file, whole);
+    Bitmap b(LoadBMP(&file));
+    ASSERT_TRUE(b);
+    for (int32_t y = 0; y < 2; ++y)
+        EXPECT_TRUE(std::all_of(b->Row(y), b->Row(y) + 9, [](uint8_t v) { return v == 0x55; })) << "row " << y;
+    test::Bytes cut(whole.begin(), whole.begin() + 54 + 18);
+    test::Fill(file, cut);
+    EXPECT_EQ(LoadBMP(&file), nullptr);
+}
+
 TEST(PNG, RoundTripsPixelsExactly) {
     Bitmap picture = test::Pattern(33, 17);
     CMemFile file;
