@@ -110,6 +110,29 @@ TEST(JPEG, RoundTripsWithinTheLossOfTheCodec) {
     EXPECT_LE(test::MaxDifference(*picture, *back), 6);
 }
 
+// A file cut inside its scan leaves rows the decoder would have to make up:
+// no picture. One that lacks only its end marker holds every row and loads
+// as the whole file does.
+TEST(JPEG, ACutScanGivesNoPictureButAMissingEndMarkerDoes) {
+    Bitmap picture = test::Pattern(64, 48);
+    CMemFile file;
+    ASSERT_TRUE(SaveJPEG(picture.get(), &file, CPropertyArray()));
+    test::Bytes whole = test::BytesOf(file);
+    ASSERT_EQ(whole[whole.size() - 1], 0xD9);
+    file.Seek(0, 1);
+    Bitmap full(LoadJPEG(&file, nullptr));
+    ASSERT_TRUE(full);
+    test::Fill(file, test::Bytes(whole.begin(), whole.end() - 2));
+    Bitmap noEnd(LoadJPEG(&file, nullptr));
+    ASSERT_TRUE(noEnd);
+    EXPECT_TRUE(test::SamePixels(*full, *noEnd));
+    for (size_t cut : {whole.size() / 2, whole.size() - 40}) {
+        test::Fill(file, test::Bytes(whole.begin(), whole.begin() + long(cut)));
+        EXPECT_EQ(LoadJPEG(&file, nullptr), nullptr) << cut;
+        EXPECT_EQ(LoadHBITMAP(&file), nullptr) << cut;
+    }
+}
+
 TEST(JPEG, QualityAboveOneHundredIsIgnored) {
     Bitmap picture = test::Pattern(64, 64);
     auto sizeWith = [&](char16_t const *quality) {

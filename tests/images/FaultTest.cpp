@@ -83,8 +83,7 @@ TEST(ImageFaults, TiffPageCountsUnderFailingReadsAreWholeOrFail) {
 }
 
 // Loads by path under failing reads and seeks: a picture comes back whole,
-// as the clean load gives it, or not at all. A failed read in the middle of
-// a JPEG is no cut file, whose rest may be painted grey.
+// as the clean load gives it, or not at all.
 TEST(ImageFaults, BitmapLoadsUnderFailingReadsGiveTheWholePictureOrNone) {
     test::ScratchDir dir;
     test::Bitmap picture = test::Pattern(160, 120); // every format takes more than one read block
