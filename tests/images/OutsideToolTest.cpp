@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <vector>
 
 #include "images/ImageTestSupport.h"
 #include "qv/filesystems/FileSystem.h"
@@ -85,6 +86,43 @@ TEST_F(OutsideTools, TiffcpOutputLoadsToTheSamePixels) {
     EXPECT_TRUE(LoadTIFFRaw(file, back.data(), back.size() * 2));
     delete file;
     EXPECT_EQ(back, frame);
+}
+
+// Multi-page files of every pixel type: tiffinfo reads each page, and the
+// pages tiffcp turns into LZW strips of 3 rows read back bit for bit.
+TEST_F(OutsideTools, MultiPageFilesOfEveryTypeReadBothWays) {
+    if (!test::HaveTool("tiffinfo") || !test::HaveTool("tiffcp")) GTEST_SKIP() << "libtiff-tools are not installed";
+    struct Case {
+        EDataType type;
+        size_t bytes;
+        char const *name;
+    } cases[] = {{DT_UInt16, 2, "u16"}, {DT_UInt32, 4, "u32"}, {DT_Float, 4, "f32"}, {DT_Double, 8, "f64"},
+                 {DT_Packed, 3, "rgb"}};
+    auto frame = [](size_t bytes, uint8_t page) {
+        std::vector<uint8_t> v(size_t(13) * 7 * bytes);
+        for (size_t i = 0; i < v.size(); ++i) v[i] = uint8_t(i * 29 + page * 101);
+        return v;
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string path = dir.Path((std::string(c.name) + ".tif").c_str());
+        std::string lzw = dir.Path((std::string(c.name) + "_lzw.tif").c_str());
+        CMultiPageTIFFFile writer;
+        ASSERT_TRUE(writer.Create(CString(path.c_str()), 13, 7, c.type));
+        for (uint8_t page = 0; page < 3; ++page) ASSERT_TRUE(writer.WriteImage(frame(c.bytes, page).data()));
+        ASSERT_TRUE(writer.Close());
+        EXPECT_EQ(test::Run("tiffinfo -D " + path), 0);
+        EXPECT_EQ(test::Run("test $(tiffinfo " + path + " | grep -c 'TIFF Directory') = 3"), 0);
+        ASSERT_EQ(test::Run("tiffcp -c lzw -r 3 " + path + " " + lzw), 0);
+        CMultiPageTIFFFile reader;
+        ASSERT_TRUE(reader.Open(CString(lzw.c_str())));
+        ASSERT_EQ(reader.GetNumImages(), 3u);
+        std::vector<uint8_t> back(frame(c.bytes, 0).size());
+        for (uint8_t page = 0; page < 3; ++page) {
+            ASSERT_TRUE(reader.ReadImage(page, back.data()));
+            EXPECT_TRUE(back == frame(c.bytes, page)) << int(page);
+        }
+    }
 }
 
 TEST_F(OutsideTools, PythonReadsTheSamePixels) {
