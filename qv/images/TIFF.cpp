@@ -307,7 +307,8 @@ bool CMultiPageTIFFFile::ReadImage(unsigned long index, void *buffer) {
 }
 
 bool CMultiPageTIFFFile::Close() {
-    bool ok = !failed;
+    // A file written without a page holds no TIFF that a reader could open.
+    bool ok = !failed && !(writing && images == 0);
     if (tiff) {
         // Writing: the last page's directory goes out with the close.
         if (writing) ok = TIFFFlush(tiff) == 1 && ok;
