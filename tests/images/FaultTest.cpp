@@ -2,6 +2,9 @@
 // new one is complete, and every failure is reported.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "images/ImageTestSupport.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/IFileSystem.h"
@@ -80,6 +83,42 @@ TEST(ImageFaults, TiffPageCountsUnderFailingReadsAreWholeOrFail) {
     EXPECT_EQ(qv::test::ExpectWholeLoadOrFailure([&] { return reader.Open(CString(path.c_str())); },
                                                  [&] { return reader.GetNumImages(); }),
               3u);
+}
+
+// Raw frames read from disk under failing reads and seeks: every page of a
+// multi-page file, and the first page alone, come back whole or fail.
+TEST(ImageFaults, RawFrameReadsUnderFailingReadsAreWholeOrFail) {
+    test::ScratchDir dir;
+    std::string const path = dir.Path("pages.tif");
+    std::vector<double> frame(300 * 500); // more than one strip a page
+    for (size_t i = 0; i < frame.size(); ++i) frame[i] = double(i) / 7;
+    {
+        CMultiPageTIFFFile file;
+        ASSERT_TRUE(file.Create(CString(path.c_str()), 300, 500, DT_Double));
+        for (int page = 0; page < 2; ++page) ASSERT_TRUE(file.WriteImage(frame.data()));
+        ASSERT_TRUE(file.Close());
+    }
+    std::vector<double> pages;
+    auto const clean = qv::test::ExpectWholeLoadOrFailure(
+        [&] {
+            CMultiPageTIFFFile reader;
+            pages.assign(frame.size() * 2, 0);
+            return reader.Open(CString(path.c_str())) && reader.ReadImage(1, pages.data() + frame.size()) &&
+                   reader.ReadImage(0, pages.data());
+        },
+        [&] { return pages; });
+    EXPECT_TRUE(std::equal(frame.begin(), frame.end(), clean.begin()));
+    std::vector<double> first;
+    EXPECT_TRUE(qv::test::ExpectWholeLoadOrFailure(
+                    [&] {
+                        first.assign(frame.size(), 0);
+                        IFile *file = GetFileSystem().CreateFileW(CString(path.c_str()), 0x12);
+                        bool ok = file && LoadTIFFRaw(file, first.data(), first.size() * sizeof(double));
+                        if (file) file->Close();
+                        delete file;
+                        return ok;
+                    },
+                    [&] { return first; }) == frame);
 }
 
 // Loads by path under failing reads and seeks: a picture comes back whole,
