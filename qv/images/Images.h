@@ -23,8 +23,9 @@
 /// Untrusted input: every decoder checks its sizes against the file (a
 /// picture larger than its bytes could carry is refused) and against
 /// kMaxBitmapBytes; the libraries' errors are caught inside and give null.
-/// A JPEG cut short of its last row gives null; one that lacks only its end
-/// marker loads.
+/// A JPEG cut short of its last row, or a progressive or other multi-scan
+/// JPEG cut anywhere, gives null; one of a single scan that lacks only its
+/// end marker loads.
 ///
 /// Content tests seek to the start, read, and seek back to the start.
 ///

@@ -59,6 +59,30 @@ TEST_F(OutsideTools, CjpegOutputLoadsToDjpegPixels) {
     EXPECT_TRUE(test::SamePixels(*mine, *theirs));
 }
 
+// A progressive file cut between two scans decodes without a warning, to a
+// coarser picture than the whole file's: no picture. Whole, it loads as djpeg
+// decodes it.
+TEST_F(OutsideTools, ProgressiveJpegCutBetweenScansGivesNoPicture) {
+    if (!test::HaveTool("cjpeg") || !test::HaveTool("djpeg")) GTEST_SKIP() << "cjpeg/djpeg are not installed";
+    test::Bitmap picture = test::Pattern(64, 48);
+    std::string bmp = Save(picture.get(), "in.bmp");
+    std::string jpeg = dir.Path("progressive.jpg"), decoded = dir.Path("out.bmp");
+    ASSERT_EQ(test::Run("cjpeg -progressive -outfile " + jpeg + " " + bmp), 0);
+    ASSERT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
+    test::Bitmap whole = Load(jpeg), theirs = Load(decoded);
+    ASSERT_TRUE(whole);
+    ASSERT_TRUE(theirs);
+    EXPECT_TRUE(test::SamePixels(*whole, *theirs));
+    test::Bytes bytes = test::ReadDisk(jpeg);
+    std::vector<size_t> scans;
+    for (size_t i = 0; i + 1 < bytes.size(); ++i)
+        if (bytes[i] == 0xFF && bytes[i + 1] == 0xDA) scans.push_back(i);
+    ASSERT_GE(scans.size(), 3u);
+    CMemFile file;
+    test::Fill(file, test::Bytes(bytes.begin(), bytes.begin() + long(scans[2])));
+    EXPECT_EQ(LoadJPEG(&file, nullptr), nullptr);
+}
+
 TEST_F(OutsideTools, TiffinfoAndTiffdumpReadOurFrames) {
     if (!test::HaveTool("tiffinfo") || !test::HaveTool("tiffdump")) GTEST_SKIP() << "libtiff-tools are not installed";
     std::vector<uint16_t> frame(64 * 32);
