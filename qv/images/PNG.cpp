@@ -84,8 +84,12 @@ void SetBackground(SPngRead &s, uint8_t red, uint8_t green, uint8_t blue) {
     png_set_background(s.png, &colour, PNG_BACKGROUND_GAMMA_FILE, 1, 1.0);
 }
 
-bool Fits(SPngRead &s, png_uint_32 width, png_uint_32 height, uint64_t bytesPerPixel) {
-    return images::FileCanCarry(width, height, bytesPerPixel, s.file->GetSize(), images::kLosslessExpansion);
+// The file's data inflates to its rows as stored, a filter byte each: the
+// bound is on those, since the picture's own pixels may take several times
+// their bytes (a flat picture packed tightly would be refused otherwise).
+bool Fits(SPngRead &s, png_uint_32 height) {
+    uint64_t storedRow = uint64_t(png_get_rowbytes(s.png, s.info)) + 1;
+    return images::FileCanCarry(storedRow, height, 1, s.file->GetSize(), images::kLosslessExpansion);
 }
 
 void ReadBitmap(SPngRead &s) {
@@ -94,7 +98,7 @@ void ReadBitmap(SPngRead &s) {
     png_uint_32 width = 0, height = 0;
     int bitDepth = 0, colorType = 0;
     png_get_IHDR(s.png, s.info, &width, &height, &bitDepth, &colorType, nullptr, nullptr, nullptr);
-    if (!Fits(s, width, height, 4)) return;
+    if (!Fits(s, height)) return;
     if (bitDepth == 16) png_set_strip_16(s.png);
     if ((colorType & PNG_COLOR_MASK_ALPHA) && s.hasBackground)
         SetBackground(s, uint8_t(s.background), uint8_t(s.background >> 8), uint8_t(s.background >> 16));

@@ -369,7 +369,8 @@ TEST(RadiometricJPEG, AFailedReadOfTheSourceNeverCutsTheCopy) {
 TEST(RadiometricJPEG, ExtractionUnderFailingReadsGivesTheWholePayloadOrFails) {
     test::ScratchDir dir;
     std::string const path = dir.Path("r.jpg");
-    test::WriteDisk(path, WithSegments({Chunk({0, 1, 0, 2}, Filled(60000, 17)), Chunk({0, 2, 0, 2}, Filled(9000, 18))}));
+    test::WriteDisk(path,
+                    WithSegments({Chunk({0, 1, 0, 2}, Filled(60000, 17)), Chunk({0, 2, 0, 2}, Filled(9000, 18))}));
     CMemFile payload;
     Bytes const clean = test::ExpectWholeLoadOrFailure(
         [&] {

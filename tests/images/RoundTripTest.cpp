@@ -108,8 +108,10 @@ TEST(RoundTrip, MultiPageFramesOfEveryTypeComeBackBitForBit) {
             CMemFile file;
             CMultiPageTIFFFile writer;
             ASSERT_TRUE(writer.Create(&file, size.width, size.height, t.type));
-            for (uint8_t page = 0; page < 3; ++page)
-                ASSERT_TRUE(writer.WriteImage(Frame(uint32_t(size.width), uint32_t(size.height), t.bytes, page).data()));
+            auto frame = [&](uint8_t page) {
+                return Frame(uint32_t(size.width), uint32_t(size.height), t.bytes, page);
+            };
+            for (uint8_t page = 0; page < 3; ++page) ASSERT_TRUE(writer.WriteImage(frame(page).data()));
             ASSERT_TRUE(writer.Close());
             file.Seek(0, 1);
             CMultiPageTIFFFile reader;
@@ -119,7 +121,7 @@ TEST(RoundTrip, MultiPageFramesOfEveryTypeComeBackBitForBit) {
             std::vector<uint8_t> back(size_t(size.width) * size.height * t.bytes);
             for (uint8_t page : {2, 0, 1}) {
                 ASSERT_TRUE(reader.ReadImage(page, back.data()));
-                EXPECT_TRUE(back == Frame(uint32_t(size.width), uint32_t(size.height), t.bytes, page));
+                EXPECT_TRUE(back == frame(page));
             }
         }
 }
