@@ -23,6 +23,17 @@ protected:
         return path;
     }
     test::Bitmap Load(std::string const &path) { return test::Bitmap(LoadHBITMAP(&GetFileSystem(), CString(path.c_str()))); }
+    // cjpeg's file (named name, made with options) of picture, which must
+    // load here to the pixels djpeg decodes it to.
+    std::string CjpegAsDjpegSees(HBITMAP picture, std::string const &options, char const *name) {
+        std::string bmp = Save(picture, "in.bmp");
+        std::string jpeg = dir.Path(name), decoded = dir.Path("out.bmp");
+        EXPECT_EQ(test::Run("cjpeg " + options + " -outfile " + jpeg + " " + bmp), 0);
+        EXPECT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
+        test::Bitmap mine = Load(jpeg), theirs = Load(decoded);
+        EXPECT_TRUE(mine && theirs && test::SamePixels(*mine, *theirs));
+        return jpeg;
+    }
     test::ScratchDir dir;
 };
 
@@ -49,14 +60,7 @@ TEST_F(OutsideTools, DjpegDecodesOurJpegToOurPixels) {
 TEST_F(OutsideTools, CjpegOutputLoadsToDjpegPixels) {
     if (!test::HaveTool("cjpeg") || !test::HaveTool("djpeg")) GTEST_SKIP() << "cjpeg/djpeg are not installed";
     test::Bitmap picture = test::Smooth(24, 16);
-    std::string bmp = Save(picture.get(), "in.bmp");
-    std::string jpeg = dir.Path("cjpeg.jpg"), decoded = dir.Path("out.bmp");
-    ASSERT_EQ(test::Run("cjpeg -quality 90 -outfile " + jpeg + " " + bmp), 0);
-    ASSERT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
-    test::Bitmap mine = Load(jpeg), theirs = Load(decoded);
-    ASSERT_TRUE(mine);
-    ASSERT_TRUE(theirs);
-    EXPECT_TRUE(test::SamePixels(*mine, *theirs));
+    CjpegAsDjpegSees(picture.get(), "-quality 90", "cjpeg.jpg");
 }
 
 // A progressive file cut between two scans decodes without a warning, to a
@@ -65,15 +69,7 @@ TEST_F(OutsideTools, CjpegOutputLoadsToDjpegPixels) {
 TEST_F(OutsideTools, ProgressiveJpegCutBetweenScansGivesNoPicture) {
     if (!test::HaveTool("cjpeg") || !test::HaveTool("djpeg")) GTEST_SKIP() << "cjpeg/djpeg are not installed";
     test::Bitmap picture = test::Pattern(64, 48);
-    std::string bmp = Save(picture.get(), "in.bmp");
-    std::string jpeg = dir.Path("progressive.jpg"), decoded = dir.Path("out.bmp");
-    ASSERT_EQ(test::Run("cjpeg -progressive -outfile " + jpeg + " " + bmp), 0);
-    ASSERT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
-    test::Bitmap whole = Load(jpeg), theirs = Load(decoded);
-    ASSERT_TRUE(whole);
-    ASSERT_TRUE(theirs);
-    EXPECT_TRUE(test::SamePixels(*whole, *theirs));
-    test::Bytes bytes = test::ReadDisk(jpeg);
+    test::Bytes bytes = test::ReadDisk(CjpegAsDjpegSees(picture.get(), "-progressive", "progressive.jpg"));
     std::vector<size_t> scans;
     for (size_t i = 0; i + 1 < bytes.size(); ++i)
         if (bytes[i] == 0xFF && bytes[i + 1] == 0xDA) scans.push_back(i);
