@@ -44,11 +44,13 @@ HBITMAP LoadBMP(IFile *file) {
     if (h.bitCount != 24 || h.compression != 0 || h.width <= 0 || h.height <= 0) return nullptr;
     uint32_t stride = BitmapStride(h.width, 24);
     uint64_t needed = uint64_t(stride) * uint64_t(h.height);
-    uint64_t size = h.imageSize ? h.imageSize : needed;
-    if (stride == 0 || size > needed || int64_t(size) > file->GetRemaining()) return nullptr;
+    // All the rows are read whatever the size field says below them (0, or a
+    // count without the rows' padding): reading only that many would leave
+    // the picture's top blank, and a file cut there would pass for whole.
+    if (stride == 0 || h.imageSize > needed || int64_t(needed) > file->GetRemaining()) return nullptr;
     HBITMAP bitmap = CreateBitmap(h.width, h.height, 24);
     if (!bitmap) return nullptr;
-    if (file->Read(bitmap->Bits(), uint32_t(size)) != size) {
+    if (file->Read(bitmap->Bits(), uint32_t(needed)) != needed) {
         DeleteBitmap(bitmap);
         return nullptr;
     }

@@ -16,11 +16,16 @@
 /// (LoadPNG: 0x00BBGGRR, blended under alpha).
 ///
 /// BMP: only 24 bits a pixel, uncompressed, bottom-up, pixels right after the
-/// 54-byte header (what SaveBMP writes); anything else gives null.
+/// 54-byte header (what SaveBMP writes); anything else gives null. All the
+/// rows are read: an image-size field larger than them, or a file too short
+/// for them, gives null.
 ///
 /// Untrusted input: every decoder checks its sizes against the file (a
 /// picture larger than its bytes could carry is refused) and against
 /// kMaxBitmapBytes; the libraries' errors are caught inside and give null.
+/// A JPEG cut short of its last row, or a progressive or other multi-scan
+/// JPEG cut anywhere, gives null; one of a single scan that lacks only its
+/// end marker loads.
 ///
 /// Content tests seek to the start, read, and seek back to the start.
 ///

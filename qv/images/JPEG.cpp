@@ -50,8 +50,9 @@ boolean FillInput(j_decompress_ptr cinfo) {
     // A read that fails before the end is no cut file: the picture fails.
     if (n == 0 && src->file->GetRemaining() > 0) cinfo->err->error_exit(reinterpret_cast<j_common_ptr>(cinfo));
     if (n == 0) {
-        // A cut file ends as if its end marker were there: libjpeg gives
-        // what it has (the rest of the picture grey).
+        // A cut file ends as if its end marker were there: a file of one scan
+        // that lacks only that marker decodes whole, and the decoder warns
+        // when it must make up rows past the end (see Decode).
         src->ranOut = true;
         src->buffer[0] = 0xFF;
         src->buffer[1] = JPEG_EOI;
@@ -175,6 +176,9 @@ void Decode(SJpegRead &s) {
     for (JDIMENSION y = 0; y < height; ++y) s.rows[y] = s.bitmap->Row(int32_t(height - 1 - y));
     while (s.cinfo.output_scanline < height)
         jpeg_read_scanlines(&s.cinfo, s.rows + s.cinfo.output_scanline, height - s.cinfo.output_scanline);
+    // A cut file is no picture when the decoder had to make up rows (it warns
+    // then) or when whole scans of a file of several may be missing.
+    if (s.src.ranOut && (s.err.pub.num_warnings > 0 || jpeg_has_multiple_scans(&s.cinfo))) return;
     if (s.payload && !WritePayload(s)) return;
     jpeg_finish_decompress(&s.cinfo);
     s.done = true;

@@ -62,14 +62,18 @@ void EndRead(SPngRead &s) {
     if (s.png) png_destroy_read_struct(&s.png, s.info ? &s.info : nullptr, nullptr);
 }
 
-// Palette, low bit depth and transparency to 8-bit samples; the file's own
-// gamma against the screen's.
+// The file's own gamma against the screen's.
+void CorrectGamma(SPngRead &s) {
+    double gamma = 0;
+    if (png_get_gAMA(s.png, s.info, &gamma)) png_set_gamma(s.png, kScreenGamma, gamma);
+}
+
+// Palette, low bit depth and transparency to 8-bit samples, then gamma.
 void ExpandCommon(SPngRead &s, int colorType, int bitDepth) {
     if (colorType == PNG_COLOR_TYPE_PALETTE) png_set_expand(s.png);
     if (bitDepth < 8) png_set_expand(s.png);
     if (png_get_valid(s.png, s.info, PNG_INFO_tRNS)) png_set_expand(s.png);
-    double gamma = 0;
-    if (png_get_gAMA(s.png, s.info, &gamma)) png_set_gamma(s.png, kScreenGamma, gamma);
+    CorrectGamma(s);
 }
 
 void SetBackground(SPngRead &s, uint8_t red, uint8_t green, uint8_t blue) {
@@ -80,8 +84,12 @@ void SetBackground(SPngRead &s, uint8_t red, uint8_t green, uint8_t blue) {
     png_set_background(s.png, &colour, PNG_BACKGROUND_GAMMA_FILE, 1, 1.0);
 }
 
-bool Fits(SPngRead &s, png_uint_32 width, png_uint_32 height, uint64_t bytesPerPixel) {
-    return images::FileCanCarry(width, height, bytesPerPixel, s.file->GetSize(), images::kLosslessExpansion);
+// The file's data inflates to its rows as stored, a filter byte each: the
+// bound is on those, since the picture's own pixels may take several times
+// their bytes (a flat picture packed tightly would be refused otherwise).
+bool Fits(SPngRead &s, png_uint_32 height) {
+    uint64_t storedRow = uint64_t(png_get_rowbytes(s.png, s.info)) + 1;
+    return images::FileCanCarry(storedRow, height, 1, s.file->GetSize(), images::kLosslessExpansion);
 }
 
 void ReadBitmap(SPngRead &s) {
@@ -90,7 +98,7 @@ void ReadBitmap(SPngRead &s) {
     png_uint_32 width = 0, height = 0;
     int bitDepth = 0, colorType = 0;
     png_get_IHDR(s.png, s.info, &width, &height, &bitDepth, &colorType, nullptr, nullptr, nullptr);
-    if (!Fits(s, width, height, 4)) return;
+    if (!Fits(s, height)) return;
     if (bitDepth == 16) png_set_strip_16(s.png);
     if ((colorType & PNG_COLOR_MASK_ALPHA) && s.hasBackground)
         SetBackground(s, uint8_t(s.background), uint8_t(s.background >> 8), uint8_t(s.background >> 16));
@@ -124,7 +132,9 @@ void ReadGrey16(SPngRead &s) {
     // picture nor four times it.
     if (pixels > s.size || bitDepth != 16 || colorType != PNG_COLOR_TYPE_GRAY) return;
     if (pixels != s.size && 4 * pixels != s.size) return;
-    ExpandCommon(s, colorType, bitDepth);
+    // Only 16-bit grey gets here, so nothing needs expanding; a transparency
+    // chunk must not add an alpha word, which would run past the buffer.
+    CorrectGamma(s);
     png_set_swap(s.png); // PNG samples are big-endian; the buffer holds host words
     png_read_update_info(s.png, s.info);
     s.rows = static_cast<png_bytepp>(std::malloc(sizeof(png_bytep) * height));

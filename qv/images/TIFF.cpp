@@ -81,7 +81,7 @@ bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EData
     pages = 1;
     while (TIFFReadDirectory(handle.tiff)) ++pages;
     file->Seek(0, 1);
-    return true;
+    return !handle.client.failed;
 }
 
 bool GetTIFFInfo(IFile *file, unsigned long &width, unsigned long &height, EDataType &type) {
@@ -232,7 +232,10 @@ bool CMultiPageTIFFFile::Open(IFile *f, bool own) {
     // Packed pages are read through a block of 4 bytes a pixel: a header may
     // not ask for more than the file could carry.
     if (formType == DT_Packed && !FitsFile(form, 4, f)) formType = DT_Unknown;
-    if (formType == DT_Unknown) {
+    uint32_t pages = 1;
+    while (formType != DT_Unknown && TIFFReadDirectory(t)) ++pages;
+    // A failed read in the chain is no last page.
+    if (formType == DT_Unknown || client.failed) {
         if (t) TIFFClose(t);
         return false;
     }
@@ -246,8 +249,7 @@ bool CMultiPageTIFFFile::Open(IFile *f, bool own) {
     samplesPerPixel = form.samplesPerPixel;
     photometric = form.photometric;
     sampleFormat = form.sampleFormat;
-    images = 1;
-    while (TIFFReadDirectory(tiff)) ++images;
+    images = pages;
     return true;
 }
 
@@ -305,7 +307,8 @@ bool CMultiPageTIFFFile::ReadImage(unsigned long index, void *buffer) {
 }
 
 bool CMultiPageTIFFFile::Close() {
-    bool ok = !failed;
+    // A file written without a page holds no TIFF that a reader could open.
+    bool ok = !failed && !(writing && images == 0);
     if (tiff) {
         // Writing: the last page's directory goes out with the close.
         if (writing) ok = TIFFFlush(tiff) == 1 && ok;

@@ -94,7 +94,9 @@ public:
     /// Reads page index into buffer (after Open); false for a missing page or
     /// one of another form.
     bool ReadImage(unsigned long index, void *buffer);
-    /// False when a write or, for a file created by path, the final rename failed.
+    /// False when a write or, for a file created by path, the final rename
+    /// failed, and for a file created without a page (by path, the old file
+    /// then stays).
     bool Close();
 
     /// Whether a file is open, and its frame size, pixel form and the number

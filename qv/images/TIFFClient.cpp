@@ -14,8 +14,14 @@ namespace {
 STiffClient &ClientOf(thandle_t handle) { return *static_cast<STiffClient *>(handle); }
 IFile *FileOf(thandle_t handle) { return ClientOf(handle).file; }
 
+// libtiff takes a short read of a directory for the end of the chain, so a
+// read that stops short of the file's end is remembered as a failure.
 tmsize_t ReadProc(thandle_t h, void *buf, tmsize_t n) {
-    return n < 0 || uint64_t(n) > UINT32_MAX ? -1 : tmsize_t(FileOf(h)->Read(buf, uint32_t(n)));
+    if (n < 0 || uint64_t(n) > UINT32_MAX) return -1;
+    STiffClient &client = ClientOf(h);
+    uint32_t got = client.file->Read(buf, uint32_t(n));
+    if (got < uint64_t(n) && client.file->GetRemaining() > 0) client.failed = true;
+    return tmsize_t(got);
 }
 
 tmsize_t WriteProc(thandle_t h, void *buf, tmsize_t n) {

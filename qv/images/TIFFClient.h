@@ -6,8 +6,10 @@
 ///
 /// libtiff does not check every seek it makes while writing, so a failed
 /// write or seek is remembered in the client: from then on every write and
-/// seek fails, and a writer asks Failed() before it reports success. The
-/// client must outlive the handle.
+/// seek fails, and a writer asks failed before it reports success. A read
+/// that fails short of the file's end is remembered too: libtiff takes it
+/// for the end of the chain of directories, so a page count asks before it
+/// reports. The client must outlive the handle.
 #pragma once
 
 #include <tiffio.h>

@@ -1,6 +1,6 @@
 /// @file
 /// What the libtiff callbacks over an IFile keep: the file, and whether a
-/// write or seek failed (see TIFFClient.h). No libtiff types here, so that
+/// write, seek or read failed (see TIFFClient.h). No libtiff types here, so that
 /// public headers can hold one.
 #pragma once
 
@@ -13,7 +13,7 @@ namespace qv::images {
 /// @copydoc TIFFClientState.h
 struct STiffClient {
     IFile *file = nullptr; ///< not owned
-    bool failed = false; ///< a write or seek failed; later ones fail too
+    bool failed = false; ///< a write, seek or read failed; later writes and seeks fail too
 };
 
 } // namespace qv::images

@@ -67,6 +67,23 @@ TEST(BMP, RefusesWhatItDoesNotWrite) {
     EXPECT_FALSE(loads(test::Bytes{'X', 'M'}, 100));
 }
 
+// A size field smaller than the rows (here the 18 bytes of 3 x 2 pixels
+// without the rows' padding) reads all 24 bytes of the rows, and a file that
+// holds only the 18 is cut, not a picture with a blank end.
+TEST(BMP, ASizeFieldBelowTheRowsNeitherCutsNorPassesACutFile) {
+    CMemFile file;
+    test::Bytes whole = BmpHeader(3, 2, 24, 0, 18);
+    whole.resize(54 + 24, 0x55);
+    test::Fill(file, whole);
+    Bitmap b(LoadBMP(&file));
+    ASSERT_TRUE(b);
+    for (int32_t y = 0; y < 2; ++y)
+        EXPECT_TRUE(std::all_of(b->Row(y), b->Row(y) + 9, [](uint8_t v) { return v == 0x55; })) << "row " << y;
+    test::Bytes cut(whole.begin(), whole.begin() + 54 + 18);
+    test::Fill(file, cut);
+    EXPECT_EQ(LoadBMP(&file), nullptr);
+}
+
 TEST(PNG, RoundTripsPixelsExactly) {
     Bitmap picture = test::Pattern(33, 17);
     CMemFile file;
@@ -77,6 +94,47 @@ TEST(PNG, RoundTripsPixelsExactly) {
     Bitmap back(LoadPNG(&file, CPropertyArray()));
     ASSERT_TRUE(back);
     EXPECT_TRUE(test::SamePixels(*picture, *back));
+}
+
+// A flat picture compresses to less than a thousandth of its rows: what
+// SavePNG writes loads back, however well it packed.
+TEST(PNG, AFlatPictureThatPacksTightlyLoadsBack) {
+    Bitmap picture(CreateBitmap(16000, 100, 24));
+    std::fill(picture->Bits(), picture->Bits() + picture->ImageSize(), uint8_t(0x80));
+    CMemFile file;
+    ASSERT_TRUE(SavePNG(picture.get(), &file, CPropertyArray()));
+    ASSERT_LT(uint64_t(file.GetSize()) * 1100 + 65536, uint64_t(16000) * 100 * 4); // the old bound refused it
+    file.Seek(0, 1);
+    Bitmap back(LoadPNG(&file, CPropertyArray()));
+    ASSERT_TRUE(back);
+    EXPECT_TRUE(test::SamePixels(*picture, *back));
+}
+
+// A 5 x 3 colour picture stored in seven interlaced passes, made by zlib and
+// CRC by hand: top row y, pixel x has red 40x, green 70y, blue 30 (x ^ y).
+TEST(PNG, InterlacedPicturesLoadEveryPixel) {
+    static unsigned char const adam7[] = {
+        0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48, 0x44, 0x52, 0x00,
+        0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x03, 0x08, 0x02, 0x00, 0x00, 0x01, 0xA3, 0x53, 0x62, 0x39, 0x00,
+        0x00, 0x00, 0x36, 0x49, 0x44, 0x41, 0x54, 0x78, 0xDA, 0x0D, 0xC1, 0x21, 0x01, 0xC0, 0x00, 0x08, 0x45,
+        0xC1, 0x97, 0x04, 0x4D, 0x08, 0xF4, 0xD7, 0x68, 0x92, 0x10, 0xE2, 0xEB, 0x69, 0x42, 0x2C, 0xE0, 0x76,
+        0x07, 0xBF, 0x63, 0x69, 0x0A, 0x5C, 0x6D, 0xCE, 0x2F, 0x49, 0x2C, 0x43, 0x7A, 0xD6, 0x01, 0x8A, 0x14,
+        0xAD, 0x59, 0xD5, 0xE9, 0xF9, 0x00, 0x22, 0x61, 0x0C, 0xA9, 0xB5, 0x32, 0xDA, 0xD2, 0x00, 0x00, 0x00,
+        0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
+    CMemFile file;
+    test::Fill(file, test::Bytes(std::begin(adam7), std::end(adam7)));
+    Bitmap back(LoadPNG(&file, CPropertyArray()));
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->Width, 5);
+    ASSERT_EQ(back->Height, 3);
+    ASSERT_EQ(back->BitCount, 24);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 5; ++x) {
+            uint8_t const *p = back->Row(2 - y) + 3 * x;
+            EXPECT_EQ(p[0], (x ^ y) * 30) << x << ", " << y;
+            EXPECT_EQ(p[1], y * 70) << x << ", " << y;
+            EXPECT_EQ(p[2], x * 40) << x << ", " << y;
+        }
 }
 
 TEST(JPEG, RoundTripsWithinTheLossOfTheCodec) {
@@ -91,6 +149,29 @@ TEST(JPEG, RoundTripsWithinTheLossOfTheCodec) {
     EXPECT_EQ(back->Width, 64);
     EXPECT_EQ(back->Height, 48);
     EXPECT_LE(test::MaxDifference(*picture, *back), 6);
+}
+
+// A file cut inside its scan leaves rows the decoder would have to make up:
+// no picture. One that lacks only its end marker holds every row and loads
+// as the whole file does.
+TEST(JPEG, ACutScanGivesNoPictureButAMissingEndMarkerDoes) {
+    Bitmap picture = test::Pattern(64, 48);
+    CMemFile file;
+    ASSERT_TRUE(SaveJPEG(picture.get(), &file, CPropertyArray()));
+    test::Bytes whole = test::BytesOf(file);
+    ASSERT_EQ(whole[whole.size() - 1], 0xD9);
+    file.Seek(0, 1);
+    Bitmap full(LoadJPEG(&file, nullptr));
+    ASSERT_TRUE(full);
+    test::Fill(file, test::Bytes(whole.begin(), whole.end() - 2));
+    Bitmap noEnd(LoadJPEG(&file, nullptr));
+    ASSERT_TRUE(noEnd);
+    EXPECT_TRUE(test::SamePixels(*full, *noEnd));
+    for (size_t cut : {whole.size() / 2, whole.size() - 40}) {
+        test::Fill(file, test::Bytes(whole.begin(), whole.begin() + long(cut)));
+        EXPECT_EQ(LoadJPEG(&file, nullptr), nullptr) << cut;
+        EXPECT_EQ(LoadHBITMAP(&file), nullptr) << cut;
+    }
 }
 
 TEST(JPEG, QualityAboveOneHundredIsIgnored) {

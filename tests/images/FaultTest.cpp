@@ -2,6 +2,9 @@
 // new one is complete, and every failure is reported.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "images/ImageTestSupport.h"
 #include "qv/filesystems/FileSystem.h"
 #include "qv/filesystems/IFileSystem.h"
@@ -49,9 +52,77 @@ TEST(ImageFaults, TiffFramesByPathLoseNothing) {
     });
 }
 
+// Counting the pages of a multi-page file under failing reads and seeks: a
+// failure in the chain of directories is no last page, so the count is the
+// whole one or the call fails.
+TEST(ImageFaults, TiffPageCountsUnderFailingReadsAreWholeOrFail) {
+    test::ScratchDir dir;
+    std::string const path = dir.Path("pages.tif");
+    std::vector<uint16_t> frame(8 * 4, 0x0102);
+    {
+        CMultiPageTIFFFile file;
+        ASSERT_TRUE(file.Create(CString(path.c_str()), 8, 4, DT_UInt16));
+        for (int page = 0; page < 3; ++page) ASSERT_TRUE(file.WriteImage(frame.data()));
+        ASSERT_TRUE(file.Close());
+    }
+    unsigned long pages = 0;
+    EXPECT_EQ(qv::test::ExpectWholeLoadOrFailure(
+                  [&] {
+                      IFile *file = GetFileSystem().CreateFileW(CString(path.c_str()), 0x12);
+                      unsigned long width = 0, height = 0;
+                      EDataType type = DT_Unknown;
+                      pages = 0;
+                      bool ok = file && GetTIFFInfo(file, width, height, type, pages);
+                      if (file) file->Close();
+                      delete file;
+                      return ok;
+                  },
+                  [&] { return pages; }),
+              3u);
+    CMultiPageTIFFFile reader;
+    EXPECT_EQ(qv::test::ExpectWholeLoadOrFailure([&] { return reader.Open(CString(path.c_str())); },
+                                                 [&] { return reader.GetNumImages(); }),
+              3u);
+}
+
+// Raw frames read from disk under failing reads and seeks: every page of a
+// multi-page file, and the first page alone, come back whole or fail.
+TEST(ImageFaults, RawFrameReadsUnderFailingReadsAreWholeOrFail) {
+    test::ScratchDir dir;
+    std::string const path = dir.Path("pages.tif");
+    std::vector<double> frame(300 * 500); // more than one strip a page
+    for (size_t i = 0; i < frame.size(); ++i) frame[i] = double(i) / 7;
+    {
+        CMultiPageTIFFFile file;
+        ASSERT_TRUE(file.Create(CString(path.c_str()), 300, 500, DT_Double));
+        for (int page = 0; page < 2; ++page) ASSERT_TRUE(file.WriteImage(frame.data()));
+        ASSERT_TRUE(file.Close());
+    }
+    std::vector<double> pages;
+    auto const clean = qv::test::ExpectWholeLoadOrFailure(
+        [&] {
+            CMultiPageTIFFFile reader;
+            pages.assign(frame.size() * 2, 0);
+            return reader.Open(CString(path.c_str())) && reader.ReadImage(1, pages.data() + frame.size()) &&
+                   reader.ReadImage(0, pages.data());
+        },
+        [&] { return pages; });
+    EXPECT_TRUE(std::equal(frame.begin(), frame.end(), clean.begin()));
+    std::vector<double> first;
+    EXPECT_TRUE(qv::test::ExpectWholeLoadOrFailure(
+                    [&] {
+                        first.assign(frame.size(), 0);
+                        IFile *file = GetFileSystem().CreateFileW(CString(path.c_str()), 0x12);
+                        bool ok = file && LoadTIFFRaw(file, first.data(), first.size() * sizeof(double));
+                        if (file) file->Close();
+                        delete file;
+                        return ok;
+                    },
+                    [&] { return first; }) == frame);
+}
+
 // Loads by path under failing reads and seeks: a picture comes back whole,
-// as the clean load gives it, or not at all. A failed read in the middle of
-// a JPEG is no cut file, whose rest may be painted grey.
+// as the clean load gives it, or not at all.
 TEST(ImageFaults, BitmapLoadsUnderFailingReadsGiveTheWholePictureOrNone) {
     test::ScratchDir dir;
     test::Bitmap picture = test::Pattern(160, 120); // every format takes more than one read block

@@ -53,6 +53,20 @@ TEST(HostileInput, PngHeaderWithAHugeSizeIsRefused) {
     EXPECT_EQ(LoadPNG(&file, CPropertyArray()), nullptr);
 }
 
+// A sound header for 30000 x 30000 colour pixels over 74 bytes: its rows
+// could never come out of so little data, and nothing is allocated for them.
+TEST(HostileInput, PngRowsBeyondWhatTheDataCanInflateToAreRefused) {
+    static unsigned char const huge[] = {
+        0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48, 0x44, 0x52, 0x00,
+        0x00, 0x75, 0x30, 0x00, 0x00, 0x75, 0x30, 0x08, 0x02, 0x00, 0x00, 0x00, 0xE9, 0x45, 0x6F, 0xED, 0x00,
+        0x00, 0x00, 0x11, 0x49, 0x44, 0x41, 0x54, 0x78, 0xDA, 0x63, 0x60, 0x18, 0x05, 0xA3, 0x60, 0x14, 0x0C,
+        0x77, 0x00, 0x00, 0x03, 0xE8, 0x00, 0x01, 0xCE, 0x49, 0x4C, 0x58, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45,
+        0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
+    CMemFile file;
+    test::Fill(file, test::Bytes(std::begin(huge), std::end(huge)));
+    EXPECT_EQ(LoadPNG(&file, CPropertyArray()), nullptr);
+}
+
 TEST(HostileInput, TiffStripsPastTheEndAreRefused) {
     std::vector<uint16_t> frame(64 * 64, 7);
     CMemFile file;
@@ -93,6 +107,21 @@ TEST(PNG16, ReadsSamplesAndSpreadsToFourTimesTheSize) {
                                                    0x0506, 0x0506, 0xA0B0, 0xA0B0, 0x0506, 0x0506, 0xA0B0, 0xA0B0}));
     file.Seek(0, 1);
     EXPECT_FALSE(LoadPNG16(&file, spread.data(), 8)); // neither the picture nor four times it
+}
+
+// The same picture with a transparency chunk (grey 0x0304) after its header:
+// the samples come back as they stand, one word a pixel, and no alpha word
+// runs past the end of a buffer of exactly the picture's size.
+TEST(HostileInput, Png16WithTransparencyKeepsOneSampleAPixel) {
+    test::Bytes png(std::begin(kGrey16), std::end(kGrey16));
+    unsigned char const transparency[] = {0x00, 0x00, 0x00, 0x02, 0x74, 0x52, 0x4E, 0x53,
+                                          0x03, 0x04, 0x5A, 0xD3, 0x5A, 0xE2};
+    png.insert(png.begin() + 33, std::begin(transparency), std::end(transparency));
+    CMemFile file;
+    test::Fill(file, png);
+    std::vector<unsigned short> exact(4);
+    ASSERT_TRUE(LoadPNG16(&file, exact.data(), 4));
+    EXPECT_EQ(exact, (std::vector<unsigned short>{0x0102, 0x0304, 0x0506, 0xA0B0}));
 }
 
 TEST(HostileInput, Png16RefusesOtherDepthsAndSmallBuffers) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <vector>
 
 #include "images/ImageTestSupport.h"
 #include "qv/filesystems/FileSystem.h"
@@ -22,6 +23,17 @@ protected:
         return path;
     }
     test::Bitmap Load(std::string const &path) { return test::Bitmap(LoadHBITMAP(&GetFileSystem(), CString(path.c_str()))); }
+    // cjpeg's file (named name, made with options) of picture, which must
+    // load here to the pixels djpeg decodes it to.
+    std::string CjpegAsDjpegSees(HBITMAP picture, std::string const &options, char const *name) {
+        std::string bmp = Save(picture, "in.bmp");
+        std::string jpeg = dir.Path(name), decoded = dir.Path("out.bmp");
+        EXPECT_EQ(test::Run("cjpeg " + options + " -outfile " + jpeg + " " + bmp), 0);
+        EXPECT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
+        test::Bitmap mine = Load(jpeg), theirs = Load(decoded);
+        EXPECT_TRUE(mine && theirs && test::SamePixels(*mine, *theirs));
+        return jpeg;
+    }
     test::ScratchDir dir;
 };
 
@@ -48,14 +60,23 @@ TEST_F(OutsideTools, DjpegDecodesOurJpegToOurPixels) {
 TEST_F(OutsideTools, CjpegOutputLoadsToDjpegPixels) {
     if (!test::HaveTool("cjpeg") || !test::HaveTool("djpeg")) GTEST_SKIP() << "cjpeg/djpeg are not installed";
     test::Bitmap picture = test::Smooth(24, 16);
-    std::string bmp = Save(picture.get(), "in.bmp");
-    std::string jpeg = dir.Path("cjpeg.jpg"), decoded = dir.Path("out.bmp");
-    ASSERT_EQ(test::Run("cjpeg -quality 90 -outfile " + jpeg + " " + bmp), 0);
-    ASSERT_EQ(test::Run("djpeg -bmp -outfile " + decoded + " " + jpeg), 0);
-    test::Bitmap mine = Load(jpeg), theirs = Load(decoded);
-    ASSERT_TRUE(mine);
-    ASSERT_TRUE(theirs);
-    EXPECT_TRUE(test::SamePixels(*mine, *theirs));
+    CjpegAsDjpegSees(picture.get(), "-quality 90", "cjpeg.jpg");
+}
+
+// A progressive file cut between two scans decodes without a warning, to a
+// coarser picture than the whole file's: no picture. Whole, it loads as djpeg
+// decodes it.
+TEST_F(OutsideTools, ProgressiveJpegCutBetweenScansGivesNoPicture) {
+    if (!test::HaveTool("cjpeg") || !test::HaveTool("djpeg")) GTEST_SKIP() << "cjpeg/djpeg are not installed";
+    test::Bitmap picture = test::Pattern(64, 48);
+    test::Bytes bytes = test::ReadDisk(CjpegAsDjpegSees(picture.get(), "-progressive", "progressive.jpg"));
+    std::vector<size_t> scans;
+    for (size_t i = 0; i + 1 < bytes.size(); ++i)
+        if (bytes[i] == 0xFF && bytes[i + 1] == 0xDA) scans.push_back(i);
+    ASSERT_GE(scans.size(), 3u);
+    CMemFile file;
+    test::Fill(file, test::Bytes(bytes.begin(), bytes.begin() + long(scans[2])));
+    EXPECT_EQ(LoadJPEG(&file, nullptr), nullptr);
 }
 
 TEST_F(OutsideTools, TiffinfoAndTiffdumpReadOurFrames) {
@@ -85,6 +106,43 @@ TEST_F(OutsideTools, TiffcpOutputLoadsToTheSamePixels) {
     EXPECT_TRUE(LoadTIFFRaw(file, back.data(), back.size() * 2));
     delete file;
     EXPECT_EQ(back, frame);
+}
+
+// Multi-page files of every pixel type: tiffinfo reads each page, and the
+// pages tiffcp turns into LZW strips of 3 rows read back bit for bit.
+TEST_F(OutsideTools, MultiPageFilesOfEveryTypeReadBothWays) {
+    if (!test::HaveTool("tiffinfo") || !test::HaveTool("tiffcp")) GTEST_SKIP() << "libtiff-tools are not installed";
+    struct Case {
+        EDataType type;
+        size_t bytes;
+        char const *name;
+    } cases[] = {{DT_UInt16, 2, "u16"}, {DT_UInt32, 4, "u32"}, {DT_Float, 4, "f32"}, {DT_Double, 8, "f64"},
+                 {DT_Packed, 3, "rgb"}};
+    auto frame = [](size_t bytes, uint8_t page) {
+        std::vector<uint8_t> v(size_t(13) * 7 * bytes);
+        for (size_t i = 0; i < v.size(); ++i) v[i] = uint8_t(i * 29 + page * 101);
+        return v;
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string path = dir.Path((std::string(c.name) + ".tif").c_str());
+        std::string lzw = dir.Path((std::string(c.name) + "_lzw.tif").c_str());
+        CMultiPageTIFFFile writer;
+        ASSERT_TRUE(writer.Create(CString(path.c_str()), 13, 7, c.type));
+        for (uint8_t page = 0; page < 3; ++page) ASSERT_TRUE(writer.WriteImage(frame(c.bytes, page).data()));
+        ASSERT_TRUE(writer.Close());
+        EXPECT_EQ(test::Run("tiffinfo -D " + path), 0);
+        EXPECT_EQ(test::Run("test $(tiffinfo " + path + " | grep -c 'TIFF Directory') = 3"), 0);
+        ASSERT_EQ(test::Run("tiffcp -c lzw -r 3 " + path + " " + lzw), 0);
+        CMultiPageTIFFFile reader;
+        ASSERT_TRUE(reader.Open(CString(lzw.c_str())));
+        ASSERT_EQ(reader.GetNumImages(), 3u);
+        std::vector<uint8_t> back(frame(c.bytes, 0).size());
+        for (uint8_t page = 0; page < 3; ++page) {
+            ASSERT_TRUE(reader.ReadImage(page, back.data()));
+            EXPECT_TRUE(back == frame(c.bytes, page)) << int(page);
+        }
+    }
 }
 
 TEST_F(OutsideTools, PythonReadsTheSamePixels) {

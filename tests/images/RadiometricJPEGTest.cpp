@@ -364,5 +364,22 @@ TEST(RadiometricJPEG, AFailedReadOfTheSourceNeverCutsTheCopy) {
     EXPECT_TRUE(std::equal(trailer.begin(), trailer.end(), after.end() - std::ptrdiff_t(trailer.size())));
 }
 
+// Taking the payload from a file on disk under failing reads and seeks: the
+// whole payload, as the clean read gives it, or a failure.
+TEST(RadiometricJPEG, ExtractionUnderFailingReadsGivesTheWholePayloadOrFails) {
+    test::ScratchDir dir;
+    std::string const path = dir.Path("r.jpg");
+    test::WriteDisk(path,
+                    WithSegments({Chunk({0, 1, 0, 2}, Filled(60000, 17)), Chunk({0, 2, 0, 2}, Filled(9000, 18))}));
+    CMemFile payload;
+    Bytes const clean = test::ExpectWholeLoadOrFailure(
+        [&] {
+            payload.Reset();
+            return RadiometricJPEG(&GetFileSystem(), CString(path.c_str()), &payload);
+        },
+        [&] { return test::BytesOf(payload); });
+    EXPECT_TRUE(clean == Concat({Filled(60000, 17), Filled(9000, 18)}));
+}
+
 } // namespace
 } // namespace qv

@@ -125,6 +125,21 @@ TEST(MultiPageTIFF, PackedPagesReadAsThreeBytesAPixel) {
     EXPECT_EQ(back, pixels);
 }
 
+// A file closed before its first page holds no TIFF a reader could open: the
+// close fails, and a file created by path leaves the old one in place.
+TEST(MultiPageTIFF, ClosingWithoutAPageFailsAndKeepsTheOldFile) {
+    CMemFile file;
+    CMultiPageTIFFFile writer;
+    ASSERT_TRUE(writer.Create(&file, 4, 4, DT_UInt16));
+    EXPECT_FALSE(writer.Close());
+    test::ScratchDir dir;
+    std::string path = dir.Path("old.tif");
+    test::WriteDisk(path, test::Bytes{'o', 'l', 'd'});
+    ASSERT_TRUE(writer.Create(CString(path.c_str()), 4, 4, DT_UInt16));
+    EXPECT_FALSE(writer.Close());
+    EXPECT_EQ(test::ReadDisk(path), (test::Bytes{'o', 'l', 'd'}));
+}
+
 TEST(MultiPageTIFF, CreateRefusesTypesOutsideTheProfile) {
     CMemFile file;
     CMultiPageTIFFFile writer;
