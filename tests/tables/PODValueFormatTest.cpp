@@ -40,6 +40,21 @@ TEST(PODValueFormat, BadFormatsAndMismatchesAreFalse) {
     EXPECT_FALSE(ParsePODValue(v, nullptr, u"%f(1)"));
 }
 
+// A cell that holds no number is not 0: MergeWith would match it as a key.
+TEST(PODValueFormat, ATokenWithoutDigitsIsFalse) {
+    double v = 7;
+    EXPECT_FALSE(ParsePODValue(v, u"", u"%f(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"abc", u"%f(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"-", u"%d(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"01:", u"%d(60):%d(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"12", u"%f()"));
+    EXPECT_FALSE(ParsePODValue(v, u"12", u"%f(x)"));
+    ASSERT_TRUE(ParsePODValue(v, u".5", u"%f(1)"));
+    EXPECT_DOUBLE_EQ(v, 0.5);
+    char16_t out[16];
+    EXPECT_FALSE(FormatPODValue(1, out, 16, u"%f()"));
+}
+
 TEST(PODValueFormat, OverlongNumbersAreCutNotOverrun) {
     std::u16string digits(500, u'1');
     double v = 0;
