@@ -191,7 +191,7 @@ bool CPersistedArray::Remove(uint32_t i) {
     m_count--;
     // Every item behind i moved down by one, also those in the window: a
     // window left standing would show each of them one place too high.
-    if (m_loaded && i < m_first + m_capacity && !LoadWindow(m_first)) return false;
+    if (m_loaded && i < uint64_t(m_first) + m_capacity && !LoadWindow(m_first)) return false;
     return true;
 }
 

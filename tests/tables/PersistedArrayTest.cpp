@@ -91,6 +91,26 @@ TEST(PersistedArray, RemoveInsideAndAfterTheWindow) {
     EXPECT_EQ(a.GetCount(), n - 2);
 }
 
+// A window standing at the top of the item numbers reaches past 2^32: the
+// test whether a removal touched it must not wrap (the file is sparse).
+TEST(PersistedArray, RemoveInAWindowAtTheTopOfTheNumbersMovesItsItems) {
+    CPersistedArray a(1, 16);
+    uint32_t const top = UINT32_MAX - 2;
+    for (uint8_t k = 1; k <= 3; ++k) {
+        uint8_t *item = a.GetItem(top - 3 + k);
+        ASSERT_NE(item, nullptr);
+        *item = k;
+    }
+    ASSERT_TRUE(a.Remove(top - 1));
+    EXPECT_EQ(a.GetCount(), top);
+    uint8_t const *item = a.ReadItem(top - 1);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(*item, 3);
+    item = a.ReadItem(top - 2);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(*item, 1);
+}
+
 TEST(PersistedArray, ItemSizeChangeKeepsItemsAndZeroesTheNewTail) {
     CPersistedArray a(4);
     uint32_t const n = a.GetCapacity() + 1000;
