@@ -35,6 +35,7 @@ constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while i
 constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
 constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 characters.";
 constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
+constexpr char16_t kUnwritable[] = u"A value or column text holds a double quote or a line feed, which the table cannot hold.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -570,9 +571,12 @@ bool CPODFile::WriteTable(IFile &out) {
             int n = 0;
             while (value[n]) ++n;
             int got = n ? CString::ConvertToUTF8(value, n, utf8, sizeof utf8) : 0;
+            std::string_view const field(utf8, size_t(got > 0 ? got : 0));
+            // Written anyway, it would read back as another value or another row.
+            if (field.find_first_of("\"\n") != std::string_view::npos) return SetError(kUnwritable), false;
             if (!first) text += '\t';
             first = false;
-            AppendPODField(text, std::string_view(utf8, size_t(got > 0 ? got : 0)));
+            AppendPODField(text, field);
         }
         text += "\r\n";
         // A line the load could not hold would make the saved table one that

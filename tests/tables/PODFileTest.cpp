@@ -267,6 +267,46 @@ TEST_F(PODFileTest, FailedSaveLeavesTheOldFileWholeAndKeepsTheEdits) {
     EXPECT_NE(after.find("edited"), std::string::npos);
 }
 
+TEST_F(PODFileTest, AnUnclosedQuoteAtALineEndSavesAndReadsBackTheSame) {
+    auto path = Path("open-quote.txt");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+        << "A B\r\nu u\r\nc c\r\n1 \"x y\r\n2 \"p\rq\"\r\n";
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 2u);
+    EXPECT_EQ(Narrow(pod.GetValue(1, 0)), "x y");
+    EXPECT_EQ(Narrow(pod.GetValue(1, 1)), "p\rq");
+    auto saved = Path("open-quote.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), saved.c_str(), false, false)) << Narrow(pod.GetError());
+    CPODFile again;
+    ASSERT_TRUE(again.Load(&qv::GetFileSystem(), saved.c_str(), true));
+    ASSERT_EQ(again.nDPs(), 2u);
+    EXPECT_EQ(Narrow(again.GetValue(1, 0)), "x y");
+    EXPECT_EQ(Narrow(again.GetValue(1, 1)), "p\rq");
+    EXPECT_EQ(Narrow(again.GetValue(0, 1)), "2");
+}
+
+TEST_F(PODFileTest, AValueTheLoadCannotReadBackIsRefusedAndTheOldFileStays) {
+    auto path = Path("t.pod");
+    CPODFile pod;
+    MakeTable(pod, 3, path);
+    std::string const before = Bytes(path);
+    for (char16_t const *value : {u"a\"b", u"two\nlines", u"\""}) {
+        ASSERT_TRUE(pod.PutValue(1, 2, value));
+        EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+        EXPECT_EQ(Bytes(path), before);
+        EXPECT_TRUE(pod.IsOpen());
+        EXPECT_EQ(std::u16string(pod.GetValue(1, 2)), value); // the edit is still there
+    }
+    ASSERT_TRUE(pod.UpdateColumn(0, u"Na\"me", nullptr, nullptr, nullptr));
+    ASSERT_TRUE(pod.PutValue(1, 2, u"fine"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), before);
+    ASSERT_TRUE(pod.UpdateColumn(0, u"Name", nullptr, nullptr, nullptr));
+    EXPECT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetValue(1, 2)), "fine");
+}
+
 TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) {
     auto path = Path("plain.txt");
     std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
