@@ -508,7 +508,13 @@ void CPODFile::RemoveRow(uint32_t row) {
     for (uint32_t later = row + 1; later < nDPs(); ++later) {
         cells = Cells(later);
         if (!cells) return Damaged();
-        if (n && cells[0].rowSlot != kNoSlot) --rowCache[cells[0].rowSlot].row; // once per row
+        // Once per row, by any cell still resident: a row left half-way out
+        // of the cache by a failed eviction has moved its first cells.
+        for (uint32_t col = 0; col < n; ++col) {
+            if (cells[col].rowSlot == kNoSlot) continue;
+            --rowCache[cells[col].rowSlot].row;
+            break;
+        }
         for (uint32_t col = 0; col < n; ++col) {
             if (cells[col].diffSlot != kNoSlot) --diffCache[cells[col].diffSlot].row;
             if (cells[col].record == kPODNone) continue;
