@@ -35,6 +35,8 @@ constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while i
 constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
 constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 characters.";
 constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
+constexpr char16_t kCellNotUtf8[] = u"A cell of the table is not UTF-8 text.";
+constexpr char16_t kColumnTextNotUtf8[] = u"A column's name, unit, class or type is not UTF-8 text.";
 constexpr char16_t kUnwritable[] = u"A value or column text holds a double quote or a line feed, which the table cannot hold.";
 
 // The header lines in their fixed file order: name, unit, class, type.
@@ -94,6 +96,18 @@ bool Utf8ToField(char const *field, char16_t *out, int size) {
     bool const fits = n == 0 || (got > 0 && got < size);
     out[fits ? got : 0] = 0;
     return fits;
+}
+
+// Bytes that are not UTF-8 convert to U+FFFD, which a save would write back
+// in their place: such a text is not read at all. A real U+FFFD converts back.
+bool SavesBackSame(char const *field, char16_t const *text) {
+    int n = 0;
+    bool replaced = false;
+    for (; text[n]; ++n) replaced |= text[n] == u'\xFFFD';
+    if (!replaced) return true;
+    char utf8[CPODFile::kValueSize * 3 + 1];
+    int const got = CString::ConvertToUTF8(text, n, utf8, sizeof utf8);
+    return got > 0 && std::strlen(field) == size_t(got) && std::memcmp(field, utf8, size_t(got)) == 0;
 }
 
 // Only zero or missing against not zero counts in a size tag.
@@ -250,6 +264,7 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
             size_t size;
             char16_t *out = ColumnField(columns[col], kind, size);
             if (!Utf8ToField(fields[col], out, int(size))) return SetError(kColumnTextTooLong), false;
+            if (!SavesBackSame(fields[col], out)) return SetError(kColumnTextNotUtf8), false;
         }
         position += length;
     }
@@ -332,6 +347,7 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         if (cell.state == kCellSource && col < sourceFields) {
             // Cut, the cell would be saved back changed: it is not read at all.
             if (!Utf8ToField(fields[col], out.value, kValueSize)) return SetError(kCellTooLong), -1;
+            if (!SavesBackSame(fields[col], out.value)) return SetError(kCellNotUtf8), -1;
         } else if (cell.state == kCellDiffCache) {
             // The cell keeps its diff-cache slot whether or not the row had
             // source cells: dropping it would orphan the entry, which would

@@ -365,6 +365,31 @@ TEST_F(PODFileTest, ACellTooLongToHoldIsNoValueAndBlocksTheSave) {
     EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is too long.");
 }
 
+// Bytes that are not UTF-8 read as U+FFFD: a save, even for an edit of
+// another cell, would write that back in their place. So such a cell is no
+// value and blocks the save, as a cell too long does; a real U+FFFD reads.
+TEST_F(PODFileTest, ACellThatIsNotUtf8IsNoValueAndBlocksTheSave) {
+    auto path = Path("latin1.txt");
+    std::string const text = "A B\r\nu u\r\nc c\r\n1 \xef\xbf\xbd\r\n2 \xb0\x43\r\n3 \xed\xa0\x80\r\n";
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << text;
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 3u);
+    ASSERT_NE(pod.GetValue(1, 0), nullptr);
+    EXPECT_EQ(pod.GetValue(1, 0)[0], u'\xFFFD');
+    for (uint32_t row : {1u, 2u}) {
+        EXPECT_EQ(pod.GetValue(1, row), nullptr) << row;
+        EXPECT_EQ(Narrow(pod.GetError()), "A cell of the table is not UTF-8 text.");
+    }
+    ASSERT_TRUE(pod.PutValue(0, 0, u"edited"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), text);
+
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << "A \xb0\r\nu u\r\nc c\r\n1 2\r\n";
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is not UTF-8 text.");
+}
+
 // A row too long for the line buffer is refused on saving too: written, it
 // would make a table that no longer opens, and the reopen after the save
 // would drop the table from memory as well. The old file and the edits stay.
