@@ -37,7 +37,8 @@ constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 cha
 constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
 constexpr char16_t kCellNotUtf8[] = u"A cell of the table is not UTF-8 text.";
 constexpr char16_t kColumnTextNotUtf8[] = u"A column's name, unit, class or type is not UTF-8 text.";
-constexpr char16_t kUnwritable[] = u"A value or column text holds a double quote or a line feed, which the table cannot hold.";
+constexpr char16_t kUnwritable[] =
+    u"A value or column text holds a double quote, a line feed or a lone surrogate, which the table cannot hold.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -108,6 +109,16 @@ bool SavesBackSame(char const *field, char16_t const *text) {
     char utf8[CPODFile::kValueSize * 3 + 1];
     int const got = CString::ConvertToUTF8(text, n, utf8, sizeof utf8);
     return got > 0 && std::strlen(field) == size_t(got) && std::memcmp(field, utf8, size_t(got)) == 0;
+}
+
+// A lone surrogate converts to U+FFFD: written, it would read back changed.
+bool WellFormed(char16_t const *text, int n) {
+    for (int i = 0; i < n; ++i) {
+        if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
+        if (text[i] > 0xDBFF || i + 1 == n || text[i + 1] < 0xDC00 || text[i + 1] > 0xDFFF) return false;
+        ++i;
+    }
+    return true;
 }
 
 // Only zero or missing against not zero counts in a size tag.
@@ -595,7 +606,8 @@ bool CPODFile::WriteTable(IFile &out) {
             int got = n ? CString::ConvertToUTF8(value, n, utf8, sizeof utf8) : 0;
             std::string_view const field(utf8, size_t(got > 0 ? got : 0));
             // Written anyway, it would read back as another value or another row.
-            if (field.find_first_of("\"\n") != std::string_view::npos) return SetError(kUnwritable), false;
+            if ((n && got <= 0) || field.find_first_of("\"\n") != std::string_view::npos || !WellFormed(value, n))
+                return SetError(kUnwritable), false;
             if (!first) text += '\t';
             first = false;
             AppendPODField(text, field);

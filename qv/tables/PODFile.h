@@ -19,8 +19,8 @@
 /// GetError), and a Save fails while it is in the table; so does a cell that
 /// is not UTF-8 text (a column text of that kind refuses the load). Save
 /// also refuses, keeping the old file, a value or column text holding a
-/// double quote or an LF, which no line of the table can hold. One thread
-/// at a time; see IPODFile.
+/// double quote, an LF or a lone surrogate, which no line of the table can
+/// hold. One thread at a time; see IPODFile.
 
 #include <memory>
 #include <vector>

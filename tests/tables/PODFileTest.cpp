@@ -291,7 +291,7 @@ TEST_F(PODFileTest, AValueTheLoadCannotReadBackIsRefusedAndTheOldFileStays) {
     CPODFile pod;
     MakeTable(pod, 3, path);
     std::string const before = Bytes(path);
-    for (char16_t const *value : {u"a\"b", u"two\nlines", u"\""}) {
+    for (char16_t const *value : {u"a\"b", u"two\nlines", u"\"", u"a\xD800" u"b", u"\xDC00", u"z\xD83D"}) {
         ASSERT_TRUE(pod.PutValue(1, 2, value));
         EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
         EXPECT_EQ(Bytes(path), before);
@@ -303,8 +303,10 @@ TEST_F(PODFileTest, AValueTheLoadCannotReadBackIsRefusedAndTheOldFileStays) {
     EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
     EXPECT_EQ(Bytes(path), before);
     ASSERT_TRUE(pod.UpdateColumn(0, u"Name", nullptr, nullptr, nullptr));
+    ASSERT_TRUE(pod.PutValue(1, 1, u"\xD83D\xDE00")); // a surrogate pair is one character
     EXPECT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
     EXPECT_EQ(Narrow(pod.GetValue(1, 2)), "fine");
+    EXPECT_EQ(std::u16string(pod.GetValue(1, 1)), u"\xD83D\xDE00");
 }
 
 TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) {
