@@ -190,8 +190,10 @@ bool CPersistedArray::Remove(uint32_t i) {
     if (!m_file->Remove(Offset(i), m_itemSize)) return false;
     m_count--;
     // Every item behind i moved down by one, also those in the window: a
-    // window left standing would show each of them one place too high.
-    if (m_loaded && i < uint64_t(m_first) + m_capacity && !LoadWindow(m_first)) return false;
+    // window left standing would show each of them one place too high. It
+    // is clean, so it is dropped and read again when next needed: a failed
+    // read here would report a removal that is done as not done.
+    if (m_loaded && i < uint64_t(m_first) + m_capacity) m_loaded = false;
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "qv/core/PersistedArray.h"
@@ -211,4 +212,26 @@ TEST(PersistedArrayFaults, FailedTransfersAreReportedAndNeverReadAsOtherBytes) {
         },
         {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
     EXPECT_GT(runs, 20);
+}
+
+// A removal reports what happened: false only with every item where it was,
+// true with the items behind it moved down, whatever call fails.
+TEST(PersistedArrayFaults, ARemovalIsReportedAsItWent) {
+    constexpr uint32_t kItems = 40;
+    std::unique_ptr<qv::TPersistedArray<SItem>> a;
+    bool removed = false;
+    qv::test::RunUnderFaults(
+        [&] {
+            a = std::make_unique<qv::TPersistedArray<SItem>>();
+            for (uint32_t i = 0; i < kItems; ++i) ASSERT_TRUE(a->Set(i, Make(i)));
+            ASSERT_TRUE(a->Flush());
+        },
+        [&] { return removed = a->Remove(21); },
+        [&](qv::test::FaultRun const &run) {
+            ASSERT_EQ(a->GetCount(), removed ? kItems - 1 : kItems) << run.Describe();
+            for (uint32_t i = 0; i < a->GetCount(); ++i)
+                ASSERT_EQ(ValueAt(*a, i), removed && i >= 21 ? i + 1 : i) << run.Describe();
+        },
+        {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kLseek, qv::test::Fault::kFtruncate,
+         qv::test::Fault::kCopyFileRange});
 }
