@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "qv/core/PersistedArray.h"
@@ -234,4 +236,41 @@ TEST(PersistedArrayFaults, ARemovalIsReportedAsItWent) {
         },
         {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kLseek, qv::test::Fault::kFtruncate,
          qv::test::Fault::kCopyFileRange});
+}
+
+// A new item size either takes, with every item kept, or fails with the
+// array as it was: never an array that refuses all further access.
+TEST(PersistedArrayFaults, AFailedItemSizeChangeLeavesTheItems) {
+    constexpr uint32_t kItems = 300;
+    std::unique_ptr<qv::TPersistedArray<SItem>> a;
+    for (uint32_t newSize : {12u, 4u}) {
+        SCOPED_TRACE("item size " + std::to_string(newSize));
+        bool resized = false;
+        int runs = qv::test::RunUnderFaults(
+            [&] {
+                a = std::make_unique<qv::TPersistedArray<SItem>>();
+                for (uint32_t i = 0; i < kItems; ++i) ASSERT_TRUE(a->Set(i, Make(i)));
+                ASSERT_TRUE(a->Flush());
+            },
+            [&] { return resized = a->SetItemSize(newSize); },
+            [&](qv::test::FaultRun const &run) {
+                ASSERT_TRUE(a->IsReady()) << run.Describe();
+                ASSERT_EQ(a->GetItemSize(), resized ? newSize : uint32_t(sizeof(SItem))) << run.Describe();
+                ASSERT_EQ(a->GetCount(), kItems);
+                for (uint32_t i = 0; i < kItems; ++i) {
+                    uint8_t const *p = a->ReadItem(i);
+                    ASSERT_NE(p, nullptr) << run.Describe();
+                    SItem want = Make(i), got{};
+                    std::memcpy(&got, p, std::min<size_t>(a->GetItemSize(), sizeof got));
+                    if (a->GetItemSize() < sizeof got) want.check = 0;
+                    ASSERT_EQ(got.value, want.value) << i << " " << run.Describe();
+                    ASSERT_EQ(got.check, want.check) << i << " " << run.Describe();
+                    if (a->GetItemSize() > sizeof got) {
+                        ASSERT_EQ(p[sizeof got], 0) << i << " " << run.Describe();
+                    }
+                }
+            },
+            {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kLseek, qv::test::Fault::kFtruncate});
+        EXPECT_GT(runs, 4);
+    }
 }
