@@ -1,7 +1,7 @@
 // Loads any bytes as a POD table (as a SAF-headed table, and failing that as
 // plain delimited text) and reads every column and cell: nothing may overrun,
-// and a table that loads must answer for every cell it counts (a cell too
-// long to hold answers with its reason).
+// and a table that loads must answer for every cell it counts (a cell it
+// cannot read answers with its reason).
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -13,10 +13,13 @@ namespace {
 
 constexpr uint32_t kCellBudget = 200000; // keeps one input's work bounded
 
-// The one reason a counted cell may give no value: it is longer than a cell holds.
-bool CellTooLong(qv::CPODFile &pod) {
-    static constexpr char16_t kReason[] = u"A cell of the table is longer than 255 characters.";
-    return std::char_traits<char16_t>::compare(pod.GetError(), kReason, sizeof kReason / 2) == 0;
+// The reasons a counted cell may give no value: it is longer than a cell
+// holds, or not UTF-8 text; either would be saved back changed.
+bool CellUnreadable(qv::CPODFile &pod) {
+    static constexpr char16_t kTooLong[] = u"A cell of the table is longer than 255 characters.";
+    static constexpr char16_t kNotUtf8[] = u"A cell of the table is not UTF-8 text.";
+    return std::char_traits<char16_t>::compare(pod.GetError(), kTooLong, sizeof kTooLong / 2) == 0 ||
+           std::char_traits<char16_t>::compare(pod.GetError(), kNotUtf8, sizeof kNotUtf8 / 2) == 0;
 }
 
 void ReadEverything(qv::CPODFile &pod) {
@@ -28,7 +31,7 @@ void ReadEverything(qv::CPODFile &pod) {
     uint32_t budget = kCellBudget;
     for (uint32_t row = 0; row < rows && budget > columns; ++row, budget -= columns)
         for (uint32_t col = 0; col < columns; ++col)
-            if (!pod.GetValue(col, row) && !CellTooLong(pod)) std::abort();
+            if (!pod.GetValue(col, row) && !CellUnreadable(pod)) std::abort();
 }
 
 } // namespace

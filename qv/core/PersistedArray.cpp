@@ -28,6 +28,20 @@ std::unique_ptr<IFile> OpenTempItemFile() {
     return file;
 }
 
+// Moves n items of oldSize each, in place, to newSize each: a grown item
+// gets a zero tail, a shrunk one keeps its first bytes.
+void Repack(uint8_t *items, uint32_t n, uint32_t oldSize, uint32_t newSize) {
+    if (newSize > oldSize) {
+        for (uint32_t j = n; j-- > 0;) {
+            std::memmove(items + size_t(j) * newSize, items + size_t(j) * oldSize, oldSize);
+            std::memset(items + size_t(j) * newSize + oldSize, 0, newSize - oldSize);
+        }
+    } else {
+        for (uint32_t j = 0; j < n; ++j)
+            std::memmove(items + size_t(j) * newSize, items + size_t(j) * oldSize, newSize);
+    }
+}
+
 } // namespace
 
 CPersistedArray::CPersistedArray(uint32_t itemSize, uint32_t windowBudget)
@@ -190,8 +204,10 @@ bool CPersistedArray::Remove(uint32_t i) {
     if (!m_file->Remove(Offset(i), m_itemSize)) return false;
     m_count--;
     // Every item behind i moved down by one, also those in the window: a
-    // window left standing would show each of them one place too high.
-    if (m_loaded && i < m_first + m_capacity && !LoadWindow(m_first)) return false;
+    // window left standing would show each of them one place too high. It
+    // is clean, so it is dropped and read again when next needed: a failed
+    // read here would report a removal that is done as not done.
+    if (m_loaded && i < uint64_t(m_first) + m_capacity) m_loaded = false;
     return true;
 }
 
@@ -208,8 +224,8 @@ bool CPersistedArray::SetItemSize(uint32_t itemSize) {
     if (!IsReady() || itemSize == 0) return false;
     if (itemSize == m_itemSize) return true;
     if (!Flush()) return false;
-    uint32_t oldSize = m_itemSize;
-    if (m_count > 0 && !ResizeItems(oldSize, itemSize)) {
+    if (m_count > 0 && m_temporary && !ResizeIntoNewFile(itemSize)) return false; // the items stay as they were
+    if (m_count > 0 && !m_temporary && !ResizeItems(m_itemSize, itemSize)) {
         m_broken = true;
         return false;
     }
@@ -236,21 +252,34 @@ bool CPersistedArray::ResizeItems(uint32_t oldSize, uint32_t newSize) {
         uint64_t oldBytes = uint64_t(n) * oldSize;
         if (m_file->Seek(from, kSeekStart) != from || m_file->Read(buffer.get(), uint32_t(oldBytes)) != oldBytes)
             return false;
-        if (newSize > oldSize) {
-            for (uint32_t j = n; j-- > 0;) {
-                std::memmove(buffer.get() + size_t(j) * newSize, buffer.get() + size_t(j) * oldSize, oldSize);
-                std::memset(buffer.get() + size_t(j) * newSize + oldSize, 0, newSize - oldSize);
-            }
-        } else {
-            for (uint32_t j = 0; j < n; ++j)
-                std::memmove(buffer.get() + size_t(j) * newSize, buffer.get() + size_t(j) * oldSize, newSize);
-        }
+        Repack(buffer.get(), n, oldSize, newSize);
         int64_t to = int64_t(first) * newSize;
         uint64_t newBytes = uint64_t(n) * newSize;
         if (m_file->Seek(to, kSeekStart) != to || m_file->Write(buffer.get(), uint32_t(newBytes)) != newBytes)
             return false;
     }
     return m_file->SetSize(int64_t(m_count) * newSize);
+}
+
+// A temporary file is not rewritten in place: the items go into a new one,
+// which replaces it only when whole, so a failure loses nothing.
+bool CPersistedArray::ResizeIntoNewFile(uint32_t newSize) {
+    if (!m_file) return true; // nothing was ever written back: the items are zeros at any size
+    std::unique_ptr<IFile> fresh = OpenTempItemFile();
+    uint32_t const block = std::max<uint32_t>(m_budget / std::max(m_itemSize, newSize), 1);
+    std::unique_ptr<uint8_t[]> buffer(new (std::nothrow) uint8_t[size_t(block) * std::max(m_itemSize, newSize)]);
+    if (!fresh || !buffer) return false;
+    for (uint64_t first = 0; first < m_count; first += block) {
+        uint32_t const n = uint32_t(std::min<uint64_t>(block, m_count - first));
+        if (!ReadItems(uint32_t(first), n, buffer.get())) return false;
+        Repack(buffer.get(), n, m_itemSize, newSize);
+        uint64_t const bytes = uint64_t(n) * newSize;
+        if (fresh->Write(buffer.get(), uint32_t(bytes)) != bytes) return false;
+    }
+    m_owned->Close();
+    m_owned = std::move(fresh);
+    m_file = m_owned.get();
+    return true;
 }
 
 } // namespace qv

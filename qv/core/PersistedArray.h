@@ -25,8 +25,10 @@
 /// could not be written back stays in memory (and dirty),
 /// so no item written through GetItem is lost by a failed move. Item bytes
 /// read from the file are untrusted data: the array never interprets them.
-/// SetItemSize that fails half-way leaves the items unusable and the array
-/// refuses further access (IsReady false).
+/// SetItemSize of a temporary array writes the items into a new file that
+/// replaces the old one only when whole, so a failure leaves them as they
+/// were; over a caller's file it works in place, and a failure half-way
+/// leaves the items unusable and the array refuses further access (IsReady false).
 ///
 /// Threads: one thread at a time.
 #pragma once
@@ -87,6 +89,7 @@ private:
     bool WriteItems(uint32_t first, uint32_t n, uint8_t const *in);
     bool MaterialiseUpToCount();
     bool ResizeItems(uint32_t oldSize, uint32_t newSize);
+    bool ResizeIntoNewFile(uint32_t newSize);
     bool AllocateWindow();
     int64_t Offset(uint32_t i) const { return int64_t(i) * m_itemSize; }
 

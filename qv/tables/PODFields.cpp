@@ -8,13 +8,18 @@ bool IsSeparator(char c) {
     return c == '\t' || c == ' ' || c == ',' || c == ';' || c == '|' || c == '\r' || c == '\n';
 }
 
+// A CR is a separator when bare, data inside quotes.
 bool NeedsQuotes(std::string_view value) {
-    return value.find_first_of("\t,|; ") != std::string_view::npos;
+    return value.find_first_of("\t,|; \r") != std::string_view::npos;
 }
 
 } // namespace
 
 uint32_t SplitPODLine(char *line, size_t length, char const **fields, uint32_t count) {
+    // The line end is no data, also under an unclosed quote: kept, a save
+    // would write it back inside the row and split the row in two.
+    if (length && line[length - 1] == '\n') --length;
+    if (length && line[length - 1] == '\r') --length;
     char *p = line;
     char *const end = line + length;
     *end = 0;

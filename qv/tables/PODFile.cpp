@@ -35,6 +35,10 @@ constexpr char16_t kSourceChanged[] = u"The table's file changed on disk while i
 constexpr char16_t kLineTooLong[] = u"A line of the table is longer than the 8,192-byte line buffer.";
 constexpr char16_t kCellTooLong[] = u"A cell of the table is longer than 255 characters.";
 constexpr char16_t kColumnTextTooLong[] = u"A column's name, unit, class or type is too long.";
+constexpr char16_t kCellNotUtf8[] = u"A cell of the table is not UTF-8 text.";
+constexpr char16_t kColumnTextNotUtf8[] = u"A column's name, unit, class or type is not UTF-8 text.";
+constexpr char16_t kUnwritable[] =
+    u"A value or column text holds a double quote, a line feed or a lone surrogate, which the table cannot hold.";
 
 // The header lines in their fixed file order: name, unit, class, type.
 constexpr char16_t const *kSizeTags[4] = {u"PNSize", u"PUSize", u"PCSize", u"PTSize"};
@@ -93,6 +97,28 @@ bool Utf8ToField(char const *field, char16_t *out, int size) {
     bool const fits = n == 0 || (got > 0 && got < size);
     out[fits ? got : 0] = 0;
     return fits;
+}
+
+// Bytes that are not UTF-8 convert to U+FFFD, which a save would write back
+// in their place: such a text is not read at all. A real U+FFFD converts back.
+bool SavesBackSame(char const *field, char16_t const *text) {
+    int n = 0;
+    bool replaced = false;
+    for (; text[n]; ++n) replaced |= text[n] == u'\xFFFD';
+    if (!replaced) return true;
+    char utf8[CPODFile::kValueSize * 3 + 1];
+    int const got = CString::ConvertToUTF8(text, n, utf8, sizeof utf8);
+    return got > 0 && std::strlen(field) == size_t(got) && std::memcmp(field, utf8, size_t(got)) == 0;
+}
+
+// A lone surrogate converts to U+FFFD: written, it would read back changed.
+bool WellFormed(char16_t const *text, int n) {
+    for (int i = 0; i < n; ++i) {
+        if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
+        if (text[i] > 0xDBFF || i + 1 == n || text[i + 1] < 0xDC00 || text[i + 1] > 0xDFFF) return false;
+        ++i;
+    }
+    return true;
 }
 
 // Only zero or missing against not zero counts in a size tag.
@@ -249,6 +275,7 @@ bool CPODFile::ReadHeaderLines(int64_t &position) {
             size_t size;
             char16_t *out = ColumnField(columns[col], kind, size);
             if (!Utf8ToField(fields[col], out, int(size))) return SetError(kColumnTextTooLong), false;
+            if (!SavesBackSame(fields[col], out)) return SetError(kColumnTextNotUtf8), false;
         }
         position += length;
     }
@@ -331,6 +358,7 @@ int CPODFile::MoveRowToCache(uint32_t row) {
         if (cell.state == kCellSource && col < sourceFields) {
             // Cut, the cell would be saved back changed: it is not read at all.
             if (!Utf8ToField(fields[col], out.value, kValueSize)) return SetError(kCellTooLong), -1;
+            if (!SavesBackSame(fields[col], out.value)) return SetError(kCellNotUtf8), -1;
         } else if (cell.state == kCellDiffCache) {
             // The cell keeps its diff-cache slot whether or not the row had
             // source cells: dropping it would orphan the entry, which would
@@ -507,7 +535,13 @@ void CPODFile::RemoveRow(uint32_t row) {
     for (uint32_t later = row + 1; later < nDPs(); ++later) {
         cells = Cells(later);
         if (!cells) return Damaged();
-        if (n && cells[0].rowSlot != kNoSlot) --rowCache[cells[0].rowSlot].row; // once per row
+        // Once per row, by any cell still resident: a row left half-way out
+        // of the cache by a failed eviction has moved its first cells.
+        for (uint32_t col = 0; col < n; ++col) {
+            if (cells[col].rowSlot == kNoSlot) continue;
+            --rowCache[cells[col].rowSlot].row;
+            break;
+        }
         for (uint32_t col = 0; col < n; ++col) {
             if (cells[col].diffSlot != kNoSlot) --diffCache[cells[col].diffSlot].row;
             if (cells[col].record == kPODNone) continue;
@@ -570,9 +604,13 @@ bool CPODFile::WriteTable(IFile &out) {
             int n = 0;
             while (value[n]) ++n;
             int got = n ? CString::ConvertToUTF8(value, n, utf8, sizeof utf8) : 0;
+            std::string_view const field(utf8, size_t(got > 0 ? got : 0));
+            // Written anyway, it would read back as another value or another row.
+            if ((n && got <= 0) || field.find_first_of("\"\n") != std::string_view::npos || !WellFormed(value, n))
+                return SetError(kUnwritable), false;
             if (!first) text += '\t';
             first = false;
-            AppendPODField(text, std::string_view(utf8, size_t(got > 0 ? got : 0)));
+            AppendPODField(text, field);
         }
         text += "\r\n";
         // A line the load could not hold would make the saved table one that

@@ -16,8 +16,11 @@
 /// or more, or a column text longer than its field: on loading and on saving
 /// alike, so a saved table always opens again. A row of the file with a cell
 /// longer than 255 characters gives no values (null, with the reason in
-/// GetError), and a Save fails while it is in the table. One thread at a
-/// time; see IPODFile.
+/// GetError), and a Save fails while it is in the table; so does a cell that
+/// is not UTF-8 text (a column text of that kind refuses the load). Save
+/// also refuses, keeping the old file, a value or column text holding a
+/// double quote, an LF or a lone surrogate, which no line of the table can
+/// hold. One thread at a time; see IPODFile.
 
 #include <memory>
 #include <vector>

@@ -15,9 +15,11 @@ constexpr size_t kNumberUnits = 64;
 
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
-// Copies the number's run into buf (cut at 63 units) and moves p past it.
-void TakeNumberRun(char16_t const *&p, char16_t (&buf)[kNumberUnits], bool allowFraction) {
+// Copies the number's run into buf (cut at 63 units) and moves p past it;
+// false when the run holds no digit, which is no number rather than 0.
+bool TakeNumberRun(char16_t const *&p, char16_t (&buf)[kNumberUnits], bool allowFraction) {
     size_t n = 0;
+    bool digits = false;
     auto keep = [&](char16_t c) {
         if (n + 1 < kNumberUnits) buf[n++] = c;
         ++p;
@@ -25,6 +27,7 @@ void TakeNumberRun(char16_t const *&p, char16_t (&buf)[kNumberUnits], bool allow
     if (*p == u'+' || *p == u'-') keep(*p);
     while (*p) {
         if (IsDigit(*p)) {
+            digits = true;
             keep(*p);
         } else if (allowFraction && *p == u'.') {
             keep(*p);
@@ -36,18 +39,21 @@ void TakeNumberRun(char16_t const *&p, char16_t (&buf)[kNumberUnits], bool allow
         }
     }
     buf[n] = 0;
+    return digits;
 }
 
-double TakeFloat(char16_t const *&p) {
+bool TakeFloat(char16_t const *&p, double &out) {
     char16_t buf[kNumberUnits];
-    TakeNumberRun(p, buf, true);
-    return _wtof(buf);
+    if (!TakeNumberRun(p, buf, true)) return false;
+    out = _wtof(buf);
+    return true;
 }
 
-double TakeInteger(char16_t const *&p) {
+bool TakeInteger(char16_t const *&p, double &out) {
     char16_t buf[kNumberUnits];
-    TakeNumberRun(p, buf, false);
-    return _wtol(buf);
+    if (!TakeNumberRun(p, buf, false)) return false;
+    out = _wtol(buf);
+    return true;
 }
 
 // At "%": reads the kind and "(scale)", moving f past the token.
@@ -57,8 +63,7 @@ bool TakeToken(char16_t const *&f, char16_t &kind, double &scale) {
     f += 2;
     if (*f != u'(') return false;
     ++f;
-    scale = TakeFloat(f);
-    if (*f != u')') return false;
+    if (!TakeFloat(f, scale) || *f != u')') return false;
     ++f;
     return true;
 }
@@ -79,8 +84,8 @@ bool ParsePODValue(double &out, char16_t const *text, char16_t const *format) {
         char16_t kind;
         double scale;
         // The number is read before the token's scale, as the text comes first.
-        if (f[1] != u'f' && f[1] != u'd') return false;
-        double number = f[1] == u'f' ? TakeFloat(t) : TakeInteger(t);
+        double number = 0;
+        if (f[1] == u'f' ? !TakeFloat(t, number) : f[1] != u'd' || !TakeInteger(t, number)) return false;
         if (!TakeToken(f, kind, scale)) return false;
         out += scale * number;
     }

@@ -6,7 +6,8 @@
 ///
 /// ParsePODValue: the result is the sum of scale x number over the tokens;
 /// literals must match the text; text left over is ignored. False (out then
-/// holds the partial sum) on a mismatch or a malformed token.
+/// holds the partial sum) on a mismatch, a malformed token, or a token whose
+/// text (or scale) holds no digit: such a cell is no number, not 0.
 ///
 /// FormatPODValue: writes value through the format into out (outSize units,
 /// terminator included). Each token takes q = running value / scale, and the

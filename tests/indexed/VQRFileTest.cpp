@@ -2,6 +2,8 @@
 // behaviours, and hostile files.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "files/FileTestSupport.h"
 #include "indexed/IndexedTestSupport.h"
 #include "qv/filesystems/CDFileSystem.h"
@@ -78,6 +80,63 @@ TEST(VQRFile, EditsKeepEveryOtherBlock) {
     ASSERT_TRUE(reread.Open(&copy, true));
     for (uint32_t i = 0; i < 3; ++i)
         EXPECT_EQ(BlockBytes(reread.GetIndexAt(i)), content[i]);
+}
+
+// A block's position may be sought anywhere; a write that far cannot be
+// given room, and the end it would reach must not wrap.
+TEST(VQRFile, AWriteAtTheFarthestPositionIsRefusedAndChangesNothing) {
+    CMemFile host;
+    CVQRFile vqr;
+    ASSERT_TRUE(vqr.Create(&host));
+    ASSERT_EQ(vqr.CreateIndex(1, 0, 0, 0xFFFFFFFF), 0u);
+    CVQRFile::CIndex *block = vqr.GetIndexAt(0);
+    ASSERT_TRUE(SetBlock(block, {'a', 'b', 'c'}));
+    Bytes const before = HostBytes(host);
+    for (int64_t far : {INT64_MAX, INT64_MAX - 1, int64_t(1) << 40}) {
+        ASSERT_EQ(block->m_file.Seek(far, 1), far);
+        EXPECT_EQ(block->m_file.Write("xy", 2), 0u);
+    }
+    EXPECT_EQ(block->m_size, 3);
+    EXPECT_EQ(HostBytes(host), before);
+}
+
+// Offsets are stored in 32 bits: a table that grows near that limit would
+// push the block behind it to an offset the table cannot hold, and the saved
+// container would no longer open. The file is sparse.
+TEST(VQRFile, NoTableGrowthPushesABlockPast32BitOffsets) {
+    ScratchDir dir;
+    std::string const path = dir.Path("big.vqr");
+    uint32_t const table = 0xFFFFFF00, behind = table + 4 * 32;
+    std::vector<Record> records(4);
+    for (uint32_t i = 0; i < 4; ++i) {
+        records[i].id = i + 1;
+        records[i].offset = i < 3 ? 0x40 : behind; // three empty blocks, one full behind the table
+        records[i].size = i < 3 ? 0 : 16;
+    }
+    Bytes const built = BuildVQR(records, 4, 0x40);
+    Bytes head(built.begin(), built.begin() + 0x40);
+    Put(head, 24, table, 4, false);
+    Bytes const blockBytes = Pattern(16, 5);
+    {
+        std::ofstream out(path, std::ios::binary);
+        out.write(reinterpret_cast<char const *>(head.data()), std::streamsize(head.size()));
+        out.seekp(std::streamoff(table));
+        out.write(reinterpret_cast<char const *>(built.data() + 0x40), 4 * 32);
+        out.write(reinterpret_cast<char const *>(blockBytes.data()), 16);
+        ASSERT_TRUE(out.good());
+    }
+    std::u16string const wide = Wide(path);
+    {
+        CVQRFile vqr;
+        ASSERT_TRUE(vqr.Open(wide.c_str(), true));
+        ASSERT_TRUE(vqr.ReOpenForWrite());
+        EXPECT_EQ(vqr.CreateIndex(2, 0, 0, 0xFFFFFFFF), CVQRFile::kNoIndex);
+        vqr.Close();
+    }
+    CVQRFile reread;
+    ASSERT_TRUE(reread.Open(wide.c_str(), true)) << "the container no longer opens";
+    ASSERT_EQ(reread.GetIndexCount(), 4u);
+    EXPECT_EQ(BlockBytes(reread.GetIndexAt(3)), blockBytes);
 }
 
 TEST(VQRFile, FifthIndexGrowsTheTableAndMovesTheData) {

@@ -32,6 +32,7 @@ TEST(PODFieldsPython, WrittenRowsReadInCsvWithTabDelimiter) {
     std::vector<std::vector<std::string>> rows{
         {"1", "", "two words", "a,b"},
         {"x|y", "semi;colon", "\xc3\xa9t\xc3\xa9", "-1.5e+3"},
+        {"cr\rinside", "2", "3", "4"},
     };
     std::string text;
     std::string expected;

@@ -39,6 +39,16 @@ TEST(PODFields, MissingFieldsAreEmptyAndExtraOnesAreLeft) {
 
 TEST(PODFields, AnUnclosedQuoteRunsToTheLineEnd) {
     EXPECT_EQ(Split("\"a\tb", 2), (std::vector<std::string>{"a\tb", ""}));
+    // The line end is not data, or a save would write it back inside the row.
+    EXPECT_EQ(Split("1 \"a b\r\n", 2), (std::vector<std::string>{"1", "a b"}));
+    EXPECT_EQ(Split("1 \"a b\n", 2), (std::vector<std::string>{"1", "a b"}));
+    EXPECT_EQ(Split("\"a\rb\"\r\n", 1), (std::vector<std::string>{"a\rb"}));
+}
+
+TEST(PODFields, ACarriageReturnInAValueIsQuoted) {
+    std::string out;
+    qv::AppendPODField(out, "a\rb");
+    EXPECT_EQ(out, "\"a\rb\"");
 }
 
 TEST(PODFields, WritingQuotesOnlyWhatNeedsIt) {

@@ -267,6 +267,48 @@ TEST_F(PODFileTest, FailedSaveLeavesTheOldFileWholeAndKeepsTheEdits) {
     EXPECT_NE(after.find("edited"), std::string::npos);
 }
 
+TEST_F(PODFileTest, AnUnclosedQuoteAtALineEndSavesAndReadsBackTheSame) {
+    auto path = Path("open-quote.txt");
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+        << "A B\r\nu u\r\nc c\r\n1 \"x y\r\n2 \"p\rq\"\r\n";
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 2u);
+    EXPECT_EQ(Narrow(pod.GetValue(1, 0)), "x y");
+    EXPECT_EQ(Narrow(pod.GetValue(1, 1)), "p\rq");
+    auto saved = Path("open-quote.pod");
+    ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), saved.c_str(), false, false)) << Narrow(pod.GetError());
+    CPODFile again;
+    ASSERT_TRUE(again.Load(&qv::GetFileSystem(), saved.c_str(), true));
+    ASSERT_EQ(again.nDPs(), 2u);
+    EXPECT_EQ(Narrow(again.GetValue(1, 0)), "x y");
+    EXPECT_EQ(Narrow(again.GetValue(1, 1)), "p\rq");
+    EXPECT_EQ(Narrow(again.GetValue(0, 1)), "2");
+}
+
+TEST_F(PODFileTest, AValueTheLoadCannotReadBackIsRefusedAndTheOldFileStays) {
+    auto path = Path("t.pod");
+    CPODFile pod;
+    MakeTable(pod, 3, path);
+    std::string const before = Bytes(path);
+    for (char16_t const *value : {u"a\"b", u"two\nlines", u"\"", u"a\xD800" u"b", u"\xDC00", u"z\xD83D"}) {
+        ASSERT_TRUE(pod.PutValue(1, 2, value));
+        EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+        EXPECT_EQ(Bytes(path), before);
+        EXPECT_TRUE(pod.IsOpen());
+        EXPECT_EQ(std::u16string(pod.GetValue(1, 2)), value); // the edit is still there
+    }
+    ASSERT_TRUE(pod.UpdateColumn(0, u"Na\"me", nullptr, nullptr, nullptr));
+    ASSERT_TRUE(pod.PutValue(1, 2, u"fine"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), before);
+    ASSERT_TRUE(pod.UpdateColumn(0, u"Name", nullptr, nullptr, nullptr));
+    ASSERT_TRUE(pod.PutValue(1, 1, u"\xD83D\xDE00")); // a surrogate pair is one character
+    EXPECT_TRUE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Narrow(pod.GetValue(1, 2)), "fine");
+    EXPECT_EQ(std::u16string(pod.GetValue(1, 1)), u"\xD83D\xDE00");
+}
+
 TEST_F(PODFileTest, WithoutMustExistPlainTextIsATableAndAMissingFileAnEmptyOne) {
     auto path = Path("plain.txt");
     std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
@@ -323,6 +365,31 @@ TEST_F(PODFileTest, ACellTooLongToHoldIsNoValueAndBlocksTheSave) {
         EXPECT_EQ(pod.Load(&qv::GetFileSystem(), path.c_str(), false), length == 127) << length;
     }
     EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is too long.");
+}
+
+// Bytes that are not UTF-8 read as U+FFFD: a save, even for an edit of
+// another cell, would write that back in their place. So such a cell is no
+// value and blocks the save, as a cell too long does; a real U+FFFD reads.
+TEST_F(PODFileTest, ACellThatIsNotUtf8IsNoValueAndBlocksTheSave) {
+    auto path = Path("latin1.txt");
+    std::string const text = "A B\r\nu u\r\nc c\r\n1 \xef\xbf\xbd\r\n2 \xb0\x43\r\n3 \xed\xa0\x80\r\n";
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << text;
+    CPODFile pod;
+    ASSERT_TRUE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    ASSERT_EQ(pod.nDPs(), 3u);
+    ASSERT_NE(pod.GetValue(1, 0), nullptr);
+    EXPECT_EQ(pod.GetValue(1, 0)[0], u'\xFFFD');
+    for (uint32_t row : {1u, 2u}) {
+        EXPECT_EQ(pod.GetValue(1, row), nullptr) << row;
+        EXPECT_EQ(Narrow(pod.GetError()), "A cell of the table is not UTF-8 text.");
+    }
+    ASSERT_TRUE(pod.PutValue(0, 0, u"edited"));
+    EXPECT_FALSE(pod.Save(&qv::GetFileSystem(), path.c_str(), false, false));
+    EXPECT_EQ(Bytes(path), text);
+
+    std::ofstream(std::string(path.begin(), path.end()), std::ios::binary) << "A \xb0\r\nu u\r\nc c\r\n1 2\r\n";
+    EXPECT_FALSE(pod.Load(&qv::GetFileSystem(), path.c_str(), false));
+    EXPECT_EQ(Narrow(pod.GetError()), "A column's name, unit, class or type is not UTF-8 text.");
 }
 
 // A row too long for the line buffer is refused on saving too: written, it

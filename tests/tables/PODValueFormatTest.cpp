@@ -38,6 +38,18 @@ TEST(PODValueFormat, BadFormatsAndMismatchesAreFalse) {
     EXPECT_FALSE(ParsePODValue(v, u"12", u"%f(1"));
     EXPECT_FALSE(ParsePODValue(v, u"12-3", u"%d(1):%d(1)"));
     EXPECT_FALSE(ParsePODValue(v, nullptr, u"%f(1)"));
+    // A cell that holds no number is not 0: MergeWith would match it as a key.
+    for (char16_t const *text : {u"", u"abc", u"-", u"."}) EXPECT_FALSE(ParsePODValue(v, text, u"%f(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"-", u"%d(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"01:", u"%d(60):%d(1)"));
+    EXPECT_FALSE(ParsePODValue(v, u"12", u"%f()"));
+    EXPECT_FALSE(ParsePODValue(v, u"12", u"%f(x)"));
+}
+
+TEST(PODValueFormat, ANumberNeedsOnlyOneDigit) {
+    double v = 7;
+    ASSERT_TRUE(ParsePODValue(v, u".5", u"%f(1)"));
+    EXPECT_DOUBLE_EQ(v, 0.5);
 }
 
 TEST(PODValueFormat, OverlongNumbersAreCutNotOverrun) {
@@ -66,6 +78,7 @@ TEST(PODValueFormat, IntegerTokensWriteTheBitPattern) {
 
 TEST(PODValueFormat, WritingRefusesMalformedTokensAndSmallBuffers) {
     Format(1, u"%x(1)", false);
+    Format(1, u"%f()", false); // a scale without digits
     char16_t small[4];
     EXPECT_FALSE(FormatPODValue(123456, small, 4, u"%f(1)"));
     EXPECT_FALSE(FormatPODValue(1, small, 4, u"abcd"));

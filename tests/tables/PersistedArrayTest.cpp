@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "qv/core/PersistedArray.h"
@@ -89,6 +92,26 @@ TEST(PersistedArray, RemoveInsideAndAfterTheWindow) {
     EXPECT_EQ(a.GetCount(), n - 2);
     EXPECT_TRUE(a.Remove(n)); // past the end: nothing
     EXPECT_EQ(a.GetCount(), n - 2);
+}
+
+// A window standing at the top of the item numbers reaches past 2^32: the
+// test whether a removal touched it must not wrap (the file is sparse).
+TEST(PersistedArray, RemoveInAWindowAtTheTopOfTheNumbersMovesItsItems) {
+    CPersistedArray a(1, 16);
+    uint32_t const top = UINT32_MAX - 2;
+    for (uint8_t k = 1; k <= 3; ++k) {
+        uint8_t *item = a.GetItem(top - 3 + k);
+        ASSERT_NE(item, nullptr);
+        *item = k;
+    }
+    ASSERT_TRUE(a.Remove(top - 1));
+    EXPECT_EQ(a.GetCount(), top);
+    uint8_t const *item = a.ReadItem(top - 1);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(*item, 3);
+    item = a.ReadItem(top - 2);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(*item, 1);
 }
 
 TEST(PersistedArray, ItemSizeChangeKeepsItemsAndZeroesTheNewTail) {
@@ -191,4 +214,63 @@ TEST(PersistedArrayFaults, FailedTransfersAreReportedAndNeverReadAsOtherBytes) {
         },
         {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kWriteShort, qv::test::Fault::kLseek});
     EXPECT_GT(runs, 20);
+}
+
+// A removal reports what happened: false only with every item where it was,
+// true with the items behind it moved down, whatever call fails.
+TEST(PersistedArrayFaults, ARemovalIsReportedAsItWent) {
+    constexpr uint32_t kItems = 40;
+    std::unique_ptr<qv::TPersistedArray<SItem>> a;
+    bool removed = false;
+    qv::test::RunUnderFaults(
+        [&] {
+            a = std::make_unique<qv::TPersistedArray<SItem>>();
+            for (uint32_t i = 0; i < kItems; ++i) ASSERT_TRUE(a->Set(i, Make(i)));
+            ASSERT_TRUE(a->Flush());
+        },
+        [&] { return removed = a->Remove(21); },
+        [&](qv::test::FaultRun const &run) {
+            ASSERT_EQ(a->GetCount(), removed ? kItems - 1 : kItems) << run.Describe();
+            for (uint32_t i = 0; i < a->GetCount(); ++i)
+                ASSERT_EQ(ValueAt(*a, i), removed && i >= 21 ? i + 1 : i) << run.Describe();
+        },
+        {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kLseek, qv::test::Fault::kFtruncate,
+         qv::test::Fault::kCopyFileRange});
+}
+
+// A new item size either takes, with every item kept, or fails with the
+// array as it was: never an array that refuses all further access.
+TEST(PersistedArrayFaults, AFailedItemSizeChangeLeavesTheItems) {
+    constexpr uint32_t kItems = 300;
+    std::unique_ptr<qv::TPersistedArray<SItem>> a;
+    for (uint32_t newSize : {12u, 4u}) {
+        SCOPED_TRACE("item size " + std::to_string(newSize));
+        bool resized = false;
+        int runs = qv::test::RunUnderFaults(
+            [&] {
+                a = std::make_unique<qv::TPersistedArray<SItem>>();
+                for (uint32_t i = 0; i < kItems; ++i) ASSERT_TRUE(a->Set(i, Make(i)));
+                ASSERT_TRUE(a->Flush());
+            },
+            [&] { return resized = a->SetItemSize(newSize); },
+            [&](qv::test::FaultRun const &run) {
+                ASSERT_TRUE(a->IsReady()) << run.Describe();
+                ASSERT_EQ(a->GetItemSize(), resized ? newSize : uint32_t(sizeof(SItem))) << run.Describe();
+                ASSERT_EQ(a->GetCount(), kItems);
+                for (uint32_t i = 0; i < kItems; ++i) {
+                    uint8_t const *p = a->ReadItem(i);
+                    ASSERT_NE(p, nullptr) << run.Describe();
+                    SItem want = Make(i), got{};
+                    std::memcpy(&got, p, std::min<size_t>(a->GetItemSize(), sizeof got));
+                    if (a->GetItemSize() < sizeof got) want.check = 0;
+                    ASSERT_EQ(got.value, want.value) << i << " " << run.Describe();
+                    ASSERT_EQ(got.check, want.check) << i << " " << run.Describe();
+                    if (a->GetItemSize() > sizeof got) {
+                        ASSERT_EQ(p[sizeof got], 0) << i << " " << run.Describe();
+                    }
+                }
+            },
+            {qv::test::Fault::kRead, qv::test::Fault::kWrite, qv::test::Fault::kLseek, qv::test::Fault::kFtruncate});
+        EXPECT_GT(runs, 4);
+    }
 }

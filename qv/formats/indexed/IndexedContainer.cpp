@@ -189,7 +189,11 @@ bool CIndexedContainer::ReOpenForWrite() {
 
 uint32_t CIndexedContainer::CreateIndex(uint16_t type, uint16_t subtype, uint32_t version, uint32_t id) {
     if (!m_open || m_readOnly) return kNoIndex;
-    if (m_indices.GetSize() >= m_slots && m_slots + kSlotsPerGrowth > kMaxSlots) return kNoIndex;
+    bool const grows = m_indices.GetSize() >= m_slots;
+    if (grows && m_slots + kSlotsPerGrowth > kMaxSlots) return kNoIndex;
+    // A new block starts at most at the host's end, which a grown table
+    // pushes on: past 32 bits its offset, or a moved block's, cannot be stored.
+    if (m_host->GetSize() + (grows ? kSlotsPerGrowth * kSlotSize : 0) > 0xFFFFFFFF) return kNoIndex;
     if (id == 0xFFFFFFFF) id = m_nextId;
     auto *index = new CIndex(this);
     index->m_type = type;
@@ -197,7 +201,7 @@ uint32_t CIndexedContainer::CreateIndex(uint16_t type, uint16_t subtype, uint32_
     index->m_version = version;
     index->m_id = id;
     index->m_offset = NewBlockOffset();
-    if (m_indices.GetSize() >= m_slots) {
+    if (grows) {
         int64_t tableEnd = int64_t(m_indexOffset) + int64_t(m_slots) * kSlotSize;
         if (!m_host->Insert(tableEnd, kSlotsPerGrowth * kSlotSize)) {
             delete index;
@@ -306,7 +310,7 @@ uint32_t CIndexedContainer::ReadIndex(CIndex *index, int64_t position, void *buf
 }
 
 uint32_t CIndexedContainer::WriteIndex(CIndex *index, int64_t position, void const *buffer, uint32_t n) {
-    if (!m_host || m_readOnly || position < 0) return 0;
+    if (!m_host || m_readOnly || position < 0 || position > INT64_MAX - n) return 0; // the end must not wrap
     int64_t end = position + n;
     if (end > index->m_size && SetIndexSize(index, end) != end) return 0;
     if (m_host->Seek(index->m_offset + position, 1) != index->m_offset + position) return 0;

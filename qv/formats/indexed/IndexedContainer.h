@@ -16,7 +16,8 @@
 /// Untrusted files. Opening refuses (false, object closed) a table that
 /// starts inside the header or runs past the end of the file, a block that
 /// lies in the header or the table, runs past the end, or overlaps another
-/// block. A growth that would push data beyond 32-bit offsets is refused.
+/// block. A growth that would push data beyond 32-bit offsets is refused, and
+/// so is a new block, or a table growth, in a host that would then end past them.
 ///
 /// Failures: no messages; false, 0, 0xFFFFFFFF or null. A failed growth or
 /// shrink leaves the block at its old size and every other block in place.
