@@ -26,7 +26,9 @@
 #include "qv/core/Version.h"
 #include "qv/files/File.h"
 #include "qv/formats/tagged/SAFFrames.h"
+#include "qv/filesystems/FileSystem.h"
 #include "qv/images/TIFF.h"
+#include "qv/tables/PODFile.h"
 
 extern char **environ;
 
@@ -863,6 +865,36 @@ TEST_F(QvTool, ConfigSetRefusesWhatTheFileWouldChange) {
     SRun got = Run({"config", "get", xml, "/a/c"});
     EXPECT_EQ(got.status, 0) << got.err;
     EXPECT_EQ(got.out, "x=y\n");
+}
+
+// pod set and pod get say why the table refused: a value no line of the
+// table can hold (the old file stays), a cell that is not UTF-8 text.
+TEST_F(QvTool, PodCommandsGiveTheTablesReason) {
+    std::string const table = Path("t.pod");
+    {
+        qv::CPODFile pod;
+        ASSERT_TRUE(pod.New());
+        ASSERT_EQ(pod.AddColumn(u"Time", u"Unclassified", u"seconds", u""), 0u);
+        pod.AllocRows(2);
+        ASSERT_TRUE(pod.PutValue(0, 0, u"1"));
+        ASSERT_TRUE(pod.PutValue(0, 1, u"2"));
+        ASSERT_TRUE(pod.Save(&qv::GetFileSystem(), qv::CString(table.c_str()).GetUTF16(), false, false));
+    }
+    std::string const before = ReadFile(table);
+    EXPECT_ONE_SENTENCE(Run({"pod", "set", table, "0", "0", "a\"b"}), 1,
+                        "cannot write " + table + " (the old file is unchanged): A value or column text holds a double "
+                                                  "quote");
+    EXPECT_EQ(ReadFile(table), before);
+    ASSERT_EQ(Run({"pod", "set", table, "0", "0", "7"}).status, 0);
+    SRun got = Run({"pod", "get", table, "0", "0"});
+    EXPECT_EQ(got.out, "7\n") << got.err;
+    std::string text = ReadFile(table);
+    size_t const cell = text.rfind("\r\n2");
+    ASSERT_NE(cell, std::string::npos);
+    text[cell + 2] = char(0xFF);
+    Write("t.pod", text);
+    EXPECT_ONE_SENTENCE(Run({"pod", "get", table, "1", "0"}), 1,
+                        "cannot read row 1 of " + table + ": A cell of the table is not UTF-8 text.");
 }
 
 // "-" reads standard input wherever a file is only read, and is refused

@@ -39,7 +39,7 @@ int RunPodExport(char *const *args) {
         if (pod.nDPs() > 1000000 && row % 1000000 == 0) std::fprintf(stderr, "qv: row %u of %u\n", row, pod.nDPs());
         for (uint32_t col = 0; col < pod.nParams(); ++col) {
             char16_t const *value = pod.GetValue(col, row);
-            if (!value) return Fail("cannot read row %u of %s", row, args[0]);
+            if (!value) return CannotReadRow(pod, row, args[0]);
             PutCsvField(PodText(value), col == 0);
         }
         std::fputs("\r\n", stdout);

@@ -20,6 +20,20 @@ bool OpenPod(char const *path, qv::CPODFile &pod) {
     return false;
 }
 
+int CannotReadRow(qv::CPODFile &pod, uint32_t row, char const *path) {
+    std::string why = PodText(pod.GetError());
+    return why.empty() ? Fail("cannot read row %u of %s", row, path)
+                       : Fail("cannot read row %u of %s: %s", row, path, why.c_str());
+}
+
+bool SavePod(qv::CPODFile &pod, char const *path) {
+    pod.SetError(u""); // a reason left by an earlier read is not this save's
+    if (pod.Save(&qv::GetFileSystem(), qv::CString(path).GetUTF16(), false, false)) return true;
+    std::string why = PodText(pod.GetError());
+    if (why.empty()) return Fail("%s", WriteFailure(path).c_str()), false;
+    return Fail("cannot write %s (the old file is unchanged): %s", path, why.c_str()), false;
+}
+
 bool PodIndex(char const *text, uint32_t limit, char const *what, uint32_t &out) {
     char *end = nullptr;
     unsigned long long v = std::strtoull(text, &end, 10);

@@ -15,5 +15,11 @@ bool PodIndex(char const *text, uint32_t limit, char const *what, uint32_t &out)
 // false after printing a sentence.
 bool PodCell(qv::CPODFile &pod, char const *rowText, char const *columnText, uint32_t &row, uint32_t &col);
 std::string PodText(char16_t const *value);
+// "cannot read row R of PATH", with the table's reason when it gives one;
+// returns kExitFailed.
+int CannotReadRow(qv::CPODFile &pod, uint32_t row, char const *path);
+// Saves pod over path (the old file stays on failure); false after printing
+// one sentence with the table's reason when it gives one.
+bool SavePod(qv::CPODFile &pod, char const *path);
 
 } // namespace qvtool

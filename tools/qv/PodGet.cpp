@@ -14,7 +14,7 @@ int RunPodGet(char *const *args) {
     uint32_t row = 0, col = 0;
     if (!PodCell(pod, args[1], args[2], row, col)) return kExitFailed;
     char16_t const *value = pod.GetValue(col, row);
-    if (!value) return Fail("cannot read row %u column %u of %s", row, col, args[0]);
+    if (!value) return CannotReadRow(pod, row, args[0]);
     std::printf("%s\n", PodText(value).c_str());
     return FinishStandardOutput() ? 0 : kExitFailed;
 }

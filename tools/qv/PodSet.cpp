@@ -16,9 +16,7 @@ int RunPodSet(char *const *args) {
     if (!PodCell(pod, args[1], args[2], row, col)) return kExitFailed;
     if (!pod.PutValue(col, row, qv::CString(args[3]).GetUTF16()))
         return Fail("cannot store the value: a cell holds at most 255 characters");
-    if (!pod.Save(&qv::GetFileSystem(), qv::CString(args[0]).GetUTF16(), false, false))
-        return Fail("%s", WriteFailure(args[0]).c_str());
-    return 0;
+    return SavePod(pod, args[0]) ? 0 : kExitFailed;
 }
 
 } // namespace qvtool

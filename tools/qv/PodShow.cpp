@@ -33,12 +33,6 @@ void ShowProgress(uint32_t row, uint32_t first, uint32_t end) {
         std::fprintf(stderr, "qv: row %u of %u\n", row - first, end - first);
 }
 
-int CannotRead(qv::CPODFile &pod, uint32_t row, char const *path) {
-    std::string why = PodText(pod.GetError());
-    return why.empty() ? Fail("cannot read row %u of %s", row, path)
-                       : Fail("cannot read row %u of %s: %s", row, path, why.c_str());
-}
-
 int PrintJson(char const *path, qv::CPODFile &pod, uint32_t first, uint32_t end) {
     CJsonWriter json(stdout);
     json.BeginObject();
@@ -63,7 +57,7 @@ int PrintJson(char const *path, qv::CPODFile &pod, uint32_t first, uint32_t end)
         json.BeginArray();
         for (uint32_t col = 0; col < pod.nParams(); ++col) {
             char16_t const *value = pod.GetValue(col, row);
-            if (!value) return CannotRead(pod, row, path); // the half object is cut off by the failure
+            if (!value) return CannotReadRow(pod, row, path); // the half object is cut off by the failure
             json.String(nullptr, PodText(value));
         }
         json.EndArray();
@@ -95,7 +89,7 @@ int RunPodShow(char *const *args) {
         std::printf("%u", row);
         for (uint32_t col = 0; col < pod.nParams(); ++col) {
             char16_t const *value = pod.GetValue(col, row);
-            if (!value) return CannotRead(pod, row, args[0]);
+            if (!value) return CannotReadRow(pod, row, args[0]);
             std::printf("\t%s", Escaped(PodText(value)).c_str());
         }
         std::printf("\n");
